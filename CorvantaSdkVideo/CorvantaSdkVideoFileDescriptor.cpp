@@ -18,9 +18,7 @@ std::optional<FileExtension> FileExtension::fromRawValue(std::string_view text) 
     return std::nullopt;
 }
 
-std::string_view FileExtension::rawValue() const {
-    return value_ == mp4 ? "mp4" : "jpg";
-}
+std::string_view FileExtension::rawValue() const { return value_ == mp4 ? "mp4" : "jpg"; }
 
 CorvantaSdkVideoFileDescriptor CorvantaSdkVideoFileDescriptor::cache(std::string fileName) {
     return {Kind::cache, std::move(fileName)};

@@ -16,9 +16,7 @@ namespace corvanta {
 
 namespace {
 
-PlatformError failure(int code) {
-    return {"AssetReader", code};
-}
+PlatformError failure(int code) { return {"AssetReader", code}; }
 
 // A refused file is told by an error; the library's own lines on the host's standard error would only repeat
 // it. A host that has set a level of its own keeps it.

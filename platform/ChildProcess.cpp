@@ -9,8 +9,8 @@
 #include <utility>
 
 #include <fcntl.h>
-#include <sys/pidfd.h>
 #include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -105,9 +105,7 @@ FileDescriptor::~FileDescriptor() {
     }
 }
 
-int FileDescriptor::release() {
-    return std::exchange(descriptor_, -1);
-}
+int FileDescriptor::release() { return std::exchange(descriptor_, -1); }
 
 ChildProcess::ChildProcess(const std::string& program, const std::vector<std::string>& arguments) {
     const std::string path = findProgram(program);
@@ -138,7 +136,8 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
         fail(errno, "vfork");
     }
     pid_ = child;
-    exited = FileDescriptor(pidfd_open(child, 0));
+    // Called by number: the C library of Debian 12 declares its wrapper for C alone.
+    exited = FileDescriptor(static_cast<int>(syscall(SYS_pidfd_open, child, 0)));
     if (error != 0 || exited.get() < 0) {
         const int reason = error != 0 ? error : errno;
         signalGroup(SIGKILL);

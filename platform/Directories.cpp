@@ -38,16 +38,10 @@ URL made(const fs::path& directory) {
 
 } // namespace
 
-URL documents() {
-    return made(baseDirectory("XDG_DATA_HOME", ".local/share") / "documents");
-}
+URL documents() { return made(baseDirectory("XDG_DATA_HOME", ".local/share") / "documents"); }
 
-URL caches() {
-    return made(baseDirectory("XDG_CACHE_HOME", ".cache"));
-}
+URL caches() { return made(baseDirectory("XDG_CACHE_HOME", ".cache")); }
 
-URL store() {
-    return made(baseDirectory("XDG_DATA_HOME", ".local/share"));
-}
+URL store() { return made(baseDirectory("XDG_DATA_HOME", ".local/share")); }
 
 } // namespace corvanta::Directories

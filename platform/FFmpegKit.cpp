@@ -77,19 +77,27 @@ class SessionRunner {
     }
 
     void cancel(std::int64_t id) {
-        std::shared_ptr<CommandRun> command;
-        {
-            const std::lock_guard lock(mutex_);
-            if (const auto found = running_.find(id); found != running_.end()) {
-                command = found->second.lock();
-            }
+        const std::lock_guard lock(mutex_);
+        if (const auto found = running_.find(id); found != running_.end()) {
+            cancel(found->second);
         }
-        if (command) {
-            command->cancel();
+    }
+
+    void cancelAll() {
+        const std::lock_guard lock(mutex_);
+        for (const auto& [id, command] : running_) {
+            cancel(command);
         }
     }
 
   private:
+    // Only posts, so the registry's lock may be held.
+    static void cancel(const std::weak_ptr<CommandRun>& running) {
+        if (const auto command = running.lock()) {
+            command->cancel();
+        }
+    }
+
     void forget(std::int64_t id) {
         const std::lock_guard lock(mutex_);
         running_.erase(id);
@@ -161,9 +169,9 @@ std::shared_ptr<Session> FFmpegKit::executeAsync(const std::string& command, Com
     return SessionRunner::shared().run(std::move(plan));
 }
 
-void FFmpegKit::cancel(std::int64_t sessionId) {
-    SessionRunner::shared().cancel(sessionId);
-}
+void FFmpegKit::cancel(std::int64_t sessionId) { SessionRunner::shared().cancel(sessionId); }
+
+void FFmpegKit::cancel() { SessionRunner::shared().cancelAll(); }
 
 std::shared_ptr<Session> FFprobeKit::executeAsync(const std::string& command, CompleteCallback onComplete) {
     CommandPlan plan;

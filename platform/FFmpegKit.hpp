@@ -103,6 +103,9 @@ class FFmpegKit {
     /// Asks the running session of that id, of ffmpeg or ffprobe, to stop. Returns at once; an unknown or
     /// ended id, and a second call, do nothing. ffmpeg closes its output file properly.
     static void cancel(std::int64_t sessionId);
+
+    /// Asks all running sessions to stop.
+    static void cancel();
 };
 
 class FFprobeKit {

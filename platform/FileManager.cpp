@@ -10,9 +10,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-bool isName(const std::string& path) {
-    return !path.empty() && path.find('\0') == std::string::npos;
-}
+bool isName(const std::string& path) { return !path.empty() && path.find('\0') == std::string::npos; }
 
 } // namespace
 

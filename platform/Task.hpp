@@ -5,6 +5,8 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/use_future.hpp>
 
+#include <optional>
+#include <type_traits>
 #include <utility>
 
 namespace corvanta {
@@ -19,9 +21,17 @@ using Task = boost::asio::awaitable<T>;
 template <typename T>
 T runBlocking(Task<T> task) {
     boost::asio::io_context context(1);
-    auto result = boost::asio::co_spawn(context, std::move(task), boost::asio::use_future);
-    context.run();
-    return result.get();
+    if constexpr (std::is_void_v<T>) {
+        auto ended = boost::asio::co_spawn(context, std::move(task), boost::asio::use_future);
+        context.run();
+        ended.get();
+    } else {
+        // `co_spawn` wants a result that can be made from nothing.
+        auto optional = [](Task<T> inner) -> Task<std::optional<T>> { co_return co_await std::move(inner); };
+        auto result = boost::asio::co_spawn(context, optional(std::move(task)), boost::asio::use_future);
+        context.run();
+        return *result.get();
+    }
 }
 
 } // namespace corvanta

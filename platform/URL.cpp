@@ -135,13 +135,9 @@ std::string URL::path() const {
     return path;
 }
 
-std::string URL::scheme() const {
-    return std::string(urls::url_view(text_).scheme());
-}
+std::string URL::scheme() const { return std::string(urls::url_view(text_).scheme()); }
 
-bool URL::isFileURL() const {
-    return urls::url_view(text_).scheme_id() == urls::scheme::file;
-}
+bool URL::isFileURL() const { return urls::url_view(text_).scheme_id() == urls::scheme::file; }
 
 std::string URL::lastPathComponent() const {
     const std::string whole = path();

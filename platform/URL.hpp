@@ -15,6 +15,9 @@ std::optional<std::string> removingPercentEncoding(std::string_view text);
 /// A value: immutable after construction, cheap to copy, safe to share between threads.
 class URL {
   public:
+    /// Empty: names nothing.
+    URL() = default;
+
     /// Parses `text` as a URL reference. Characters that a URL can't hold (blanks, non-ASCII letters, a lone
     /// '%') are percent-encoded instead of refused. A text without a scheme is kept as a bare path.
     /// '?' and '#' start a query and a fragment: use `fromFilePath` for arbitrary file names.

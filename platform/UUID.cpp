@@ -13,9 +13,7 @@ UUID makeUUID() {
     return generator();
 }
 
-std::string uuidString(const UUID& id) {
-    return boost::uuids::to_string(id);
-}
+std::string uuidString(const UUID& id) { return boost::uuids::to_string(id); }
 
 std::optional<UUID> parseUUID(std::string_view text) {
     // The string generator also takes forms with braces and without dashes.

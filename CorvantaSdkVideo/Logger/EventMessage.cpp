@@ -109,29 +109,17 @@ EventMessage EventMessage::processRequestFailed(const std::exception& error) {
     return EventMessage(std::string("Process request failed. ") + error.what());
 }
 
-EventMessage EventMessage::initVideoModule() {
-    return EventMessage("Init video module");
-}
+EventMessage EventMessage::initVideoModule() { return EventMessage("Init video module"); }
 
-EventMessage EventMessage::initEditVideoScreen() {
-    return EventMessage("Init edit screen called");
-}
+EventMessage EventMessage::initEditVideoScreen() { return EventMessage("Init edit screen called"); }
 
-EventMessage EventMessage::closeEditVideoScreen() {
-    return EventMessage("Close Edit Video Screen");
-}
+EventMessage EventMessage::closeEditVideoScreen() { return EventMessage("Close Edit Video Screen"); }
 
-EventMessage EventMessage::createMergeBuilder() {
-    return EventMessage("Building merge builder");
-}
+EventMessage EventMessage::createMergeBuilder() { return EventMessage("Building merge builder"); }
 
-EventMessage EventMessage::createConcatBuilder() {
-    return EventMessage("Building concat builder");
-}
+EventMessage EventMessage::createConcatBuilder() { return EventMessage("Building concat builder"); }
 
-EventMessage EventMessage::createEncodeBuilder() {
-    return EventMessage("Building encode builder");
-}
+EventMessage EventMessage::createEncodeBuilder() { return EventMessage("Building encode builder"); }
 
 EventMessage EventMessage::notAuthenticated() {
     return EventMessage("Validate authentication failed: SDK not authenticated");

@@ -11,9 +11,7 @@ URL CorvantaSdkVideoUtils::outputURL(std::string_view name, std::string_view fil
     return defaultFileLocation(name, fileExtension, SearchPathDirectory::documents);
 }
 
-void CorvantaSdkVideoUtils::createEmptyFile(const URL& atURL) {
-    FileManager::createFile(atURL.path());
-}
+void CorvantaSdkVideoUtils::createEmptyFile(const URL& atURL) { FileManager::createFile(atURL.path()); }
 
 void CorvantaSdkVideoUtils::deleteFileIfExists(const URL& atURL) {
     try {

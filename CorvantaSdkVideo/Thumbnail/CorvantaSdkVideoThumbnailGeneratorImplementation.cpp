@@ -91,10 +91,14 @@ Task<CorvantaSdkVideoThumbnailResult> CorvantaSdkVideoThumbnailGeneratorImplemen
         throw Error(Error::notFoundVideo);
     }
     const std::string outputPath = output->path();
-    removeOlderThumbnail(outputPath);
+    const bool writable = isWritable(input, outputPath);
+    // What can't succeed doesn't cost an older thumbnail.
+    if (writable) {
+        removeOlderThumbnail(outputPath);
+    }
     std::string command = commandGenerator_.generateThumbnailGenerationCommandFor(video, *output);
     try {
-        if (!isWritable(input, outputPath)) {
+        if (!writable) {
             throw std::system_error(std::make_error_code(std::errc::invalid_argument), outputPath);
         }
         co_await run(executor, std::move(command), outputPath);

@@ -102,12 +102,8 @@ std::string formattedTime(double seconds) {
     return (std::signbit(seconds) ? "-" : "") + text;
 }
 
-std::string shortestDecimal(double value) {
-    return withFraction(value);
-}
+std::string shortestDecimal(double value) { return withFraction(value); }
 
-std::string shortestDecimal(float value) {
-    return withFraction(value);
-}
+std::string shortestDecimal(float value) { return withFraction(value); }
 
 } // namespace corvanta

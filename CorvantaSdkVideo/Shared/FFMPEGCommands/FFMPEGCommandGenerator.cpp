@@ -16,9 +16,7 @@ std::string scaleFilter(std::optional<std::int64_t> width, std::optional<std::in
     return "scale=" + std::to_string(width.value_or(-1)) + ":" + std::to_string(height.value_or(-1));
 }
 
-std::string joined(const std::vector<std::string>& words) {
-    return boost::algorithm::join(words, " ");
-}
+std::string joined(const std::vector<std::string>& words) { return boost::algorithm::join(words, " "); }
 
 std::string createConcatCommandInputFile(const std::vector<CorvantaSdkVideoInformation>& assetsMetadata,
                                          const URL& inputFileURL) {

@@ -36,9 +36,7 @@ std::optional<std::int64_t> optionalInteger(const json& object, const char* key)
     return value->get<std::int64_t>();
 }
 
-std::int64_t integer(const json& object, const char* key) {
-    return optionalInteger(object, key).value_or(0);
-}
+std::int64_t integer(const json& object, const char* key) { return optionalInteger(object, key).value_or(0); }
 
 // Converts a whole text or gives 0; "inf", "nan" and what is too large for a double convert.
 double toDouble(const std::string& text) {
@@ -67,9 +65,7 @@ std::int64_t toInteger(const std::string& text) {
     return last == end && error == std::errc() ? value : 0;
 }
 
-double duration(const json& object) {
-    return toDouble(text(object, "duration", "0"));
-}
+double duration(const json& object) { return toDouble(text(object, "duration", "0")); }
 
 bool isListOfObjects(const json* value) {
     return value != nullptr && value->is_array() &&
