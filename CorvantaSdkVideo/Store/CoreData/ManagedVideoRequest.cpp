@@ -1,0 +1,312 @@
+#include <CorvantaSdkVideo/Store/CoreData/ManagedVideoRequest.hpp>
+
+#include <platform/Errors.hpp>
+#include <platform/FileBookmark.hpp>
+
+#include <SQLiteCpp/Column.h>
+
+#include <array>
+#include <chrono>
+#include <limits>
+#include <memory>
+
+namespace corvanta {
+
+namespace {
+
+// What a 16-bit attribute can't hold must not be stored as another number.
+std::int64_t narrow(std::int64_t value, const char* complaint) {
+    if (value < std::numeric_limits<std::int16_t>::min() ||
+        value > std::numeric_limits<std::int16_t>::max()) {
+        fatalError(complaint);
+    }
+    return value;
+}
+
+std::int64_t narrow(LocalVideoRequest::Status status) {
+    return narrow(static_cast<int>(status), "The status of a video request doesn't fit 16 bits.");
+}
+
+std::int64_t nanoseconds(LocalVideoRequest::Date date) {
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(date.time_since_epoch()).count();
+}
+
+void bindText(SQLite::Statement& statement, int place, const std::optional<std::string>& text) {
+    if (text) {
+        statement.bind(place, *text);
+    } else {
+        statement.bind(place);
+    }
+}
+
+void bindBytes(SQLite::Statement& statement, int place, const std::optional<std::string>& bytes) {
+    if (bytes) {
+        statement.bind(place, bytes->data(), static_cast<int>(bytes->size()));
+    } else {
+        statement.bind(place);
+    }
+}
+
+std::optional<std::string> optionalText(const SQLite::Column& column) {
+    return column.isNull() ? std::nullopt : std::optional(column.getString());
+}
+
+// The requests that fit `predicate`, which has at most one parameter, each with its input files.
+std::string joinedQuery(const std::string& predicate) {
+    return R"(SELECT r.primaryKey, r.id, r.status, r.outputPath, r.outputBookmark, r.type, r.rawData,
+                     r.processId, r.error, r.createdAt, r.updatedAt, f."index", f.path, f.pathBookmark
+              FROM ManagedVideoRequest r LEFT JOIN ManagedVideoRequestInputFile f ON f.request = r.primaryKey )" +
+           predicate + R"( ORDER BY r.primaryKey, f."index")";
+}
+
+std::vector<ManagedVideoRequest> readRows(SQLite::Statement& joined) {
+    std::vector<ManagedVideoRequest> rows;
+    while (joined.executeStep()) {
+        const RowKey key = joined.getColumn(0).getInt64();
+        if (rows.empty() || rows.back().primaryKey != key) {
+            rows.push_back({key,
+                            joined.getColumn(1).getString(),
+                            joined.getColumn(2).getInt64(),
+                            joined.getColumn(3).getString(),
+                            optionalText(joined.getColumn(4)),
+                            joined.getColumn(5).getString(),
+                            optionalText(joined.getColumn(6)),
+                            optionalText(joined.getColumn(7)),
+                            optionalText(joined.getColumn(8)),
+                            joined.getColumn(9).getInt64(),
+                            joined.getColumn(10).getInt64(),
+                            {}});
+        }
+        if (const SQLite::Column index = joined.getColumn(11); !index.isNull()) {
+            rows.back().inputFiles.push_back(
+                {joined.getColumn(12).getString(), index.getInt64(), optionalText(joined.getColumn(13))});
+        }
+    }
+    return rows;
+}
+
+template <typename... Parameter>
+std::vector<ManagedVideoRequest> fetchRows(ManagedObjectContext& context, const std::string& sql,
+                                           const Parameter&... parameter) {
+    return context.fetch([&] {
+        StatementUse joined(context.statement(sql));
+        (joined->bind(1, parameter), ...);
+        return readRows(*joined);
+    });
+}
+
+std::optional<ManagedVideoRequest> first(std::vector<ManagedVideoRequest> rows) {
+    return rows.empty() ? std::nullopt : std::optional(std::move(rows.front()));
+}
+
+std::vector<ManagedVideoRequest> findByStatus(int rawValue, ManagedObjectContext& context) {
+    static const std::string sql = joinedQuery("WHERE r.status = ?");
+    return fetchRows(context, sql, rawValue);
+}
+
+std::optional<RowKey> keyOf(const UUID& id, ManagedObjectContext& context) {
+    static const std::string sql =
+        "SELECT primaryKey FROM ManagedVideoRequest WHERE id = ? ORDER BY primaryKey LIMIT 1";
+    try {
+        return context.fetch([&]() -> std::optional<RowKey> {
+            StatementUse lookup(context.statement(sql));
+            lookup->bind(1, uuidString(id));
+            return lookup->executeStep() ? std::optional(lookup->getColumn(0).getInt64()) : std::nullopt;
+        });
+    } catch (const SQLite::Exception&) {
+        return std::nullopt;
+    }
+}
+
+void insertRow(const ManagedVideoRequest& row, ManagedObjectContext& context) {
+    static const std::string insertRequest =
+        R"(INSERT INTO ManagedVideoRequest (primaryKey, id, status, outputPath, outputBookmark, type, rawData,
+                                            createdAt, updatedAt) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?))";
+    static const std::string insertFile =
+        R"(INSERT INTO ManagedVideoRequestInputFile (request, "index", path, pathBookmark) VALUES (?, ?, ?, ?))";
+    StatementUse request(context.statement(insertRequest));
+    request->bind(1, row.primaryKey);
+    request->bind(2, row.id);
+    request->bind(3, row.status);
+    request->bind(4, row.outputPath);
+    bindBytes(*request, 5, row.outputBookmark);
+    request->bind(6, row.type);
+    bindText(*request, 7, row.rawData);
+    request->bind(8, row.createdAt);
+    request->bind(9, row.updatedAt);
+    request->exec();
+    SQLite::Statement& fileStatement = context.statement(insertFile);
+    for (const ManagedVideoRequestInputFile& input : row.inputFiles) {
+        StatementUse file(fileStatement);
+        file->bind(1, row.primaryKey);
+        file->bind(2, input.index);
+        file->bind(3, input.path);
+        bindBytes(*file, 4, input.pathBookmark);
+        file->exec();
+    }
+}
+
+// New values of one row; what is absent is left alone.
+struct NewValues {
+    RowKey primaryKey;
+    std::optional<std::optional<std::string>> error;
+    std::optional<std::int64_t> status;
+    std::optional<std::optional<std::string>> processId;
+    std::optional<std::int64_t> updatedAt;
+};
+
+void updateRow(const NewValues& values, ManagedObjectContext& context) {
+    std::string sql = "UPDATE ManagedVideoRequest SET primaryKey = primaryKey";
+    sql += values.error ? ", error = ?1" : "";
+    sql += values.status ? ", status = ?2" : "";
+    sql += values.processId ? ", processId = ?3" : "";
+    sql += values.updatedAt ? ", updatedAt = ?4" : "";
+    sql += " WHERE primaryKey = ?5";
+    StatementUse update(context.statement(sql));
+    if (values.error) {
+        bindText(*update, 1, *values.error);
+    }
+    if (values.status) {
+        update->bind(2, *values.status);
+    }
+    if (values.processId) {
+        bindText(*update, 3, *values.processId);
+    }
+    if (values.updatedAt) {
+        update->bind(4, *values.updatedAt);
+    }
+    update->bind(5, values.primaryKey);
+    update->exec();
+}
+
+void addUpdate(NewValues values, ManagedObjectContext& context) {
+    const RowKey key = values.primaryKey;
+    context.add({[values = std::move(values)](ManagedObjectContext& in) { updateRow(values, in); }, key});
+}
+
+} // namespace
+
+std::optional<ManagedVideoRequest> ManagedVideoRequest::findBy(const UUID& id,
+                                                               ManagedObjectContext& context) {
+    static const std::string sql =
+        joinedQuery("WHERE r.primaryKey = (SELECT min(primaryKey) FROM ManagedVideoRequest WHERE id = ?)");
+    return first(fetchRows(context, sql, uuidString(id)));
+}
+
+std::optional<ManagedVideoRequest> ManagedVideoRequest::getRequestBy(const UUID& id,
+                                                                     ManagedObjectContext& context) {
+    try {
+        return findBy(id, context);
+    } catch (const SQLite::Exception&) {
+        return std::nullopt;
+    }
+}
+
+std::optional<ManagedVideoRequest> ManagedVideoRequest::getRequestBy(RowKey key,
+                                                                     ManagedObjectContext& context) {
+    static const std::string sql = joinedQuery("WHERE r.primaryKey = ?");
+    try {
+        return first(fetchRows(context, sql, key));
+    } catch (const SQLite::Exception&) {
+        return std::nullopt;
+    }
+}
+
+std::vector<ManagedVideoRequest> ManagedVideoRequest::getRequestsBy(LocalVideoRequest::Status status,
+                                                                    ManagedObjectContext& context) {
+    try {
+        return findByStatus(static_cast<int>(status), context);
+    } catch (const SQLite::Exception&) {
+        return {};
+    }
+}
+
+std::vector<ManagedVideoRequest> ManagedVideoRequest::findBy(CorvantaSdkVideoRequestStatus status,
+                                                             ManagedObjectContext& context) {
+    return findByStatus(static_cast<int>(status), context);
+}
+
+std::vector<ManagedVideoRequest> ManagedVideoRequest::findAll(ManagedObjectContext& context) {
+    static const std::string sql = joinedQuery("");
+    return fetchRows(context, sql);
+}
+
+void ManagedVideoRequest::insertUpload(ManagedObjectContext& context, const LocalVideoRequest& request) {
+    auto row = std::make_shared<ManagedVideoRequest>(ManagedVideoRequest{
+        context.makeKey(),
+        uuidString(request.id),
+        narrow(request.status),
+        request.outputPath.absoluteString(),
+        makeFileBookmark(request.outputPath.path()),
+        std::string(LocalVideoRequest::rawValue(request.type)),
+        request.rawData,
+        std::nullopt,
+        std::nullopt,
+        nanoseconds(request.createdAt),
+        nanoseconds(request.updatedAt),
+        {},
+    });
+    // One more than the last position has to fit as well.
+    narrow(static_cast<std::int64_t>(request.inputFiles.size()),
+           "A video request can't have 32,768 input files or more: their count doesn't fit 16 bits.");
+    row->inputFiles.reserve(request.inputFiles.size());
+    for (const LocalVideoRequestFile& file : request.inputFiles) {
+        row->inputFiles.push_back({file.path.absoluteString(),
+                                   static_cast<std::int64_t>(row->inputFiles.size()),
+                                   makeFileBookmark(file.path.path())});
+    }
+    context.add({[row](ManagedObjectContext& in) { insertRow(*row, in); }, std::nullopt});
+}
+
+bool ManagedVideoRequest::update(const UUID& id, const UpdateRequestData& data,
+                                 ManagedObjectContext& context) {
+    const auto key = keyOf(id, context);
+    if (!key) {
+        return false;
+    }
+    NewValues values{};
+    values.primaryKey = *key;
+    for (const UpdateRequestData::Field& field : data.fields) {
+        switch (field.kind()) {
+        case UpdateRequestData::Field::Case::error:
+            values.error = field.text();
+            break;
+        case UpdateRequestData::Field::Case::status:
+            values.status = narrow(field.newStatus());
+            break;
+        case UpdateRequestData::Field::Case::processId:
+            values.processId = field.text();
+            break;
+        }
+    }
+    values.updatedAt = nanoseconds(std::chrono::system_clock::now());
+    addUpdate(std::move(values), context);
+    return true;
+}
+
+bool ManagedVideoRequest::remove(const UUID& id, ManagedObjectContext& context) {
+    static const std::string sql = "DELETE FROM ManagedVideoRequest WHERE primaryKey = ?";
+    const auto key = keyOf(id, context);
+    if (!key) {
+        return false;
+    }
+    const auto removeRow = [key = *key](ManagedObjectContext& in) {
+        StatementUse removal(in.statement(sql));
+        removal->bind(1, key);
+        removal->exec();
+    };
+    context.add({removeRow, std::nullopt});
+    return true;
+}
+
+void ManagedVideoRequest::replaceStatus(LocalVideoRequest::Status status, LocalVideoRequest::Status by,
+                                        ManagedObjectContext& context) {
+    for (const ManagedVideoRequest& row : getRequestsBy(status, context)) {
+        NewValues values{};
+        values.primaryKey = row.primaryKey;
+        values.status = narrow(by);
+        addUpdate(std::move(values), context);
+    }
+}
+
+} // namespace corvanta
