@@ -1,12 +1,19 @@
 #pragma once
 
+#include <CorvantaSdkVideo/Commands/Builders/ConcatBuilder.hpp>
+#include <CorvantaSdkVideo/Commands/Builders/EncodingBuilder.hpp>
+#include <CorvantaSdkVideo/Commands/Builders/MergeBuilder.hpp>
+#include <CorvantaSdkVideo/Commands/CorvantaSdkVideoRequest.hpp>
 #include <CorvantaSdkVideo/CorvantaSdkVideoFile.hpp>
 #include <CorvantaSdkVideo/CorvantaSdkVideoFileDescriptor.hpp>
 #include <CorvantaSdkVideo/CorvantaSdkVideoThumbnailInputVideo.hpp>
 #include <CorvantaSdkVideo/Shared/Models/CorvantaSdkVideoInformation.hpp>
+#include <platform/Stream.hpp>
 #include <platform/Task.hpp>
+#include <platform/UUID.hpp>
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -27,6 +34,33 @@ class CorvantaSdkVideoInterface {
     generateThumbnail(CorvantaSdkVideoFile input, CorvantaSdkVideoFileDescriptor output,
                       double position = 1000.0, std::optional<std::int64_t> width = std::nullopt,
                       std::optional<std::int64_t> height = std::nullopt) = 0;
+
+    /// Whether the files are alike enough for a concat. Too few or missing files are errors, different ones a
+    /// "no".
+    virtual Task<bool> canConcat(std::vector<CorvantaSdkVideoFile> input) = 0;
+
+    /// Joins unlike videos by re-encoding them.
+    virtual ::corvanta::MergeBuilder MergeBuilder(std::vector<CorvantaSdkVideoFile> input,
+                                                  CorvantaSdkVideoFileDescriptor output) = 0;
+    /// Joins like videos by stream copy.
+    virtual ::corvanta::ConcatBuilder ConcatBuilder(std::vector<CorvantaSdkVideoFile> input,
+                                                    CorvantaSdkVideoFileDescriptor output) = 0;
+    /// Re-encodes one video.
+    virtual ::corvanta::EncodingBuilder EncodingBuilder(CorvantaSdkVideoFile input,
+                                                        CorvantaSdkVideoFileDescriptor output) = 0;
+
+    /// The stored requests of one status, in the store's own order.
+    virtual std::vector<std::shared_ptr<CorvantaSdkVideoRequest>>
+    getRequests(CorvantaSdkVideoRequest::Status withStatus) = 0;
+
+    /// The stored requests of one status, or all of them, now and after each change. An empty list is not
+    /// given at the start. Values come on the thread of whoever changes the store, during the change: return
+    /// quickly. Take a new stream for each subscriber.
+    virtual Stream<std::vector<std::shared_ptr<CorvantaSdkVideoRequest>>>
+    streamRequests(std::optional<CorvantaSdkVideoRequest::Status> withStatus = std::nullopt) = 0;
+
+    /// One stored request, now and after each update. Throws the store's `uploadNotFound` for an unknown id.
+    virtual Stream<std::shared_ptr<CorvantaSdkVideoRequest>> streamRequest(UUID withId) = 0;
 };
 
 } // namespace corvanta

@@ -1,27 +1,20 @@
 #include <CorvantaSdkVideo/CorvantaSdkVideoInterfaceImp.hpp>
 
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
+#include <CorvantaSdkVideo/Shared/FileURLs.hpp>
+#include <CorvantaSdkVideo/Store/CoreData/CoreDataCorvantaStore.hpp>
 #include <CorvantaSdkVideo/Thumbnail/CorvantaSdkVideoThumbnailGeneratorImplementation.hpp>
 
+#include <platform/Directories.hpp>
+
+#include <string>
 #include <utility>
 
 namespace corvanta {
 
-namespace {
-
-std::vector<URL> urls(const std::vector<CorvantaSdkVideoFile>& files) {
-    std::vector<URL> result;
-    result.reserve(files.size());
-    for (const CorvantaSdkVideoFile& file : files) {
-        result.push_back(file.url());
-    }
-    return result;
-}
-
-} // namespace
-
 CorvantaSdkVideoInterfaceImp::CorvantaSdkVideoInterfaceImp() {
     Logger::addLog(Event::initVideo, EventMessage::initVideoModule());
+    coreDataStore()->resetPendingRequests();
 }
 
 Task<std::vector<CorvantaSdkVideoInformation>>
@@ -37,9 +30,102 @@ Task<CorvantaSdkVideoThumbnailResult> CorvantaSdkVideoInterfaceImp::generateThum
     co_return co_await generator->generateThumbnail(std::move(video));
 }
 
+Task<bool> CorvantaSdkVideoInterfaceImp::canConcat(std::vector<CorvantaSdkVideoFile> input) {
+    std::vector<URL> videos = urls(input);
+    Logger::addLog(Event::compareVideo, EventMessage::compare(videos));
+    co_return co_await concatInputValidator().canProcessConcatWith(std::move(videos));
+}
+
+::corvanta::MergeBuilder CorvantaSdkVideoInterfaceImp::MergeBuilder(std::vector<CorvantaSdkVideoFile> input,
+                                                                    CorvantaSdkVideoFileDescriptor output) {
+    Logger::addLog(Event::createMergeBuilder, EventMessage::createMergeBuilder());
+    return {std::move(input), std::move(output), mergeEngine(), coreDataStore()};
+}
+
+::corvanta::ConcatBuilder CorvantaSdkVideoInterfaceImp::ConcatBuilder(std::vector<CorvantaSdkVideoFile> input,
+                                                                      CorvantaSdkVideoFileDescriptor output) {
+    Logger::addLog(Event::createConcatBuilder, EventMessage::createConcatBuilder());
+    return {std::move(input), std::move(output), concatEngine(), coreDataStore()};
+}
+
+::corvanta::EncodingBuilder
+CorvantaSdkVideoInterfaceImp::EncodingBuilder(CorvantaSdkVideoFile input,
+                                              CorvantaSdkVideoFileDescriptor output) {
+    Logger::addLog(Event::createEncodeBuilder, EventMessage::createEncodeBuilder());
+    return {std::move(input), std::move(output), encoderEngine(), coreDataStore()};
+}
+
+std::vector<std::shared_ptr<CorvantaSdkVideoRequest>>
+CorvantaSdkVideoInterfaceImp::getRequests(CorvantaSdkVideoRequest::Status withStatus) {
+    Logger::addLog(Event::getAllRequest, EventMessage::getRequestsBy(name(withStatus)));
+    return requestBuilder().getRequestsByStatus(withStatus);
+}
+
+Stream<std::vector<std::shared_ptr<CorvantaSdkVideoRequest>>>
+CorvantaSdkVideoInterfaceImp::streamRequests(std::optional<CorvantaSdkVideoRequest::Status> withStatus) {
+    const auto status = withStatus ? std::optional(name(*withStatus)) : std::nullopt;
+    Logger::addLog(Event::streamRequestWithStatus, EventMessage::streamRequestsBy(status));
+    return requestBuilder().streamRequests(withStatus);
+}
+
+Stream<std::shared_ptr<CorvantaSdkVideoRequest>> CorvantaSdkVideoInterfaceImp::streamRequest(UUID withId) {
+    Logger::addLog(Event::streamRequestWithID, EventMessage::streamRequest(withId));
+    return requestBuilder().streamVideoRequest(withId);
+}
+
 VideosInformationGenerator& CorvantaSdkVideoInterfaceImp::videosInformationGenerator() {
     static VideosInformationGenerator generator;
     return generator;
+}
+
+URL CorvantaSdkVideoInterfaceImp::storeURL() {
+    return Directories::store().appendingPathComponent("video-store.sqlite");
+}
+
+std::shared_ptr<VideoStore> CorvantaSdkVideoInterfaceImp::coreDataStore() {
+    static const auto store = [] {
+        try {
+            return std::make_shared<CoreDataCorvantaStore>(storeURL());
+        } catch (const std::exception& error) {
+            fatalError((storeURL().path() + " can't be opened: " + error.what()).c_str());
+        }
+    }();
+    return store;
+}
+
+ConcatInputValidator& CorvantaSdkVideoInterfaceImp::concatInputValidator() {
+    static ConcatInputValidator validator;
+    return validator;
+}
+
+std::shared_ptr<CorvantaSdkVideoConcatEngine> CorvantaSdkVideoInterfaceImp::concatEngine() {
+    static const auto engine = std::make_shared<CorvantaSdkVideoConcatEngine>(
+        std::make_shared<CorvantaCredentialsManagerImp>(), FFMPEGCommandGenerator(),
+        std::make_shared<FFMPEGCommandExecutorImplementation>(), concatInputValidator(),
+        videosInformationGenerator(), CorvantaSdkVideoFileValidator(), coreDataStore());
+    return engine;
+}
+
+std::shared_ptr<CorvantaSdkVideoMergeEngine> CorvantaSdkVideoInterfaceImp::mergeEngine() {
+    static const auto engine = std::make_shared<CorvantaSdkVideoMergeEngine>(
+        std::make_shared<CorvantaCredentialsManagerImp>(), FFMPEGMergeCommandGenerator(),
+        std::make_shared<FFMPEGCommandExecutorImplementation>(), videosInformationGenerator(),
+        CorvantaSdkVideoFileValidator(), coreDataStore());
+    return engine;
+}
+
+std::shared_ptr<CorvantaSdkVideoVideoEncoderEngine> CorvantaSdkVideoInterfaceImp::encoderEngine() {
+    static const auto engine = std::make_shared<CorvantaSdkVideoVideoEncoderEngine>(
+        std::make_shared<CorvantaCredentialsManagerImp>(), CorvantaSdkVideoFileValidator(),
+        std::make_shared<FFMPEGCommandExecutorImplementation>(), FFMPEGMergeCommandGenerator(),
+        coreDataStore());
+    return engine;
+}
+
+CorvantaSdkVideoRequestBuilder& CorvantaSdkVideoInterfaceImp::requestBuilder() {
+    static CorvantaSdkVideoRequestBuilder directory(coreDataStore(), mergeEngine(), concatEngine(),
+                                                    encoderEngine());
+    return directory;
 }
 
 std::unique_ptr<CorvantaSdkVideoThumbnailGenerator> CorvantaSdkVideoInterfaceImp::thumbnailGenerator() {

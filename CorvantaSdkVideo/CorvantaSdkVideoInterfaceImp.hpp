@@ -1,5 +1,7 @@
 #pragma once
 
+#include <CorvantaSdkVideo/Commands/CorvantaSdkVideoRequestBuilder.hpp>
+#include <CorvantaSdkVideo/Commands/Encoding/CorvantaSdkVideoVideoEncoderEngine.hpp>
 #include <CorvantaSdkVideo/CorvantaSdkVideoInterface.hpp>
 #include <CorvantaSdkVideo/Shared/VideosInformationGenerator.hpp>
 #include <CorvantaSdkVideo/Thumbnail/CorvantaSdkVideoThumbnailGenerator.hpp>
@@ -20,7 +22,30 @@ class CorvantaSdkVideoInterfaceImp : public CorvantaSdkVideoInterface {
     generateThumbnail(CorvantaSdkVideoFile input, CorvantaSdkVideoFileDescriptor output, double position,
                       std::optional<std::int64_t> width, std::optional<std::int64_t> height) override;
 
+    Task<bool> canConcat(std::vector<CorvantaSdkVideoFile> input) override;
+
+    ::corvanta::MergeBuilder MergeBuilder(std::vector<CorvantaSdkVideoFile> input,
+                                          CorvantaSdkVideoFileDescriptor output) override;
+    ::corvanta::ConcatBuilder ConcatBuilder(std::vector<CorvantaSdkVideoFile> input,
+                                            CorvantaSdkVideoFileDescriptor output) override;
+    ::corvanta::EncodingBuilder EncodingBuilder(CorvantaSdkVideoFile input,
+                                                CorvantaSdkVideoFileDescriptor output) override;
+
+    std::vector<std::shared_ptr<CorvantaSdkVideoRequest>>
+    getRequests(CorvantaSdkVideoRequest::Status withStatus) override;
+    Stream<std::vector<std::shared_ptr<CorvantaSdkVideoRequest>>>
+    streamRequests(std::optional<CorvantaSdkVideoRequest::Status> withStatus) override;
+    Stream<std::shared_ptr<CorvantaSdkVideoRequest>> streamRequest(UUID withId) override;
+
     static VideosInformationGenerator& videosInformationGenerator();
+    static URL storeURL();
+    /// A store that can't be opened stops the process.
+    static std::shared_ptr<VideoStore> coreDataStore();
+    static ConcatInputValidator& concatInputValidator();
+    static std::shared_ptr<CorvantaSdkVideoConcatEngine> concatEngine();
+    static std::shared_ptr<CorvantaSdkVideoMergeEngine> mergeEngine();
+    static std::shared_ptr<CorvantaSdkVideoVideoEncoderEngine> encoderEngine();
+    static CorvantaSdkVideoRequestBuilder& requestBuilder();
 
     /// A new one at each call.
     static std::unique_ptr<CorvantaSdkVideoThumbnailGenerator> thumbnailGenerator();

@@ -15,6 +15,14 @@ using Command = std::function<void(Console&)>;
 /// Each adds one subcommand, which puts its work into `chosen` when it is on the command line.
 void addInfoCommand(CLI::App& app, Command& chosen);
 void addThumbnailCommand(CLI::App& app, Command& chosen);
+void addCanConcatCommand(CLI::App& app, Command& chosen);
+void addConcatCommand(CLI::App& app, Command& chosen);
+void addMergeCommand(CLI::App& app, Command& chosen);
+void addEncodeCommand(CLI::App& app, Command& chosen);
+void addRequestsCommand(CLI::App& app, Command& chosen);
+void addWatchCommand(CLI::App& app, Command& chosen);
+void addProcessCommand(CLI::App& app, Command& chosen);
+void addTracksCommand(CLI::App& app, Command& chosen);
 
 /// The files of the command line, named as they stand.
 std::vector<corvanta::CorvantaSdkVideoFile> inputFiles(const std::vector<std::string>& paths);

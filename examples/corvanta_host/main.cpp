@@ -22,8 +22,11 @@ int main(int argumentCount, char** arguments) {
     app.add_flag("--logged-out", loggedOut, "Use the module with nobody logged in");
 
     Command command;
-    addInfoCommand(app, command);
-    addThumbnailCommand(app, command);
+    for (const auto add :
+         {addInfoCommand, addThumbnailCommand, addCanConcatCommand, addConcatCommand, addMergeCommand,
+          addEncodeCommand, addTracksCommand, addRequestsCommand, addWatchCommand, addProcessCommand}) {
+        add(app, command);
+    }
     try {
         app.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <CorvantaSdkVideo/Commands/CorvantaSdkVideoRequest.hpp>
+#include <CorvantaSdkVideo/CorvantaSdkVideoFile.hpp>
+#include <CorvantaSdkVideo/Store/VideoStore.hpp>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace corvanta {
+
+/// Builds a request that re-encodes one video. Set what is wanted, then build; later builds see later values.
+/// For one caller at a time.
+class EncodingBuilder {
+  public:
+    EncodingBuilder(CorvantaSdkVideoFile video, CorvantaSdkVideoFileDescriptor output,
+                    std::shared_ptr<CorvantaSdkVideoRequestEngine> engine, std::shared_ptr<VideoStore> store);
+
+    /// The request's identity: building twice gives two objects of one id.
+    const UUID id;
+    const CorvantaSdkVideoFile video;
+    const CorvantaSdkVideoFileDescriptor output;
+    const std::shared_ptr<CorvantaSdkVideoRequestEngine> engine;
+    const std::shared_ptr<VideoStore> store;
+
+    /// Output size in pixels, 128 at least; with one side alone the other follows the aspect.
+    std::optional<double> width;
+    std::optional<double> height;
+    CorvantaSdkVideoFrameRate framesRate = CorvantaSdkVideoFrameRate::thirtyFps;
+    /// The video streams to keep, and the audio streams by their index; with both empty every stream is kept.
+    std::vector<CorvantaSdkVideoEncodeVideoEntry> videoTracks;
+    std::vector<std::int64_t> audioTracks;
+
+    /// Makes the request and stores it as `idle`; an existing file at the output location is removed. Never
+    /// throws: a request that could not be stored throws `operationNotFound` at `process()`.
+    std::shared_ptr<CorvantaSdkVideoRequest> build() const;
+};
+
+} // namespace corvanta

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <CorvantaSdkVideo/Commands/CorvantaSdkVideoRequest.hpp>
+#include <CorvantaSdkVideo/CorvantaSdkVideoFile.hpp>
+#include <CorvantaSdkVideo/Store/VideoStore.hpp>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace corvanta {
+
+/// Builds a request that joins unlike videos by re-encoding. Set what is wanted, then build; later builds see
+/// later values. For one caller at a time.
+class MergeBuilder {
+  public:
+    MergeBuilder(std::vector<CorvantaSdkVideoFile> videos, CorvantaSdkVideoFileDescriptor output,
+                 std::shared_ptr<CorvantaSdkVideoRequestEngine> engine, std::shared_ptr<VideoStore> store);
+
+    /// The request's identity: building twice gives two objects of one id.
+    const UUID id;
+    const std::vector<CorvantaSdkVideoFile> videos;
+    const CorvantaSdkVideoFileDescriptor output;
+    const std::shared_ptr<CorvantaSdkVideoRequestEngine> engine;
+    const std::shared_ptr<VideoStore> store;
+
+    /// Output size in pixels, 128 at least. With one side alone the other follows the largest inputs' sides;
+    /// with none the output is as large as the largest.
+    std::optional<double> width;
+    std::optional<double> height;
+    CorvantaSdkVideoFrameRate framesRate = CorvantaSdkVideoFrameRate::thirtyFps;
+    /// Empty: as many output tracks as the richest input has.
+    std::vector<CorvantaSdkVideoMergeVideoTrack> videoTracks;
+    std::vector<CorvantaSdkVideoMergeAudioTrack> audioTracks;
+
+    /// Makes the request and stores it as `idle`; an existing file at the output location is removed. Never
+    /// throws: a request that could not be stored throws `operationNotFound` at `process()`.
+    std::shared_ptr<CorvantaSdkVideoRequest> build() const;
+};
+
+} // namespace corvanta

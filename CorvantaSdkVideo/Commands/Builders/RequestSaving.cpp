@@ -1,0 +1,53 @@
+#include <CorvantaSdkVideo/Commands/Builders/RequestSaving.hpp>
+
+#include <CorvantaSdkVideo/Logger/Logger.hpp>
+#include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
+
+#include <chrono>
+#include <exception>
+
+namespace corvanta {
+
+namespace {
+
+std::vector<LocalVideoRequestFile> indexed(const std::vector<URL>& files) {
+    std::vector<LocalVideoRequestFile> inputFiles;
+    inputFiles.reserve(files.size());
+    for (const URL& file : files) {
+        inputFiles.push_back({file, static_cast<std::int64_t>(inputFiles.size())});
+    }
+    return inputFiles;
+}
+
+} // namespace
+
+void saveRequest(const CorvantaSdkVideoRequest& request, const StoredOperation& operation,
+                 VideoStore& store) {
+    const auto outputURL = request.output.url(operation.fileExtension);
+    if (!outputURL) {
+        return;
+    }
+    if (operation.placeholder) {
+        CorvantaSdkVideoUtils::createEmptyFile(*outputURL);
+    }
+    const LocalVideoRequest record{.id = request.id,
+                                   .status = LocalVideoRequest::Status::idle,
+                                   .outputPath = *outputURL,
+                                   .output = request.output,
+                                   .type = operation.type,
+                                   .error = std::nullopt,
+                                   .inputFiles = indexed(operation.inputFiles),
+                                   .rawData = operation.rawData,
+                                   .processId = std::nullopt,
+                                   .createdAt = std::chrono::system_clock::now(),
+                                   .updatedAt = std::chrono::system_clock::now()};
+    try {
+        store.insert(record);
+    } catch (const std::exception& error) {
+        Logger::logError(Event::insertRequest, EventMessage::insertRequestFailed(error));
+        return;
+    }
+    CorvantaSdkVideoUtils::deleteFileIfExists(*outputURL);
+}
+
+} // namespace corvanta

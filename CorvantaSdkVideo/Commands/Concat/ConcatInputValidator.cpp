@@ -1,0 +1,59 @@
+#include <CorvantaSdkVideo/Commands/Concat/ConcatInputValidator.hpp>
+
+#include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
+#include <CorvantaSdkVideo/Logger/Logger.hpp>
+
+#include <utility>
+
+namespace corvanta {
+
+namespace {
+
+using Reason = CorvantaSdkVideoError::InvalidInputFilesReason;
+
+void compare(const CorvantaSdkVideoInformation& reference, const CorvantaSdkVideoInformation& video) {
+    if (video.format != reference.format) {
+        throw CorvantaSdkVideoError(Reason::differentFormats);
+    }
+    if (video.videos != reference.videos) {
+        throw CorvantaSdkVideoError(Reason::differentVideoTracks);
+    }
+    if (video.audios != reference.audios) {
+        throw CorvantaSdkVideoError(Reason::differentAudioTracks);
+    }
+}
+
+} // namespace
+
+ConcatInputValidator::ConcatInputValidator(std::shared_ptr<FFMPEGCommandExecutor> commandExecutor,
+                                           std::shared_ptr<CorvantaCredentialsManager> credentialsManager,
+                                           VideosInformationGenerator videosInformationGenerator,
+                                           CorvantaSdkVideoFileValidator videosValidator)
+    : commandExecutor_(std::move(commandExecutor)), credentialsManager_(std::move(credentialsManager)),
+      videosInformationGenerator_(std::move(videosInformationGenerator)), videosValidator_(videosValidator) {}
+
+Task<bool> ConcatInputValidator::canProcessConcatWith(std::vector<URL> videos) const {
+    if (!credentialsManager_->isUserAuthenticated()) {
+        throw CorvantaSdkVideoError(CorvantaSdkVideoError::userNotAuthenticated);
+    }
+    videosValidator_.validateVideosExistence(videos, 2);
+    try {
+        co_await validateVideosForConcat(std::move(videos));
+        co_return true;
+    } catch (const std::exception& error) {
+        Logger::logError(Event::compareVideo, EventMessage::compareFailed(error));
+        co_return false;
+    }
+}
+
+Task<> ConcatInputValidator::validateVideosForConcat(std::vector<URL> videos) const {
+    const auto information = co_await videosInformationGenerator_.generateAssetsMetadata(std::move(videos));
+    if (information.empty()) {
+        fatalError("A comparison needs at least one video");
+    }
+    for (const CorvantaSdkVideoInformation& video : information) {
+        compare(information.front(), video);
+    }
+}
+
+} // namespace corvanta

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <CorvantaSdkVideo/Commands/Concat/ConcatInputValidator.hpp>
+#include <CorvantaSdkVideo/Commands/Helpers/StoredRequestEngine.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/FFMPEGCommandGenerator.hpp>
+
+#include <memory>
+
+namespace corvanta {
+
+/// Joins videos of like format by stream copy, through a list file that lies in the documents directory
+/// during the run. After a failure or a cancel the list file and a partial output stay.
+class CorvantaSdkVideoConcatEngine : public StoredRequestEngine {
+  public:
+    CorvantaSdkVideoConcatEngine(std::shared_ptr<CorvantaCredentialsManager> credentialsManager,
+                                 FFMPEGCommandGenerator commandGenerator,
+                                 std::shared_ptr<FFMPEGCommandExecutor> commandExecutor,
+                                 ConcatInputValidator inputValidator,
+                                 VideosInformationGenerator videosInformationGenerator,
+                                 CorvantaSdkVideoFileValidator videosValidator,
+                                 std::shared_ptr<VideoStore> store);
+
+    /// Failures before the run leave the row as it was; a failed run throws `concatFailed`.
+    Task<CorvantaSdkVideoRequestResult> process(std::shared_ptr<CorvantaSdkVideoRequest> request) override;
+
+  private:
+    FFMPEGCommandGenerator commandGenerator_;
+    ConcatInputValidator inputValidator_;
+    VideosInformationGenerator videosInformationGenerator_;
+    CorvantaSdkVideoFileValidator videosValidator_;
+};
+
+} // namespace corvanta

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <platform/Task.hpp>
+#include <platform/URL.hpp>
+
+#include <memory>
+
+namespace corvanta {
+
+class CorvantaSdkVideoRequest;
+
+/// What a finished request gives; known to hosts as `CorvantaSdkVideoRequest::Result`.
+struct CorvantaSdkVideoRequestResult {
+    /// The file that ffmpeg was told to write.
+    URL videoURL;
+};
+
+/// Carries out requests of one type. Safe from any thread.
+class CorvantaSdkVideoRequestEngine {
+  public:
+    virtual ~CorvantaSdkVideoRequestEngine() = default;
+
+    virtual Task<CorvantaSdkVideoRequestResult> process(std::shared_ptr<CorvantaSdkVideoRequest> request) = 0;
+
+    virtual void cancel(const CorvantaSdkVideoRequest& request) = 0;
+};
+
+} // namespace corvanta

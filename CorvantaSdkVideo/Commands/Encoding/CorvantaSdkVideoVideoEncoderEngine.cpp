@@ -1,0 +1,80 @@
+#include <CorvantaSdkVideo/Commands/Encoding/CorvantaSdkVideoVideoEncoderEngine.hpp>
+
+#include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
+#include <CorvantaSdkVideo/Logger/Logger.hpp>
+#include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
+
+#include <utility>
+
+namespace corvanta {
+
+namespace {
+
+using Error = CorvantaSdkVideoError;
+
+std::vector<CorvantaSdkVideoMergeVideoTrack>
+mergeTracks(const std::vector<CorvantaSdkVideoEncodeVideoEntry>& videoTracks) {
+    std::vector<CorvantaSdkVideoMergeVideoTrack> tracks;
+    for (const CorvantaSdkVideoEncodeVideoEntry& entry : videoTracks) {
+        tracks.push_back({{{0, entry.entryIndex}}, entry.width, entry.height});
+    }
+    return tracks;
+}
+
+std::vector<CorvantaSdkVideoMergeAudioTrack> mergeTracks(const std::vector<std::int64_t>& audioTracks) {
+    std::vector<CorvantaSdkVideoMergeAudioTrack> tracks;
+    for (const std::int64_t entryIndex : audioTracks) {
+        tracks.push_back({{{0, entryIndex}}});
+    }
+    return tracks;
+}
+
+} // namespace
+
+CorvantaSdkVideoVideoEncoderEngine::CorvantaSdkVideoVideoEncoderEngine(
+    std::shared_ptr<CorvantaCredentialsManager> credentialsManager,
+    CorvantaSdkVideoFileValidator videoValidator, std::shared_ptr<FFMPEGCommandExecutor> commandExecutor,
+    FFMPEGMergeCommandGenerator commandGenerator, std::shared_ptr<VideoStore> store)
+    : StoredRequestEngine(std::move(credentialsManager), std::move(commandExecutor), std::move(store)),
+      videoValidator_(videoValidator), commandGenerator_(commandGenerator) {}
+
+Task<CorvantaSdkVideoRequestResult>
+CorvantaSdkVideoVideoEncoderEngine::process(std::shared_ptr<CorvantaSdkVideoRequest> request) {
+    const auto self = shared_from_this();
+    validateAuthentication();
+    validateRequestStatus(*request);
+    if (!request->encodingData) {
+        markUnusable(request->id);
+        throw Error(Error::encodingFailed);
+    }
+    const VideoEncodingData data = *request->encodingData;
+    const auto outputURL = request->output.url(FileExtension(FileExtension::mp4).rawValue());
+    if (!outputURL) {
+        throw Error(Error::unableToProcessOutput);
+    }
+    videoValidator_.validateFileAt(data.inputFileURL);
+    videoValidator_.validateResolution(data.width);
+    videoValidator_.validateResolution(data.height);
+    try {
+        co_await encode(request->id, data, *outputURL);
+    } catch (const std::exception& error) {
+        Logger::logError(Event::processRequest, EventMessage::processRequestFailed(error));
+        markFailed(request->id);
+        throw Error(Error::encodingFailed);
+    }
+    markComplete(request->id);
+    co_return CorvantaSdkVideoRequestResult{*outputURL};
+}
+
+Task<> CorvantaSdkVideoVideoEncoderEngine::encode(UUID id, VideoEncodingData data, URL outputURL) {
+    std::vector<CorvantaSdkVideoInformation> information;
+    information.push_back(co_await commandExecutor().getMediaInformation(data.inputFileURL));
+    FFMPEGCommand command =
+        commandGenerator_.generateCommand(information, data.width, data.height, mergeTracks(data.videoTracks),
+                                          mergeTracks(data.audioTracks), data.framesRate, outputURL.path());
+    markProcessing(id);
+    CorvantaSdkVideoUtils::deleteFileIfExists(outputURL);
+    co_await run(id, std::move(command.script), outputURL.path());
+}
+
+} // namespace corvanta

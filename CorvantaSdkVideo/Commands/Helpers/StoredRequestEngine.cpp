@@ -1,0 +1,123 @@
+#include <CorvantaSdkVideo/Commands/Helpers/StoredRequestEngine.hpp>
+
+#include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
+
+#include <charconv>
+#include <exception>
+#include <iostream>
+#include <system_error>
+#include <utility>
+
+namespace corvanta {
+
+namespace {
+
+using Error = CorvantaSdkVideoError;
+using Field = UpdateRequestData::Field;
+using Status = LocalVideoRequest::Status;
+
+std::optional<std::int64_t> sessionIdFrom(const std::optional<std::string>& processId) {
+    if (!processId) {
+        return std::nullopt;
+    }
+    std::int64_t id = 0;
+    const char* const end = processId->data() + processId->size();
+    const auto [last, error] = std::from_chars(processId->data(), end, id);
+    return error == std::errc() && last == end ? std::optional(id) : std::nullopt;
+}
+
+} // namespace
+
+StoredRequestEngine::StoredRequestEngine(std::shared_ptr<CorvantaCredentialsManager> credentialsManager,
+                                         std::shared_ptr<FFMPEGCommandExecutor> commandExecutor,
+                                         std::shared_ptr<VideoStore> store)
+    : credentialsManager_(std::move(credentialsManager)), commandExecutor_(std::move(commandExecutor)),
+      store_(std::move(store)) {}
+
+void StoredRequestEngine::cancel(const CorvantaSdkVideoRequest& request) {
+    const auto stored = storedRequest(request.id);
+    const auto sessionId = stored ? sessionIdFrom(stored->processId) : std::nullopt;
+    if (!sessionId) {
+        throw Error(Error::operationNotFound);
+    }
+    if (stored->status != Status::processing) {
+        throw Error(Error::operationMustBeProcessingToBeCancelled);
+    }
+    commandExecutor_->cancelCommandExecution(*sessionId);
+    updateRequestRequest(request.id, {Field::status(Status::cancelled), Field::processId(std::nullopt)});
+}
+
+void StoredRequestEngine::validateAuthentication() const {
+    if (!credentialsManager_->isUserAuthenticated()) {
+        throw Error(Error::userNotAuthenticated);
+    }
+}
+
+void StoredRequestEngine::validateRequestStatus(const CorvantaSdkVideoRequest& request) const {
+    const auto stored = storedRequest(request.id);
+    if (!stored) {
+        throw Error(Error::operationNotFound);
+    }
+    if (stored->status == Status::processing) {
+        throw Error(Error::operationStillsInProgress);
+    }
+    if (stored->status == Status::completed) {
+        throw Error(Error::operationAlreadyCompleted);
+    }
+}
+
+void StoredRequestEngine::updateRequestRequest(const UUID& id, Fields withFields) const {
+    try {
+        store_->updateRequest(id, UpdateRequestData{{withFields.begin(), withFields.end()}});
+    } catch (const std::exception& error) {
+        std::cout << std::string("Request update failed with error ") + error.what() + '\n' << std::flush;
+    }
+}
+
+Task<> StoredRequestEngine::run(UUID id, std::string script, std::string outputPath) {
+    if (!isQuotable(outputPath)) {
+        throw std::system_error(std::make_error_code(std::errc::invalid_argument), outputPath);
+    }
+    FFMPEGCommandExecutor::OnUpdateSessionId onUpdateSessionId = [weak = weak_from_this(),
+                                                                  id](std::int64_t sessionId) {
+        if (const auto self = weak.lock()) {
+            self->updateRequestRequest(id, {Field::processId(std::to_string(sessionId))});
+        }
+    };
+    co_await commandExecutor_->executeFFMPEGCommand(std::move(script), std::move(onUpdateSessionId));
+}
+
+void StoredRequestEngine::markProcessing(const UUID& id) const {
+    updateRequestRequest(id, {Field::status(Status::processing)});
+}
+
+void StoredRequestEngine::markComplete(const UUID& id) const {
+    updateRequestRequest(id, {Field::status(Status::completed), Field::processId(std::nullopt)});
+}
+
+void StoredRequestEngine::markFailed(const UUID& id) const {
+    if (!isRequestCancelled(id)) {
+        updateRequestRequest(id, {Field::status(Status::error), Field::processId(std::nullopt)});
+    }
+}
+
+void StoredRequestEngine::markUnusable(const UUID& id) const {
+    updateRequestRequest(id, {Field::status(Status::error)});
+}
+
+std::optional<LocalVideoRequest> StoredRequestEngine::storedRequest(const UUID& id) const {
+    try {
+        return store_->getRequest(id);
+    } catch (const std::exception&) {
+        // A row that can't be read is no row.
+        return std::nullopt;
+    }
+}
+
+bool StoredRequestEngine::isRequestCancelled(const UUID& id) const {
+    const auto stored = storedRequest(id);
+    return stored && stored->status == Status::cancelled;
+}
+
+} // namespace corvanta

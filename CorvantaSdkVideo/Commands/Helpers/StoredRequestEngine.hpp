@@ -1,0 +1,61 @@
+#pragma once
+
+#include <CorvantaSdkVideo/Commands/CorvantaSdkVideoRequest.hpp>
+#include <CorvantaSdkVideo/CredentialsManager/CorvantaCredentialsManager.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/FFMPEGCommand.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/FFMPEGCommandExecutor.hpp>
+#include <CorvantaSdkVideo/Store/VideoStore.hpp>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace corvanta {
+
+/// What the engines have in common: the checks before a run, the run itself with its row in the store, and
+/// cancel. The state of a request is its row alone. Made as a shared_ptr.
+class StoredRequestEngine : public CorvantaSdkVideoRequestEngine,
+                            public std::enable_shared_from_this<StoredRequestEngine> {
+  public:
+    void cancel(const CorvantaSdkVideoRequest& request) override;
+
+  protected:
+    using Fields = std::vector<UpdateRequestData::Field>;
+
+    StoredRequestEngine(std::shared_ptr<CorvantaCredentialsManager> credentialsManager,
+                        std::shared_ptr<FFMPEGCommandExecutor> commandExecutor,
+                        std::shared_ptr<VideoStore> store);
+
+    /// Throws `userNotAuthenticated`.
+    void validateAuthentication() const;
+
+    /// Throws `operationNotFound`, `operationStillsInProgress` or `operationAlreadyCompleted`.
+    void validateRequestStatus(const CorvantaSdkVideoRequest& request) const;
+
+    /// Best effort: a failure is printed, so that it doesn't stop a run.
+    void updateRequestRequest(const UUID& id, Fields withFields) const;
+
+    /// Runs a script; the session's id goes to the row as soon as there is one. Throws the executor's error,
+    /// and one of its own without running anything if `outputPath` can't be written in a command.
+    Task<> run(UUID id, std::string script, std::string outputPath);
+
+    void markProcessing(const UUID& id) const;
+    void markComplete(const UUID& id) const;
+    /// Leaves a row alone that a cancel has settled.
+    void markFailed(const UUID& id) const;
+    /// For a request without operation data, which no command was run for.
+    void markUnusable(const UUID& id) const;
+
+    FFMPEGCommandExecutor& commandExecutor() const { return *commandExecutor_; }
+
+  private:
+    std::optional<LocalVideoRequest> storedRequest(const UUID& id) const;
+    bool isRequestCancelled(const UUID& id) const;
+
+    std::shared_ptr<CorvantaCredentialsManager> credentialsManager_;
+    std::shared_ptr<FFMPEGCommandExecutor> commandExecutor_;
+    std::shared_ptr<VideoStore> store_;
+};
+
+} // namespace corvanta

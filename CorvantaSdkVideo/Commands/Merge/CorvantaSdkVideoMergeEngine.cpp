@@ -1,0 +1,64 @@
+#include <CorvantaSdkVideo/Commands/Merge/CorvantaSdkVideoMergeEngine.hpp>
+
+#include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
+#include <CorvantaSdkVideo/Logger/Logger.hpp>
+
+#include <utility>
+
+namespace corvanta {
+
+namespace {
+
+using Error = CorvantaSdkVideoError;
+
+void validateResolution(std::optional<double> component) {
+    if (component && *component < CorvantaSdkVideoMergeEngine::minimumSupportedResolutionDimension) {
+        throw Error(Error::invalidResolution);
+    }
+}
+
+} // namespace
+
+CorvantaSdkVideoMergeEngine::CorvantaSdkVideoMergeEngine(
+    std::shared_ptr<CorvantaCredentialsManager> credentialsManager,
+    FFMPEGMergeCommandGenerator commandGenerator, std::shared_ptr<FFMPEGCommandExecutor> commandExecutor,
+    VideosInformationGenerator videosInformationGenerator, CorvantaSdkVideoFileValidator videosValidator,
+    std::shared_ptr<VideoStore> store)
+    : StoredRequestEngine(std::move(credentialsManager), std::move(commandExecutor), std::move(store)),
+      commandGenerator_(commandGenerator), videosInformationGenerator_(std::move(videosInformationGenerator)),
+      videosValidator_(videosValidator) {}
+
+Task<CorvantaSdkVideoRequestResult>
+CorvantaSdkVideoMergeEngine::process(std::shared_ptr<CorvantaSdkVideoRequest> request) {
+    const auto self = shared_from_this();
+    validateAuthentication();
+    validateRequestStatus(*request);
+    if (!request->mergeData) {
+        markUnusable(request->id);
+        throw Error(Error::mergeFailed);
+    }
+    const VideoMergeData data = *request->mergeData;
+    videosValidator_.validateVideosExistence(data.videos, 2);
+    validateResolution(data.width);
+    validateResolution(data.height);
+    const auto information = co_await videosInformationGenerator_.generateAssetsMetadata(data.videos);
+    const auto outputURL = request->output.url(FileExtension(FileExtension::mp4).rawValue());
+    if (!outputURL) {
+        throw Error(Error::unableToProcessOutput);
+    }
+    const FFMPEGCommand command =
+        commandGenerator_.generateCommand(information, data.width, data.height, data.videoTracks,
+                                          data.audioTracks, data.framesRate, outputURL->path());
+    markProcessing(request->id);
+    try {
+        co_await run(request->id, command.script, outputURL->path());
+    } catch (const std::exception& error) {
+        Logger::logError(Event::mergeRequest, EventMessage::mergeRequestFailed(error));
+        markFailed(request->id);
+        throw Error(Error::mergeFailed);
+    }
+    markComplete(request->id);
+    co_return CorvantaSdkVideoRequestResult{*outputURL};
+}
+
+} // namespace corvanta

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "Console.hpp"
+
+#include <CorvantaSdkVideo/CorvantaSdkVideo.hpp>
+#include <nlohmann/json_fwd.hpp>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+using RequestPointer = std::shared_ptr<corvanta::CorvantaSdkVideoRequest>;
+
+/// Processes a request with a progress bar and prints where its result lies. Ctrl-C cancels it.
+void runRequest(Console& console, const RequestPointer& request);
+
+/// A request as one JSON object, and as one line of a table.
+nlohmann::ordered_json toJson(const corvanta::CorvantaSdkVideoRequest& request);
+std::string toLine(const corvanta::CorvantaSdkVideoRequest& request);

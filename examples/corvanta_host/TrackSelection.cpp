@@ -1,0 +1,46 @@
+#include "TrackSelection.hpp"
+
+#include <regex>
+#include <stdexcept>
+
+using namespace corvanta;
+
+namespace {
+
+std::smatch matched(const std::string& text, const char* pattern) {
+    std::smatch match;
+    if (!std::regex_match(text, match, std::regex(pattern))) {
+        throw std::invalid_argument("\"" + text + "\" selects no stream");
+    }
+    return match;
+}
+
+std::optional<std::int64_t> side(const std::ssub_match& digits) {
+    return digits.length() == 0 ? std::nullopt : std::optional<std::int64_t>(std::stoll(digits));
+}
+
+std::vector<CorvantaSdkVideoMergeMediaEntry> entriesFrom(const std::string& list) {
+    static const std::regex entry("([0-9]+):([0-9]+)");
+    std::vector<CorvantaSdkVideoMergeMediaEntry> entries;
+    for (std::sregex_iterator found(list.begin(), list.end(), entry), end; found != end; ++found) {
+        entries.push_back({std::stoll((*found)[1]), std::stoll((*found)[2])});
+    }
+    return entries;
+}
+
+} // namespace
+
+CorvantaSdkVideoMergeVideoTrack videoTrackFrom(const std::string& text) {
+    const std::smatch match = matched(text, "([0-9]+:[0-9]+(?:,[0-9]+:[0-9]+)*)(?:@([0-9]*)x([0-9]*))?");
+    return {entriesFrom(match[1]), side(match[2]), side(match[3])};
+}
+
+CorvantaSdkVideoMergeAudioTrack audioTrackFrom(const std::string& text) {
+    const std::smatch match = matched(text, "([0-9]+:[0-9]+(?:,[0-9]+:[0-9]+)*)");
+    return {entriesFrom(match[1])};
+}
+
+CorvantaSdkVideoEncodeVideoEntry encodeEntryFrom(const std::string& text) {
+    const std::smatch match = matched(text, "([0-9]+)(?:@([0-9]*)x([0-9]*))?");
+    return {std::stoll(match[1]), side(match[2]), side(match[3])};
+}
