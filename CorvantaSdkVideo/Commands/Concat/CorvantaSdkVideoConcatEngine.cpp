@@ -1,9 +1,9 @@
 #include <CorvantaSdkVideo/Commands/Concat/CorvantaSdkVideoConcatEngine.hpp>
 
+#include <CorvantaSdkVideo/Commands/Concat/ConcatInputLinks.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 
-#include <algorithm>
 #include <system_error>
 #include <utility>
 
@@ -12,18 +12,6 @@ namespace corvanta {
 namespace {
 
 using Error = CorvantaSdkVideoError;
-
-// The list file protects nothing: the demuxer ends a bare path at a blank and takes quotes and backslashes
-// away. The list file's own path stands bare in the command.
-bool isBarePath(const std::string& path) {
-    constexpr std::string_view special(" \t\r\n'\"\\\0", 8);
-    return path.find_first_of(special) == std::string::npos;
-}
-
-bool canListBare(const std::vector<URL>& videos, const FFMPEGCommand& command) {
-    return std::ranges::all_of(videos, isBarePath, &URL::path) &&
-           std::ranges::all_of(command.inputFilesListFilePaths, isBarePath);
-}
 
 } // namespace
 
@@ -51,27 +39,33 @@ CorvantaSdkVideoConcatEngine::process(std::shared_ptr<CorvantaSdkVideoRequest> r
         throw Error(Error::concatFailed);
     }
     videosValidator_.validateVideosExistence(videos, 2);
-    const auto information = co_await videosInformationGenerator_.generateAssetsMetadata(videos);
+    auto information = co_await videosInformationGenerator_.generateAssetsMetadata(videos);
     co_await inputValidator_.validateVideosForConcat(videos);
-
-    const URL listURL = CorvantaSdkVideoUtils::outputURL(uuidString(makeUUID()), "txt");
-    const FFMPEGCommand command =
-        commandGenerator_.generateConcatCommandFor(information, listURL, outputURL->path());
-    markProcessing(request->id);
     try {
-        if (!canListBare(videos, command)) {
-            throw std::system_error(std::make_error_code(std::errc::invalid_argument), "list file");
-        }
-        co_await run(request->id, command.script, outputURL->path());
+        co_await join(request->id, std::move(information), outputURL->path());
     } catch (const std::exception&) {
         markFailed(request->id);
         throw Error(Error::concatFailed);
     }
+    markComplete(request->id);
+    co_return CorvantaSdkVideoRequestResult{*outputURL};
+}
+
+Task<> CorvantaSdkVideoConcatEngine::join(UUID id, std::vector<CorvantaSdkVideoInformation> information,
+                                          std::string outputPath) {
+    const ConcatInputLinks links(std::move(information));
+    const URL listURL = CorvantaSdkVideoUtils::outputURL(uuidString(makeUUID()), "txt");
+    const FFMPEGCommand command =
+        commandGenerator_.generateConcatCommandFor(links.inputs(), listURL, outputPath);
+    markProcessing(id);
+    // The command holds the list file's path as a bare word.
+    if (!isBarePath(listURL.path())) {
+        throw std::system_error(std::make_error_code(std::errc::invalid_argument), listURL.path());
+    }
+    co_await run(id, command.script, std::move(outputPath));
     for (const std::string& path : command.inputFilesListFilePaths) {
         commandGenerator_.deleteInputFilesListFile(path);
     }
-    markComplete(request->id);
-    co_return CorvantaSdkVideoRequestResult{*outputURL};
 }
 
 } // namespace corvanta

@@ -5,11 +5,14 @@
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/FFMPEGCommandGenerator.hpp>
 
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace corvanta {
 
 /// Joins videos of like format by stream copy, through a list file that lies in the documents directory
-/// during the run. After a failure or a cancel the list file and a partial output stay.
+/// during the run. After a failure or a cancel the list file and a partial output stay. An input whose path a
+/// list file can't hold (one with a blank or a quote) is read through a symbolic link beside the list file.
 class CorvantaSdkVideoConcatEngine : public StoredRequestEngine {
   public:
     CorvantaSdkVideoConcatEngine(std::shared_ptr<CorvantaCredentialsManager> credentialsManager,
@@ -24,6 +27,8 @@ class CorvantaSdkVideoConcatEngine : public StoredRequestEngine {
     Task<CorvantaSdkVideoRequestResult> process(std::shared_ptr<CorvantaSdkVideoRequest> request) override;
 
   private:
+    Task<> join(UUID id, std::vector<CorvantaSdkVideoInformation> information, std::string outputPath);
+
     FFMPEGCommandGenerator commandGenerator_;
     ConcatInputValidator inputValidator_;
     VideosInformationGenerator videosInformationGenerator_;
