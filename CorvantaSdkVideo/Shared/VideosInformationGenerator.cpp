@@ -24,13 +24,11 @@ VideosInformationGenerator::getVideosInformation(std::vector<URL> videos) const 
 
 Task<std::vector<CorvantaSdkVideoInformation>>
 VideosInformationGenerator::generateAssetsMetadata(std::vector<URL> videos) const {
-    // Held here, so that a generator that goes away doesn't take the executor from under its task.
-    const auto executor = commandExecutor_;
     std::vector<CorvantaSdkVideoInformation> information;
     for (const URL& video : videos) {
         Logger::addLog(Event::getInfo, EventMessage::getInfo(video));
         try {
-            information.push_back(co_await executor->getMediaInformation(video));
+            information.push_back(co_await commandExecutor_->getMediaInformation(video));
         } catch (const std::exception& error) {
             Logger::addLog(Event::getInfo, EventMessage::getInfoFailed(video, error));
             throw;

@@ -10,7 +10,7 @@ class CorvantaSdkVideoThumbnailGenerator {
     virtual ~CorvantaSdkVideoThumbnailGenerator() = default;
 
     /// Writes one frame as a JPEG file, replacing an older one. Throws CorvantaSdkVideoError; a duration that
-    /// can't be read throws the asset reader's own PlatformError.
+    /// can't be read throws the asset reader's own PlatformError. The generator must outlive the task.
     virtual Task<CorvantaSdkVideoThumbnailResult>
     generateThumbnail(CorvantaSdkVideoThumbnailInputVideo video) = 0;
 };

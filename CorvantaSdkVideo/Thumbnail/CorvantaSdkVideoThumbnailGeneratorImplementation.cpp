@@ -79,7 +79,6 @@ CorvantaSdkVideoThumbnailGeneratorImplementation::CorvantaSdkVideoThumbnailGener
 
 Task<CorvantaSdkVideoThumbnailResult> CorvantaSdkVideoThumbnailGeneratorImplementation::generateThumbnail(
     CorvantaSdkVideoThumbnailInputVideo video) {
-    const auto executor = commandExecutor_;
     const URL input = video.input().url();
     Logger::addLog(Event::createThumbnail, EventMessage::createThumbnail(input));
     if (!credentialsManager_->isUserAuthenticated()) {
@@ -112,7 +111,7 @@ Task<CorvantaSdkVideoThumbnailResult> CorvantaSdkVideoThumbnailGeneratorImplemen
         if (!writable) {
             throw std::system_error(std::make_error_code(std::errc::invalid_argument), outputPath);
         }
-        co_await run(executor, std::move(command), outputPath);
+        co_await run(commandExecutor_, std::move(command), outputPath);
     } catch (const std::exception& error) {
         Logger::logError(Event::createThumbnail, EventMessage::createThumbnailFailed(input, error));
         throw Error(Error::thumbnailGenerationFailed);

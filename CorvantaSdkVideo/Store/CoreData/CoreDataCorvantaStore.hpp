@@ -1,0 +1,81 @@
+#pragma once
+
+#include <CorvantaSdkVideo/Store/VideoStore.hpp>
+#include <platform/Errors.hpp>
+#include <platform/URL.hpp>
+
+#include <memory>
+#include <string>
+
+namespace corvanta {
+
+class ManagedObjectContext;
+class PersistentContainer;
+
+/// The persistent store: one SQLite file, safe against power loss, one serial working context. A call that
+/// returned is on disk.
+///
+/// A commit that fails throws SQLiteCpp's own `SQLite::Exception`. Nothing is rolled back: the change stays
+/// pending, is seen by later reads, and goes to disk with the next commit that succeeds. Reads never throw:
+/// a failed one counts as no rows.
+///
+/// The paths of the output and of the inputs are guarded by file bookmarks: a file that was moved or renamed
+/// reads with its present path, as far as it can be found; otherwise the stored path comes back. A path that
+/// has not changed reads back as the URL that was inserted.
+///
+/// Two processes must not use one file at the same time. See `VideoStore` for threads and streams.
+class CoreDataCorvantaStore : public VideoStore {
+  public:
+    class Error : public CodedError {
+      public:
+        enum class Case {
+            /// Opening: the data model could not be read. The model is part of this library, so nothing
+            /// raises it.
+            modelNotFound = 0,
+            /// Opening: the file could not be opened, or is not of this store's form.
+            failedToLoadPersistentContainer = 1,
+            /// Reserved: nothing raises it.
+            generic = 2,
+            /// `streamVideo`: no row has this id.
+            uploadNotFound = 3,
+        };
+        using enum Case;
+
+        explicit Error(Case kind) : case_(kind) {}
+
+        Case kind() const { return case_; }
+
+        std::string domain() const override { return "CoreDataCorvantaStore.Error"; }
+        int code() const override { return static_cast<int>(case_); }
+        /// The name of the case.
+        const char* what() const noexcept override;
+
+        friend bool operator==(const Error& left, const Error& right) { return left.case_ == right.case_; }
+
+      private:
+        Case case_;
+    };
+
+    /// Opens the store, making the file, but not its folder, if it isn't there. Throws
+    /// `failedToLoadPersistentContainer`.
+    explicit CoreDataCorvantaStore(const URL& storeURL);
+    /// Streams that are still held keep the file open.
+    ~CoreDataCorvantaStore() override;
+
+    /// Stops the process for 32,768 input files or more: their numbers don't fit the column.
+    void insert(const LocalVideoRequest& request) override;
+    void updateRequest(const UUID& withId, const UpdateRequestData& data) override;
+    void deleteRequest(const UUID& withId) override;
+    std::optional<LocalVideoRequest> getRequest(const UUID& withId) override;
+    std::vector<LocalVideoRequest> getRequests(LocalVideoRequest::Status withStatus) override;
+    void resetPendingRequests() noexcept override;
+    Stream<LocalVideoRequest> streamVideo(const UUID& with) override;
+    Stream<std::vector<LocalVideoRequest>> streamVideos() override;
+    Stream<std::vector<LocalVideoRequest>> streamVideos(CorvantaSdkVideoRequestStatus withStatus) override;
+
+  private:
+    std::shared_ptr<PersistentContainer> container_;
+    std::shared_ptr<ManagedObjectContext> context_;
+};
+
+} // namespace corvanta
