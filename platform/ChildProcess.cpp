@@ -9,7 +9,9 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/prctl.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -19,6 +21,8 @@ namespace corvanta {
 namespace {
 
 constexpr int progressDescriptor = 3;
+// Where a failed start writes its reason; closed by a start that succeeds.
+constexpr int errorDescriptor = 4;
 
 [[noreturn]] void fail(int error, const std::string& what) {
     throw std::system_error(error, std::generic_category(), what);
@@ -34,9 +38,9 @@ FileDescriptor checked(int descriptor, const char* what) {
 // A host that has closed its standard descriptors would otherwise hand out one of the numbers that the
 // child's pipes are copied to.
 FileDescriptor aboveTargets(FileDescriptor descriptor) {
-    return descriptor.get() > progressDescriptor
+    return descriptor.get() > errorDescriptor
                ? std::move(descriptor)
-               : checked(fcntl(descriptor.get(), F_DUPFD_CLOEXEC, progressDescriptor + 1), "fcntl");
+               : checked(fcntl(descriptor.get(), F_DUPFD_CLOEXEC, errorDescriptor + 1), "fcntl");
 }
 
 struct Pipe {
@@ -54,6 +58,11 @@ Pipe makePipe() {
     return made;
 }
 
+bool isProgram(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && access(path.c_str(), X_OK) == 0;
+}
+
 std::string findProgram(const std::string& program) {
     if (program.find('/') != std::string::npos) {
         return program;
@@ -62,34 +71,54 @@ std::string findProgram(const std::string& program) {
     std::istringstream directories(path != nullptr ? path : "/usr/local/bin:/usr/bin:/bin");
     for (std::string directory; std::getline(directories, directory, ':');) {
         std::string candidate = (directory.empty() ? "." : directory) + '/' + program;
-        if (access(candidate.c_str(), X_OK) == 0) {
+        if (isProgram(candidate)) {
             return candidate;
         }
     }
     fail(ENOENT, program);
 }
 
-// Runs in the child, which still shares the parent's memory: system calls only.
+// Runs in the child, which may share the parent's memory: system calls only.
 [[noreturn]] void becomeProgram(const char* program, char* const* arguments,
-                                const std::array<int, 4>& descriptors, pid_t parent, volatile int& error) {
+                                const std::array<int, 5>& descriptors, pid_t parent) {
     setpgid(0, 0);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != parent) {
         _exit(EXIT_FAILURE);
     }
+    bool ready = true;
     for (int target = 0; target < static_cast<int>(descriptors.size()); ++target) {
-        if (dup2(descriptors[static_cast<std::size_t>(target)], target) < 0) {
-            error = errno;
-            _exit(EXIT_FAILURE);
-        }
+        ready = ready && dup2(descriptors[static_cast<std::size_t>(target)], target) == target;
     }
-    close_range(progressDescriptor + 1, ~0U, 0);
+    fcntl(errorDescriptor, F_SETFD, FD_CLOEXEC);
+    close_range(errorDescriptor + 1, ~0U, 0);
+    // What the host ignores must not be ignored by the program, and the host's handlers must not run here.
+    for (int signal = 1; signal < NSIG; ++signal) {
+        struct sigaction byDefault {};
+        byDefault.sa_handler = SIG_DFL;
+        sigaction(signal, &byDefault, nullptr);
+    }
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
-    execve(program, arguments, environ);
-    error = errno;
+    if (ready) {
+        execve(program, arguments, environ);
+    }
+    const int error = errno;
+    [[maybe_unused]] const ssize_t written = write(errorDescriptor, &error, sizeof error);
     _exit(EXIT_FAILURE);
+}
+
+// Waits until the child has become the program; gives 0 then, else what kept it from that. Where vfork is
+// real the child has decided by now: the patience is for tools that put fork in its place, its end for a host
+// that forked meanwhile and so holds the pipe open.
+int startError(const FileDescriptor& source) {
+    constexpr int patienceMillis = 1000;
+    pollfd decided{source.get(), POLLIN, 0};
+    int error = 0;
+    const bool failed = poll(&decided, 1, patienceMillis) > 0 &&
+                        read(source.get(), &error, sizeof error) == static_cast<ssize_t>(sizeof error);
+    return failed ? error : 0;
 }
 
 } // namespace
@@ -122,15 +151,15 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
     Pipe output = makePipe();
     Pipe log = makePipe();
     Pipe statistics = makePipe();
-    const std::array<int, 4> descriptors{input.get(), output.writeEnd.get(), log.writeEnd.get(),
-                                         statistics.writeEnd.get()};
+    Pipe start = makePipe();
+    const std::array<int, 5> descriptors{input.get(), output.writeEnd.get(), log.writeEnd.get(),
+                                         statistics.writeEnd.get(), start.writeEnd.get()};
 
     // vfork: copying the page tables of a large host would cost more than the rest of the start.
     const pid_t parent = getpid();
-    volatile int error = 0;
     const pid_t child = vfork();
     if (child == 0) {
-        becomeProgram(path.c_str(), argv.data(), descriptors, parent, error);
+        becomeProgram(path.c_str(), argv.data(), descriptors, parent);
     }
     if (child < 0) {
         fail(errno, "vfork");
@@ -138,11 +167,13 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
     pid_ = child;
     // Called by number: the C library of Debian 12 declares its wrapper for C alone.
     exited = FileDescriptor(static_cast<int>(syscall(SYS_pidfd_open, child, 0)));
-    if (error != 0 || exited.get() < 0) {
-        const int reason = error != 0 ? error : errno;
+    const int noHandle = exited.get() < 0 ? errno : 0;
+    start.writeEnd = FileDescriptor();
+    const int error = startError(start.readEnd);
+    if (error != 0 || noHandle != 0) {
         signalGroup(SIGKILL);
         reap();
-        fail(reason, path);
+        fail(error != 0 ? error : noHandle, path);
     }
     standardOutput = std::move(output.readEnd);
     standardError = std::move(log.readEnd);

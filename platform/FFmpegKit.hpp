@@ -13,6 +13,9 @@
 /// host's; it is killed when the host dies. What it writes is always drained. The programs come from PATH, or
 /// from the environment variables CORVANTA_FFMPEG and CORVANTA_FFPROBE, read at each start.
 ///
+/// A host that ignores SIGCHLD, or waits for children that aren't its own, takes the return codes away: every
+/// run then reads as cancelled.
+///
 /// Callbacks come on the runner's threads, for one session one after the other, the completion callback last
 /// and exactly once. They must not throw.
 namespace corvanta {

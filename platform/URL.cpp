@@ -122,7 +122,8 @@ URL URL::fromFilePath(std::string_view path) {
     std::string absolute(path);
     if (!path.starts_with('/')) {
         std::error_code ignored;
-        absolute = (std::filesystem::current_path(ignored) / path).string();
+        // A working directory that is gone gives no path; the root stands in for it.
+        absolute = ("/" / std::filesystem::current_path(ignored) / path).string();
     }
     return URL("file://" + encode(absolute, pathCharacters, Escapes::encode));
 }
@@ -160,7 +161,14 @@ URL URL::appendingPathExtension(std::string_view fileExtension) const {
 }
 
 std::string parseablePath(std::string_view path) {
-    const auto readAsPath = [](char character) { return character != '?' && character != '#'; };
+    // Two slashes in front would start an authority, a colon in a relative path would end a scheme.
+    if (path.starts_with("//")) {
+        return "/%2F" + parseablePath(path.substr(2));
+    }
+    const bool relative = !path.starts_with('/');
+    const auto readAsPath = [relative](char character) {
+        return character != '?' && character != '#' && (character != ':' || !relative);
+    };
     return encode(path, readAsPath, Escapes::encode);
 }
 

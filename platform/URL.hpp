@@ -53,7 +53,7 @@ class URL {
 };
 
 /// `path` written so that `URL::parse` reads it back as a bare path with that very `path()`: only what would
-/// be misread ('%', '?', '#') is percent-encoded.
+/// be misread ('%', '?', '#', two slashes in front, a colon in a relative path) is percent-encoded.
 std::string parseablePath(std::string_view path);
 
 } // namespace corvanta

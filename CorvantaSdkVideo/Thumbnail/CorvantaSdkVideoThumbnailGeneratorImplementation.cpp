@@ -6,6 +6,7 @@
 #include <platform/AssetReader.hpp>
 #include <platform/FileManager.hpp>
 
+#include <filesystem>
 #include <system_error>
 #include <utility>
 
@@ -20,8 +21,12 @@ bool isValidPosition(double position, const URL& video) {
     return position >= 0 && position < duration;
 }
 
-// ffmpeg's image writer reads "%d" as a frame number and cuts a name of 1024 bytes or more.
+// ffmpeg's image writer reads "%d" as a frame number and cuts a name of 1024 bytes or more. Ahead of it, a
+// relative path is read as an option if it begins with a dash, and as a protocol up to a colon.
 bool isPlainImageName(const std::string& path) {
+    if (!path.starts_with('/') && (path.starts_with('-') || path.find(':') != std::string::npos)) {
+        return false;
+    }
     for (std::size_t percent = path.find('%'); percent != std::string::npos;
          percent = path.find('%', percent + 1)) {
         const std::size_t conversion = path.find_first_not_of("0123456789", percent + 1);
@@ -32,11 +37,17 @@ bool isPlainImageName(const std::string& path) {
     return path.size() < 1024;
 }
 
-// The command holds the input as the bare text of its URL, which only a "file" URL may have escapes in.
+bool isSameFile(const std::string& left, const std::string& right) {
+    std::error_code ignored;
+    return std::filesystem::equivalent(left, right, ignored);
+}
+
+// The command holds the input as the bare text of its URL, which only a "file" URL may have escapes in. The
+// input itself is no older thumbnail to be replaced.
 bool isWritable(const URL& input, const std::string& outputPath) {
     const bool bareText = input.isFileURL() || input.absoluteString() == input.path();
     return bareText && input.path().find('\0') == std::string::npos && isQuotable(outputPath) &&
-           isPlainImageName(outputPath);
+           isPlainImageName(outputPath) && !isSameFile(input.path(), outputPath);
 }
 
 void removeOlderThumbnail(const std::string& path) {

@@ -4,8 +4,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cerrno>
 #include <iterator>
 #include <mutex>
+#include <system_error>
 #include <utility>
 
 #include <fcntl.h>
@@ -53,8 +55,10 @@ class Console::Causes : public SharedCorvantaSdkLogSink {
 };
 
 Console::Console(Options options)
-    : options_(options), results_(fdopen(dup(STDOUT_FILENO), "w"), &std::fclose),
-      causes_(std::make_shared<Causes>(options.verbose)) {
+    : options_(options), results_(nullptr, &std::fclose), causes_(std::make_shared<Causes>(options.verbose)) {
+    if (const int descriptor = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0); descriptor >= 0) {
+        results_.reset(fdopen(descriptor, "w"));
+    }
     if (options.verbose) {
         dup2(STDERR_FILENO, STDOUT_FILENO);
     } else if (const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC); nowhere >= 0) {
@@ -85,6 +89,8 @@ void Console::fail(const std::exception& error) {
 }
 
 void Console::write(const std::string& text) {
-    std::fwrite(text.data(), 1, text.size(), results_.get());
-    std::fflush(results_.get());
+    if (!results_ || std::fwrite(text.data(), 1, text.size(), results_.get()) != text.size() ||
+        std::fflush(results_.get()) != 0) {
+        throw std::system_error(errno, std::generic_category(), "standard output");
+    }
 }
