@@ -171,6 +171,8 @@ def main():
     parser.add_argument("--jobs", type=int, default=os.cpu_count() or 1)
     arguments = parser.parse_args()
     chosen = [c for c in cases(arguments.all) if arguments.only in f"{c.kind} {c.version} {c.name}"]
+    if not chosen:
+        parser.error("no case has that text")
     return run(chosen, arguments.library.resolve(), max(1, arguments.jobs))
 
 
