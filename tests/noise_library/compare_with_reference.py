@@ -157,8 +157,8 @@ def run(chosen, library_path, jobs):
             case, folder = running.pop(child)
             good, text = judge(case, folder, status)
             failed += not good
-            form = "16 bit" if case.int16 else "float"
-            print(f"{'ok  ' if good else 'FAIL'}  {case.kind:5}  {case.version:9}  {form:6}  {case.name:50}  {text}", flush=True)
+            verdict, form = "ok" if good else "FAIL", "16 bit" if case.int16 else "float"
+            print(f"{verdict:4}  {case.kind:5}  {case.version:9}  {form:6}  {case.name:50}  {text}", flush=True)
     print(f"{len(chosen)} cases, {failed} failed")
     return 1 if failed else 0
 

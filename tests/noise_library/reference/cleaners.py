@@ -21,7 +21,7 @@ FIELDS = {
     "multiplier": "HeadenMultiplier", "reducer": "HeadenReducer",
     "gain_linear": "GainLinearNorm", "bias_linear": "BiasLinearNorm",
     "gain_nonlinear": "GainNonLinearNorm", "bias_nonlinear": "BiasNonLinearNorm",
-}  # fmt: skip
+}
 
 
 class Model:

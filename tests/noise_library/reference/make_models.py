@@ -66,10 +66,14 @@ def _band_widths(size, rate):
 
 
 def make_model(version, seed=1, rate=16000, frame_ms=20, preview=3, begin=1, end=None, hidden=(20, 26, 20),
-               compress=DEFAULT_RATE, tile_mean=True, noise_frames=6, openness=0.5, minmax=True, floor=True):  # fmt: skip
-    """The records of one model. The network sees the bins from `begin` to `end`; `compress` must be
-    the compression rate that the session will use; `tile_mean` gives MU and SD for one frame of
-    history in place of all; a higher `openness` lets the mask pass more; the first and the last of `hidden` are the size of the state."""
+               compress=DEFAULT_RATE, tile_mean=True, noise_frames=6, openness=0.5, minmax=True, floor=True):
+    """The records of one model.
+
+    The network sees the bins from `begin` to `end`. `compress` must be the compression rate that
+    the session will use. The last of `hidden` is the size of the state, and so must the first be.
+    `tile_mean` gives MU and SD for one frame of history in place of all; `noise_frames` is the
+    length of the noise estimate; a higher `openness` lets the mask pass more.
+    """
     random = _Random(seed)
     voice = version.startswith("VAD")
     length = rate * frame_ms // 1000

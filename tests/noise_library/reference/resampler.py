@@ -20,7 +20,7 @@ def _libresample():
         _library.resample_process.argtypes = [
             ctypes.c_void_p, ctypes.c_double, _FLOATS, ctypes.c_int, ctypes.c_int,
             ctypes.POINTER(ctypes.c_int), _FLOATS, ctypes.c_int,
-        ]  # fmt: skip
+        ]
     return _library
 
 
@@ -56,7 +56,7 @@ class Resampler:
                 self.handle, self.ratio,
                 samples[used:].ctypes.data_as(_FLOATS), samples.size - used, 0, ctypes.byref(consumed),
                 out[produced:].ctypes.data_as(_FLOATS), out.size - produced,
-            )  # fmt: skip
+            )
             used += consumed.value
             produced += max(count, 0)
             if not (count > 0 or (count == 0 and used < samples.size)):

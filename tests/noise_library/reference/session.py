@@ -11,7 +11,7 @@ CLEANERS = {
     ("clean", "0.0.1"): Cleaner1, ("clean", "0.0.2"): Cleaner2, ("clean", "0.0.3"): Cleaner3,
     ("clean", "0.0.4"): Cleaner4, ("clean", "0.0.5"): Cleaner5, ("clean", "0.0.6"): Cleaner6,
     ("vad", "VAD_0.0.1"): VoiceActivity, ("level", "0.0.5"): NoiseLevel,
-}  # fmt: skip
+}
 
 
 def sample_count(duration, rate):

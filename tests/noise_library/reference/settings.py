@@ -50,7 +50,7 @@ def read_settings(weights, environment, version, prefix):
     """`version` is the class's number, 1 to 6, or "level" for the noise level measure."""
     number = 5 if version == "level" else version
     source = Source(weights, environment, prefix, f"_v0_0_{number}")
-    s = SimpleNamespace(skip=False, volume_up=False, rescale=False, speaker_fix=False, rate=None, window_after="TRIANGL")
+    s = SimpleNamespace(skip=False, volume_up=False, rescale=False, speaker_fix=False, rate=None)
 
     s.smooth = source.real("SMOOT_COEF", 1)
     if not 0 < s.smooth <= 1:
@@ -83,6 +83,7 @@ def read_settings(weights, environment, version, prefix):
         s.threshold = source.real("RM_THRESHOLD", 0.5)
         if not 0 < s.threshold <= 1:
             s.threshold = f32(0.5)
+    s.window_after = "TRIANGL"
     if number == 1 and source.switch("ENABLE_WINDOW_AFTER", False):
         s.window_after = source.text("WINDOW_AFTER") or "TRIANGL"
     if number >= 3:
