@@ -67,8 +67,6 @@ class Resampler:
             return samples
         expected = int(self.ratio * samples.size)
         self.buffer = np.concatenate([self.buffer, np.zeros(self.SPARE + expected, f32)])[: self.SPARE + expected]
-        if self.first:
-            self.carry = 0
         produced = self._process(samples, self.buffer[self.carry :])
         if self.first:
             # The converter starts late: silence leads, and one sample stays behind as slack.
