@@ -1,0 +1,30 @@
+#pragma once
+
+#include "noise_canceller/band_functions.hpp"
+#include "noise_canceller/model_params.hpp"
+#include "noise_canceller/settings.hpp"
+
+#include <memory>
+
+namespace TALVO::NOISE_CANCELLER {
+
+/// Everything that a noise cleaner is built from, beside its network's weights.
+struct CleanerParams : ModelParams {
+    using ModelParams::ModelParams;
+
+    /// Values that the network sees of one frame.
+    std::size_t frameFeatures() const {
+        return NOISE_CLEANER_FUNCTIONS::compressedSize(filterRangeEnd - filterRangeStart,
+                                                       settings.compressRate);
+    }
+
+    Settings settings;
+    WindowPtr analysisWindowPtr;
+    WindowPtr synthesisWindowPtr;
+    std::shared_ptr<UTILS::FFT> fftCalculatorPtr;
+};
+
+/// Gives a model whose two windows are one and the same its shared Vorbis window and transform.
+void shareVorbisWindow(CleanerParams& params, WEIGHTS::Model& model);
+
+} // namespace TALVO::NOISE_CANCELLER

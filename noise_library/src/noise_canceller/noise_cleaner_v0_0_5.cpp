@@ -1,0 +1,34 @@
+#include "noise_canceller/noise_cleaner_v0_0_5.hpp"
+
+namespace TALVO::NOISE_CANCELLER {
+namespace {
+
+constexpr float logFloor = 1000.0f;
+
+CleanerParams readParams(WEIGHTS::Model& model, std::size_t inputFrameDuration) {
+    CleanerParams params(*model.first, inputFrameDuration);
+    SettingReader const reader(model, "TALVO_", "_v0_0_5");
+    params.settings.readMaskCurve(reader);
+    params.settings.readClipFix(reader);
+    params.settings.readSkipAndVolume(reader);
+    params.settings.readEnergyGate(reader);
+    params.settings.readRmThreshold(reader);
+    params.settings.readRescale(reader, reader.flag("ENABLE_RESCALE", true));
+    // This key alone kept the older prefix.
+    params.settings.readCompressRate(SettingReader(model, "NIMBA_", "_v0_0_5"));
+    params.settings.backgroundSpeaker.read(reader);
+    shareVorbisWindow(params, model);
+    return params;
+}
+
+} // namespace
+
+NoiseCleaner_v0_0_5::NoiseCleaner_v0_0_5(WEIGHTS::ModelPtr model, std::size_t inputFrameDuration)
+    : GatedCleaner(model, readParams(*model, inputFrameDuration), logFloor), network_(weight()),
+      state(network_.stateSize, 0.0f) {}
+
+void NoiseCleaner_v0_0_5::runNetwork() {
+    NOISE_CLEANER_FUNCTIONS::calcRMForwardProp_GRU_Modify(state, features_, network_, buffers_);
+}
+
+} // namespace TALVO::NOISE_CANCELLER

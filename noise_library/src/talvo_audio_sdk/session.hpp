@@ -1,0 +1,58 @@
+#pragma once
+
+#include "noise_canceller/noise_cleaner.hpp"
+#include "talvo_audio_sdk.h"
+#include "talvo_audio_sdk/session_type.hpp"
+#include "utils/resampler.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace TALVO::TALVO_AUDIO {
+
+/// Adapts a caller's stream to one model: its sample rate, and floats on the 16-bit scale. A wrong
+/// frame size is caught here, before it can touch the stream. One thread at a time.
+class TalvoAudioSessionT {
+  public:
+    TalvoAudioSessionT(TalvoAudioSamplingRate inRate, TalvoAudioSamplingRate outRate,
+                       TalvoAudioFrameDuration duration, char const* modelName, TalvoAudioSessionType type);
+
+    TalvoAudioSessionType getType() const { return type_; }
+    NOISE_CANCELLER::NoiseCleaner& cleaner() { return *cleaner_; }
+
+    /// False for a wrong size or a null pointer.
+    bool cleanNoise(short const* in, std::size_t inSize, short* out, std::size_t outSize);
+    bool cleanNoise(float const* in, std::size_t inSize, float* out, std::size_t outSize);
+
+    /// A wrong size or a null pointer throws in the 16-bit forms and gives -2 in the others.
+    float frameVad(short const* in, std::size_t size);
+    float frameVad(float const* in, std::size_t size);
+    float frameNoiseDB(short const* in, std::size_t size);
+    float frameNoiseDB(float const* in, std::size_t size);
+
+    bool resetNoiseDBSession();
+
+  private:
+    bool sizesFit(void const* in, std::size_t inSize, void const* out, std::size_t outSize) const;
+    void reportSizes(char const* text) const;
+    void load(short const* in);
+    void load(float const* in);
+    void clean();
+    float measure();
+
+    std::unique_ptr<NOISE_CANCELLER::NoiseCleaner> cleaner_;
+    UTILS::Resampler resamplerIn_;
+    UTILS::Resampler resamplerOut_;
+    std::uint64_t inputSize_;
+    std::uint64_t outputSize_;
+    TalvoAudioSessionType type_;
+    std::vector<float> samples_;
+    std::vector<float> resampled_;
+};
+
+/// Samples in a frame, cut toward zero.
+std::size_t getSampleCount(int milliseconds, int rate);
+
+} // namespace TALVO::TALVO_AUDIO

@@ -1,0 +1,11 @@
+"""A second, slow implementation of the audio noise library, to compare the real one with.
+
+It is written from the library's contract and not from its sources: single precision where the
+library has it, double where the library has it, and sums in the library's order where that shows.
+It needs numpy and, for rate conversion, Debian's libresample.
+"""
+
+import sys
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[3] / "tools/noise_model"))
