@@ -7,6 +7,7 @@
 #include <CorvantaSdkVideo/CorvantaSdkVideoFile.hpp>
 #include <CorvantaSdkVideo/CorvantaSdkVideoFileDescriptor.hpp>
 #include <CorvantaSdkVideo/CorvantaSdkVideoThumbnailInputVideo.hpp>
+#include <CorvantaSdkVideo/NoiseCancellation/CorvantaSdkVideoNoiseCancellationEngine.hpp>
 #include <CorvantaSdkVideo/Shared/Models/CorvantaSdkVideoInformation.hpp>
 #include <platform/Stream.hpp>
 #include <platform/Task.hpp>
@@ -28,6 +29,9 @@ class CorvantaSdkVideoInterface {
     /// Probes the files one after the other; the records come in their order.
     virtual Task<std::vector<CorvantaSdkVideoInformation>>
     getVideosInformation(std::vector<CorvantaSdkVideoFile> input) = 0;
+
+    /// A new noise engine at each call.
+    virtual std::shared_ptr<CorvantaSdkVideoNoiseCancellationEngine> engine() = 0;
 
     /// Writes the frame at `position` milliseconds as a JPEG file. An absent size keeps the aspect.
     virtual Task<CorvantaSdkVideoThumbnailResult>

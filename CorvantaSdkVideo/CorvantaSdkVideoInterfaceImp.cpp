@@ -1,6 +1,7 @@
 #include <CorvantaSdkVideo/CorvantaSdkVideoInterfaceImp.hpp>
 
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
+#include <CorvantaSdkVideo/NoiseCancellation/CorvantaNoiseCancellationEngine.hpp>
 #include <CorvantaSdkVideo/Shared/FileURLs.hpp>
 #include <CorvantaSdkVideo/Store/CoreData/CoreDataCorvantaStore.hpp>
 #include <CorvantaSdkVideo/Thumbnail/CorvantaSdkVideoThumbnailGeneratorImplementation.hpp>
@@ -20,6 +21,10 @@ CorvantaSdkVideoInterfaceImp::CorvantaSdkVideoInterfaceImp() {
 Task<std::vector<CorvantaSdkVideoInformation>>
 CorvantaSdkVideoInterfaceImp::getVideosInformation(std::vector<CorvantaSdkVideoFile> input) {
     return videosInformationGenerator().getVideosInformation(urls(input));
+}
+
+std::shared_ptr<CorvantaSdkVideoNoiseCancellationEngine> CorvantaSdkVideoInterfaceImp::engine() {
+    return std::make_shared<CorvantaNoiseCancellationEngine>();
 }
 
 Task<CorvantaSdkVideoThumbnailResult> CorvantaSdkVideoInterfaceImp::generateThumbnail(

@@ -15,6 +15,8 @@ class CorvantaSdkVideoInterfaceImp : public CorvantaSdkVideoInterface {
   public:
     CorvantaSdkVideoInterfaceImp();
 
+    std::shared_ptr<CorvantaSdkVideoNoiseCancellationEngine> engine() override;
+
     Task<std::vector<CorvantaSdkVideoInformation>>
     getVideosInformation(std::vector<CorvantaSdkVideoFile> input) override;
 

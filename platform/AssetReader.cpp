@@ -49,9 +49,9 @@ struct AssetReader::Context {
         }
     }
 
-    const AVStream* firstVideoTrack() const {
+    const AVStream* firstTrack(AVMediaType type) const {
         for (unsigned index = 0; index < format->nb_streams; ++index) {
-            if (format->streams[index]->codecpar->codec_type == AVMEDIA_TYPE_VIDEO) {
+            if (format->streams[index]->codecpar->codec_type == type) {
                 return format->streams[index];
             }
         }
@@ -90,10 +90,10 @@ double AssetReader::duration() {
 }
 
 std::optional<AffineTransform> AssetReader::firstVideoTrackTransform() {
-    if (context_->firstVideoTrack() == nullptr) {
+    if (context_->firstTrack(AVMEDIA_TYPE_VIDEO) == nullptr) {
         context_->analyse();
     }
-    const AVStream* track = context_->firstVideoTrack();
+    const AVStream* track = context_->firstTrack(AVMEDIA_TYPE_VIDEO);
     if (track == nullptr) {
         return std::nullopt;
     }
@@ -106,6 +106,24 @@ std::optional<AffineTransform> AssetReader::firstVideoTrackTransform() {
     constexpr double fixedPointOne = 65536;
     return AffineTransform{matrix[0] / fixedPointOne, matrix[1] / fixedPointOne, matrix[3] / fixedPointOne,
                            matrix[4] / fixedPointOne};
+}
+
+std::optional<VideoTrackFormat> AssetReader::firstVideoTrackFormat() {
+    context_->analyse();
+    const AVStream* track = context_->firstTrack(AVMEDIA_TYPE_VIDEO);
+    if (track == nullptr) {
+        return std::nullopt;
+    }
+    VideoTrackFormat format;
+    format.codec = avcodec_get_name(track->codecpar->codec_id);
+    format.baseRate = {track->r_frame_rate.num, track->r_frame_rate.den};
+    format.averageRate = {track->avg_frame_rate.num, track->avg_frame_rate.den};
+    return format;
+}
+
+bool AssetReader::hasAudioTrack() {
+    context_->analyse();
+    return context_->firstTrack(AVMEDIA_TYPE_AUDIO) != nullptr;
 }
 
 } // namespace corvanta

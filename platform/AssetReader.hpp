@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 
 namespace corvanta {
 
@@ -15,6 +16,28 @@ struct AffineTransform {
     double d = 1;
 
     friend bool operator==(const AffineTransform&, const AffineTransform&) = default;
+};
+
+/// How a video track is coded.
+struct VideoTrackFormat {
+    /// ffmpeg's name of the codec.
+    std::string codec;
+    /// Whether the track runs at exactly this rate, in frames a second, by its base rate and on average.
+    bool hasExactRate(int framesPerSecond) const {
+        return isRate(baseRate, framesPerSecond) && isRate(averageRate, framesPerSecond);
+    }
+
+    struct Fraction {
+        int numerator = 0;
+        int denominator = 1;
+    };
+    Fraction baseRate;
+    Fraction averageRate;
+
+  private:
+    static bool isRate(Fraction rate, int framesPerSecond) {
+        return rate.denominator != 0 && rate.numerator == rate.denominator * framesPerSecond;
+    }
 };
 
 /// Reads what a media file says of itself, in process and without decoding. One thread at a time.
@@ -32,6 +55,12 @@ class AssetReader {
     /// The display transform of the first video track, the identity if it carries none; nothing without such
     /// a track.
     std::optional<AffineTransform> firstVideoTrackTransform();
+
+    /// Nothing without a video track. Throws PlatformError if the tracks can't be read.
+    std::optional<VideoTrackFormat> firstVideoTrackFormat();
+
+    /// Throws PlatformError if the tracks can't be read.
+    bool hasAudioTrack();
 
   private:
     struct Context;

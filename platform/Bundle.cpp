@@ -4,6 +4,8 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <utility>
+#include <vector>
 
 #include <dlfcn.h>
 
@@ -31,20 +33,30 @@ fs::path installedResources() {
     return {};
 }
 
+// In the order of search.
+std::vector<fs::path> resourceDirectories() {
+    if (const char* chosen = std::getenv("CORVANTA_RESOURCES"); chosen != nullptr && *chosen != '\0') {
+        return {chosen};
+    }
+    std::vector<fs::path> directories{CORVANTA_SOURCE_RESOURCES};
+    if (fs::path installed = installedResources(); !installed.empty()) {
+        directories.insert(directories.begin(), std::move(installed));
+    }
+    return directories;
+}
+
 } // namespace
 
 std::optional<std::string> pathForResource(const std::string& name, const std::string& type) {
     const std::string file = name + "." + type;
-    if (const char* chosen = std::getenv("CORVANTA_RESOURCES"); chosen != nullptr && *chosen != '\0') {
-        const fs::path path = fs::path(chosen) / file;
-        return FileManager::fileExists(path) ? std::optional(path.string()) : std::nullopt;
-    }
-    for (const fs::path& directory : {installedResources(), fs::path(CORVANTA_SOURCE_RESOURCES)}) {
-        if (const fs::path path = directory / file; !directory.empty() && FileManager::fileExists(path)) {
+    for (const fs::path& directory : resourceDirectories()) {
+        if (const fs::path path = directory / file; FileManager::fileExists(path)) {
             return path.string();
         }
     }
     return std::nullopt;
 }
+
+std::string resourceDirectory() { return resourceDirectories().front().string(); }
 
 } // namespace corvanta::Bundle

@@ -10,4 +10,7 @@ namespace corvanta::Bundle {
 /// from. Nothing if there is no such file.
 std::optional<std::string> pathForResource(const std::string& name, const std::string& type);
 
+/// The directory in which resources are looked for first.
+std::string resourceDirectory();
+
 } // namespace corvanta::Bundle

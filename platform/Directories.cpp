@@ -1,5 +1,7 @@
 #include <platform/Directories.hpp>
 
+#include <platform/UUID.hpp>
+
 #include <cstdlib>
 #include <filesystem>
 
@@ -43,5 +45,13 @@ URL documents() { return made(baseDirectory("XDG_DATA_HOME", ".local/share") / "
 URL caches() { return made(baseDirectory("XDG_CACHE_HOME", ".cache")); }
 
 URL store() { return made(baseDirectory("XDG_DATA_HOME", ".local/share")); }
+
+URL temporaryFile(std::string_view fileExtension) {
+    std::error_code ignored;
+    const fs::path directory = fs::temp_directory_path(ignored);
+    return URL::fromFilePath((directory.empty() ? "/tmp" : directory).string())
+        .appendingPathComponent(uuidString(makeUUID()))
+        .appendingPathExtension(fileExtension);
+}
 
 } // namespace corvanta::Directories

@@ -2,6 +2,8 @@
 
 #include <platform/URL.hpp>
 
+#include <string_view>
+
 /// The module's per-user directories, in the places of the XDG base directories. Each is made at its first
 /// use with mode 0700; one that can't be made is given all the same, and the use of it fails.
 namespace corvanta::Directories {
@@ -14,5 +16,8 @@ URL caches();
 
 /// Where the request store lies: $XDG_DATA_HOME/corvanta-sdk-video
 URL store();
+
+/// A name in the system's temporary directory that nobody has used; nothing is made there.
+URL temporaryFile(std::string_view fileExtension);
 
 } // namespace corvanta::Directories

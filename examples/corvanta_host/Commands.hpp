@@ -22,6 +22,7 @@ void addEncodeCommand(CLI::App& app, Command& chosen);
 void addRequestsCommand(CLI::App& app, Command& chosen);
 void addWatchCommand(CLI::App& app, Command& chosen);
 void addProcessCommand(CLI::App& app, Command& chosen);
+void addCleanCommand(CLI::App& app, Command& chosen);
 void addTracksCommand(CLI::App& app, Command& chosen);
 
 /// The files of the command line, named as they stand.

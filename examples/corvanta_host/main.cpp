@@ -22,9 +22,9 @@ int main(int argumentCount, char** arguments) {
     app.add_flag("--logged-out", loggedOut, "Use the module with nobody logged in");
 
     Command command;
-    for (const auto add :
-         {addInfoCommand, addThumbnailCommand, addCanConcatCommand, addConcatCommand, addMergeCommand,
-          addEncodeCommand, addTracksCommand, addRequestsCommand, addWatchCommand, addProcessCommand}) {
+    for (const auto add : {addInfoCommand, addThumbnailCommand, addCanConcatCommand, addConcatCommand,
+                           addMergeCommand, addEncodeCommand, addCleanCommand, addTracksCommand,
+                           addRequestsCommand, addWatchCommand, addProcessCommand}) {
         add(app, command);
     }
     try {

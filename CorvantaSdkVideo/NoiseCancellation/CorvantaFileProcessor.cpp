@@ -1,0 +1,71 @@
+#include <CorvantaSdkVideo/NoiseCancellation/CorvantaFileProcessor.hpp>
+
+#include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
+#include <CorvantaSdkVideo/Logger/Logger.hpp>
+#include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
+#include <platform/AssetReader.hpp>
+
+#include <string>
+#include <utility>
+
+namespace corvanta {
+
+namespace {
+
+constexpr int framesPerSecond = 30;
+
+VideoTrackFormat firstVideoTrack(const URL& video) {
+    if (auto format = AssetReader(video).firstVideoTrackFormat()) {
+        return *std::move(format);
+    }
+    throw CorvantaSdkVideoError(CorvantaSdkVideoError::unableToProcessOutput);
+}
+
+bool canBeCopied(const VideoTrackFormat& format) {
+    const bool inMpeg4 = format.codec == "h264" || format.codec == "hevc" || format.codec == "mpeg4";
+    return inMpeg4 && format.hasExactRate(framesPerSecond);
+}
+
+std::string exportCommand(const VideoTrackFormat& format, const URL& video, const URL& audio,
+                          const URL& output) {
+    const std::string inputs = "-i " + ffmpegFormatted(video.path()) + " -i " +
+                               ffmpegFormatted(audio.path()) + " -map 0:v:0 -map 1:a:0";
+    const std::string sound = " -c:a aac -b:a 96k -f mp4 " + ffmpegFormatted(output.path());
+    if (canBeCopied(format)) {
+        return "-y " + inputs + " -c:v copy" + sound;
+    }
+    // Without autorotation the display matrix goes over as it is; H.264 wants even sides; no B-frames and a
+    // key frame each second keep the result fit for cutting by stream copy.
+    return "-y -noautorotate " + inputs + " -vf crop=trunc(iw/2)*2:trunc(ih/2)*2 -r " +
+           std::to_string(framesPerSecond) +
+           " -c:v libx264 -preset veryfast -crf 16 -bf 0 -g 30 -pix_fmt yuv420p" + sound;
+}
+
+} // namespace
+
+CorvantaFileProcessor::CorvantaFileProcessor(std::shared_ptr<FFMPEGCommandExecutor> commandExecutor)
+    : commandExecutor_(std::move(commandExecutor)) {}
+
+Task<> CorvantaFileProcessor::mergeVideoWithAudio(URL videoURL, URL audioURL, URL outputURL) const {
+    const VideoTrackFormat format = firstVideoTrack(videoURL);
+    if (!AssetReader(audioURL).hasAudioTrack()) {
+        throw CorvantaSdkVideoError(CorvantaSdkVideoError::unableToProcessOutput);
+    }
+    if (!isQuotable(videoURL.path()) || !isQuotable(audioURL.path()) || !isQuotable(outputURL.path())) {
+        const PlatformError error("FFMPEGCommand", 1);
+        Logger::logError(Event::mergeVideoAndAudioFailed, EventMessage::mergeVideoAndAudioFailed(error));
+        throw CorvantaSdkVideoError(CorvantaSdkVideoError::unableToProcessOutput);
+    }
+    CorvantaSdkVideoUtils::deleteFileIfExists(outputURL);
+    std::string command = exportCommand(format, videoURL, audioURL, outputURL);
+    try {
+        co_await commandExecutor_->executeFFMPEGCommand(std::move(command));
+    } catch (const PlatformError&) {
+        // Callers learn of a failed export from the file.
+    }
+}
+
+void CorvantaFileProcessor::removeFile(const URL& at) const { CorvantaSdkVideoUtils::deleteFileIfExists(at); }
+
+} // namespace corvanta

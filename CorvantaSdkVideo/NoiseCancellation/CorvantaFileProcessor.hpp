@@ -1,0 +1,34 @@
+#pragma once
+
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/FFMPEGCommandExecutor.hpp>
+#include <platform/Task.hpp>
+#include <platform/URL.hpp>
+
+#include <memory>
+
+namespace corvanta {
+
+/// Puts a sound file on a video. Keeps no state.
+class CorvantaFileProcessor {
+  public:
+    explicit CorvantaFileProcessor(std::shared_ptr<FFMPEGCommandExecutor> commandExecutor =
+                                       std::make_shared<FFMPEGCommandExecutorImplementation>());
+
+    /// Writes an MPEG-4 file with the first picture track of the one and the first sound track of the other,
+    /// at 30 frames a second, turned as the video is. A picture that runs at exactly 30 frames in a codec
+    /// that MPEG-4 players read is copied, any other is encoded. A shorter sound leaves the end silent, a
+    /// longer one is kept.
+    ///
+    /// Throws `unableToProcessOutput` if one of the tracks is missing, the asset reader's PlatformError if a
+    /// file can't be read. A failure of the writing itself is not reported: the file is missing or broken
+    /// then.
+    Task<> mergeVideoWithAudio(URL videoURL, URL audioURL, URL outputURL) const;
+
+    /// Ignores a failure.
+    void removeFile(const URL& at) const;
+
+  private:
+    std::shared_ptr<FFMPEGCommandExecutor> commandExecutor_;
+};
+
+} // namespace corvanta

@@ -1,0 +1,206 @@
+#include <CorvantaSdkVideo/NoiseCancellation/CorvantaNoiseCancellationEngine.hpp>
+
+#include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
+#include <CorvantaSdkVideo/Logger/Logger.hpp>
+#include <CorvantaSdkVideo/NoiseCancellation/CorvantaNoiseProcessor.hpp>
+#include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
+#include <platform/AudioFile.hpp>
+#include <platform/Bundle.hpp>
+#include <platform/Directories.hpp>
+#include <platform/UUID.hpp>
+
+#include <talvo_audio_sdk.h>
+
+#include <boost/asio/post.hpp>
+#include <boost/asio/this_coro.hpp>
+#include <boost/asio/use_awaitable.hpp>
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+namespace corvanta {
+
+namespace {
+
+using Error = CorvantaSdkVideoError;
+
+constexpr const char* modelFileName = "c6.f.s.ced125.tw";
+constexpr unsigned frameDurationMillis = 10;
+constexpr int framesPerSecond = 100;
+
+// Frames that are cleaned in one go, before other work on the caller's executor has its turn: about 6 ms.
+constexpr int framesPerTurn = 100;
+
+// One frame of a fixed size at a time; the last one is filled up by what the buffer held before.
+class Cleaning {
+  public:
+    Cleaning(const URL& audioFileURL, const URL& cleanedURL)
+        : source_(audioFileURL.path()), target_(cleanedURL.path(), source_),
+          processor_(modelFileName, static_cast<unsigned>(source_.sampleRate()), frameDurationMillis) {
+        const auto capacity = static_cast<std::size_t>(source_.sampleRate() / framesPerSecond);
+        if (capacity == 0 || source_.channels() != 1) {
+            throw Error(Error::unableToProcessFile);
+        }
+        rendered_.samples = std::vector<float>(capacity);
+        cleaned_.samples = std::vector<float>(capacity);
+        processor_.startSession();
+    }
+
+    /// False when the whole sound is cleaned. A failure inside the loop can't be told from a broken disk or a
+    /// broken module, and ends the process.
+    bool cleanFrames(int count) {
+        try {
+            for (int frame = 0; frame < count && position_ < source_.length(); ++frame) {
+                const std::int64_t frames = source_.read(*rendered_.floatChannelData());
+                // A sound that ends before its stated length has nothing more to give.
+                if (frames == 0) {
+                    position_ = source_.length();
+                    break;
+                }
+                position_ += frames;
+                processor_.process(rendered_, cleaned_);
+                target_.write(*cleaned_.floatChannelData());
+            }
+        } catch (const std::exception& error) {
+            fatalError(("The manual rendering failed: " + localizedDescription(error) + ".").c_str());
+        }
+        return position_ < source_.length();
+    }
+
+    void end() { processor_.endSession(); }
+
+  private:
+    AudioFileReader source_;
+    AudioFileWriter target_;
+    CorvantaNoiseProcessor processor_;
+    PCMBuffer rendered_;
+    PCMBuffer cleaned_;
+    std::int64_t position_ = 0;
+};
+
+} // namespace
+
+CorvantaNoiseCancellationEngine::CorvantaNoiseCancellationEngine(
+    CorvantaFileProcessor fileProcessor, std::shared_ptr<CorvantaCredentialsManager> credentialsManager,
+    FFMPEGCommandGenerator commandGenerator, std::shared_ptr<FFMPEGCommandExecutor> commandExecutor,
+    CorvantaSdkVideoFileValidator videoValidator)
+    : fileProcessor_(std::move(fileProcessor)), credentialsManager_(std::move(credentialsManager)),
+      commandGenerator_(commandGenerator), commandExecutor_(std::move(commandExecutor)),
+      videoValidator_(videoValidator) {
+    initialize();
+}
+
+CorvantaNoiseCancellationEngine::~CorvantaNoiseCancellationEngine() { endSession(); }
+
+Task<CorvantaSdkVideoNoiseCancellationResult>
+CorvantaNoiseCancellationEngine::clearNoiseForFile(CorvantaSdkVideoFile input,
+                                                   CorvantaSdkVideoFileDescriptor output) {
+    return run(shared_from_this(), std::move(input), std::move(output));
+}
+
+Task<CorvantaSdkVideoNoiseCancellationResult>
+CorvantaNoiseCancellationEngine::run(Self self, CorvantaSdkVideoFile file,
+                                     CorvantaSdkVideoFileDescriptor location) {
+    const URL input = file.url();
+    const auto output = location.url(file.fileExtension());
+    if (!output) {
+        throw Error(Error::unableToProcessOutput);
+    }
+    Logger::addLog(Event::clearNoise, EventMessage::clearNoise(input, *output));
+    const State before = self->state_;
+    if (before == State::initial || before == State::unknown) {
+        throw Error(Error::configurationError);
+    }
+    if (before == State::processing) {
+        throw Error(Error::processingInProgress);
+    }
+    struct Finish {
+        std::atomic<State>& state;
+        ~Finish() { state = State::finished; }
+    } const finish{self->state_};
+    self->state_ = State::processing;
+
+    std::vector<URL> processedFiles;
+    try {
+        co_await self->clean(input, *output, processedFiles);
+    } catch (const std::exception& error) {
+        Logger::logError(Event::clearNoise, EventMessage::clearNoiseFailed(input, error));
+        self->endSession();
+        self->remove(processedFiles);
+        throw;
+    }
+    self->remove(processedFiles);
+    co_return CorvantaSdkVideoNoiseCancellationResult{*output};
+}
+
+Task<> CorvantaNoiseCancellationEngine::clean(URL input, URL output, std::vector<URL>& processedFiles) {
+    if (!credentialsManager_->isUserAuthenticated()) {
+        throw Error(Error::userNotAuthenticated);
+    }
+    videoValidator_.validateFileAt(input);
+    const URL audio = co_await extractAudioForFile(input);
+    processedFiles.push_back(audio);
+    const URL cleaned = co_await cleanAudio(input, audio);
+    processedFiles.push_back(cleaned);
+    co_await fileProcessor_.mergeVideoWithAudio(input, cleaned, output);
+}
+
+Task<URL> CorvantaNoiseCancellationEngine::extractAudioForFile(URL at) {
+    const URL audio = CorvantaSdkVideoUtils::outputURL(uuidString(makeUUID()), "wav");
+    std::string command = commandGenerator_.generateExtractAudioCommandFor(at, audio);
+    try {
+        if (!isQuotable(at.path()) || !isQuotable(audio.path())) {
+            throw Error(Error::unableToProcessInput);
+        }
+        co_await commandExecutor_->executeFFMPEGCommand(std::move(command));
+    } catch (const std::exception&) {
+        // What a failed extraction has begun to write is of no use to anybody.
+        fileProcessor_.removeFile(audio);
+        throw Error(Error::unableToProcessInput);
+    }
+    co_return audio;
+}
+
+Task<URL> CorvantaNoiseCancellationEngine::cleanAudio(URL, URL audioFileURL) {
+    // The instance of an engine that has run is gone, and one that is there is another engine's.
+    if (!ownsLibrary_) {
+        throw Error(Error::configurationError);
+    }
+    const URL cleanedURL = Directories::temporaryFile("caf");
+    try {
+        Cleaning cleaning(audioFileURL, cleanedURL);
+        const auto executor = co_await boost::asio::this_coro::executor;
+        while (cleaning.cleanFrames(framesPerTurn)) {
+            co_await boost::asio::post(executor, boost::asio::use_awaitable);
+        }
+        ownsLibrary_ = false;
+        cleaning.end();
+    } catch (const std::exception&) {
+        fileProcessor_.removeFile(cleanedURL);
+        throw;
+    }
+    co_return cleanedURL;
+}
+
+void CorvantaNoiseCancellationEngine::initialize() {
+    withWideChars(Bundle::resourceDirectory(),
+                  [this](const wchar_t* path) { ownsLibrary_ = talvoAudioGlobalInit(path) == 0; });
+    state_ = ownsLibrary_ ? State::initialized : State::unknown;
+}
+
+// Only what this engine has made: by the time of its end the instance may be another engine's.
+void CorvantaNoiseCancellationEngine::endSession() {
+    if (std::exchange(ownsLibrary_, false)) {
+        talvoAudioGlobalDestroy();
+    }
+}
+
+void CorvantaNoiseCancellationEngine::remove(const std::vector<URL>& processedFiles) const {
+    for (const URL& file : processedFiles) {
+        fileProcessor_.removeFile(file);
+    }
+}
+
+} // namespace corvanta

@@ -1,0 +1,109 @@
+#include <CorvantaSdkVideo/NoiseCancellation/CorvantaNoiseProcessor.hpp>
+
+#include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
+#include <platform/Bundle.hpp>
+
+#include <boost/locale/utf.hpp>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <iostream>
+#include <iterator>
+#include <utility>
+
+namespace corvanta {
+
+namespace {
+
+unsigned samplesPerFrame(unsigned sampleRate, unsigned frameDuration) {
+    unsigned product = 0;
+    if (__builtin_mul_overflow(sampleRate, frameDuration, &product)) {
+        fatalError("The product of sample rate and frame duration overflows");
+    }
+    return product / 1000;
+}
+
+std::string modelPath(const std::string& modelName) {
+    const std::filesystem::path name(modelName);
+    const auto found = Bundle::pathForResource(name.stem().string(), name.extension().string().substr(1));
+    return found.value_or((Bundle::resourceDirectory() / name).string());
+}
+
+} // namespace
+
+TalvoAudioSamplingRate talvoRate(unsigned sampleRate) {
+    constexpr auto known = std::to_array<unsigned>({8000, 12000, 24000, 32000, 44100, 48000, 88200, 96000});
+    const bool isKnown = std::ranges::find(known, sampleRate) != known.end();
+    return isKnown ? static_cast<TalvoAudioSamplingRate>(sampleRate) : TALVO_AUDIO_RATE_16000;
+}
+
+TalvoAudioFrameDuration talvoFrameDuration(unsigned milliseconds) {
+    constexpr auto known = std::to_array<unsigned>({10, 15, 20, 30, 32, 40});
+    const bool isKnown = std::ranges::find(known, milliseconds) != known.end();
+    return isKnown ? static_cast<TalvoAudioFrameDuration>(milliseconds) : TALVO_AUDIO_DURATION_10;
+}
+
+void withWideChars(const std::string& text, const std::function<void(const wchar_t*)>& body) {
+    namespace utf = boost::locale::utf;
+    constexpr wchar_t replacement = 0xFFFD;
+    std::wstring wide;
+    for (auto position = text.begin(); position != text.end();) {
+        const utf::code_point point = utf::utf_traits<char>::decode(position, text.end());
+        const bool valid = point != utf::illegal && point != utf::incomplete;
+        wide += valid ? static_cast<wchar_t>(point) : replacement;
+    }
+    body(wide.c_str());
+}
+
+CorvantaNoiseProcessor::CorvantaNoiseProcessor(std::string modelName, unsigned sampleRate,
+                                               unsigned frameDuration)
+    : bufferSize_(samplesPerFrame(sampleRate, frameDuration)), frameDuration_(frameDuration),
+      modelName_(std::move(modelName)), sampleRate_(sampleRate) {}
+
+CorvantaNoiseProcessor::~CorvantaNoiseProcessor() { closeSession(); }
+
+void CorvantaNoiseProcessor::startSession() {
+    int result = 0;
+    withWideChars(modelPath(modelName_),
+                  [&](const wchar_t* path) { result = talvoAudioSetModel(path, modelName_.c_str()); });
+    if (result != 0) {
+        throw CorvantaSdkVideoError(CorvantaSdkVideoError::configurationError);
+    }
+    const TalvoAudioSamplingRate rate = talvoRate(sampleRate_);
+    sessionId_ =
+        talvoAudioNcCreateSession(rate, rate, talvoFrameDuration(frameDuration_), modelName_.c_str());
+    if (sessionId_ == nullptr) {
+        throw CorvantaSdkVideoError(CorvantaSdkVideoError::configurationError);
+    }
+}
+
+void CorvantaNoiseProcessor::process(const PCMBuffer& bufferIn, PCMBuffer& bufferOut) {
+    const auto* floatIn = bufferIn.floatChannelData();
+    const auto* int16In = bufferIn.int16ChannelData();
+    if (auto* floatOut = bufferOut.floatChannelData(); floatIn != nullptr && floatOut != nullptr) {
+        talvoAudioNcCleanAmbientNoiseFloat(sessionId_, floatIn->data(), bufferSize_, floatOut->data(),
+                                           bufferSize_);
+    } else if (auto* int16Out = bufferOut.int16ChannelData(); int16In != nullptr && int16Out != nullptr) {
+        talvoAudioNcCleanAmbientNoiseInt16(sessionId_, int16In->data(), bufferSize_, int16Out->data(),
+                                           bufferSize_);
+    } else {
+        std::cout << "Only PCM float32 & int16 are supported, please contact to ZEL team for support\n"
+                  << std::flush;
+    }
+}
+
+void CorvantaNoiseProcessor::endSession() {
+    closeSession();
+    if (talvoAudioGlobalDestroy() != 0) {
+        throw CorvantaSdkVideoError(CorvantaSdkVideoError::configurationError);
+    }
+}
+
+void CorvantaNoiseProcessor::closeSession() {
+    if (void* session = std::exchange(sessionId_, nullptr); session != nullptr) {
+        talvoAudioNcCloseSession(session);
+    }
+}
+
+} // namespace corvanta

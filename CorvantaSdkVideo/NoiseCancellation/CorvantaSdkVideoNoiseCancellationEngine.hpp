@@ -1,0 +1,31 @@
+#pragma once
+
+#include <CorvantaSdkVideo/CorvantaSdkVideoFile.hpp>
+#include <CorvantaSdkVideo/CorvantaSdkVideoFileDescriptor.hpp>
+#include <platform/Task.hpp>
+
+namespace corvanta {
+
+/// The video with the cleaned sound.
+struct CorvantaSdkVideoNoiseCancellationResult {
+    URL fileURL;
+};
+
+class CorvantaSdkVideoNoiseCancellationEngine {
+  public:
+    virtual ~CorvantaSdkVideoNoiseCancellationEngine() = default;
+
+    /// Writes a new video whose sound is freed from noise; the sound becomes mono. The location gets the
+    /// input's extension, what lies there is MPEG-4. An engine serves one run, and only one engine at a time
+    /// can be made: the next one works when this one has run or is gone. A running task keeps its engine
+    /// alive.
+    ///
+    /// Throws `unableToProcessOutput` (no location, or the sound can't be put back), `configurationError`
+    /// (another engine is alive, this one has run, or the model can't be loaded), `processingInProgress`,
+    /// `userNotAuthenticated`, `notFoundVideo`, `invalidFile`, `unableToProcessInput` (no sound to extract)
+    /// and `unableToProcessFile`. If writing the video itself fails, no error comes: look for the file.
+    virtual Task<CorvantaSdkVideoNoiseCancellationResult>
+    clearNoiseForFile(CorvantaSdkVideoFile input, CorvantaSdkVideoFileDescriptor output) = 0;
+};
+
+} // namespace corvanta
