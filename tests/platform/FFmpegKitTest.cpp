@@ -2,6 +2,7 @@
 #include "support/SessionProbe.hpp"
 
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/FFMPEGCommandExecutor.hpp>
+#include <platform/Errors.hpp>
 #include <platform/FFmpegKit.hpp>
 #include <platform/Task.hpp>
 
@@ -90,7 +91,7 @@ TEST(FFmpegKitTest, ChildrenGetAnEmptyInputTheirOwnGroupAndNothingOfTheHosts) {
     const FakeProgram fake(ffprobeVariable, "printf '[%s]' \"$@\"\n"
                                             "cat\n"
                                             "[ \"$(cut -d' ' -f5 /proc/$$/stat)\" = $$ ] && echo own group\n"
-                                            "grep -E 'Sig(Blk|Ign)' /proc/$$/status\n"
+                                            "grep -E 'Sig(Blk|Ign)' /proc/self/status\n"
                                             "[ -e /proc/$$/fd/77 ] || echo no descriptor\n");
     ASSERT_EQ(dup2(STDERR_FILENO, 77), 77);
     const auto before = std::signal(SIGTERM, SIG_IGN);
@@ -201,7 +202,9 @@ TEST(FFmpegKitTest, EndlessOutputIsDrainedAndNotKept) {
 }
 
 TEST(FFmpegKitTest, GrandchildThatKeepsThePipesOpenHoldsNothingUp) {
-    const FakeProgram fake(ffmpegVariable, "setsid sleep 600 &\necho $! >&2\nexit 4\n");
+    const FakeProgram fake(ffmpegVariable,
+                           "setsid sh -c 'echo $$ >&2; : >\"$0\"; exec sleep 600' \"$here/there\" &\n"
+                           "while [ ! -e \"$here/there\" ]; do sleep 0.01; done\nexit 4\n");
     const SessionProbe run("");
     EXPECT_EQ(run.wait(), 4);
     ASSERT_EQ(run.lines().size(), 1U);

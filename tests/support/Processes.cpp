@@ -21,7 +21,7 @@ namespace corvanta::test {
 namespace fs = std::filesystem;
 
 bool eventually(const std::function<bool()>& condition) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(2);
     while (!condition()) {
         if (std::chrono::steady_clock::now() > deadline) {
             return false;

@@ -15,7 +15,7 @@
 /// Programs that tests run, programs that stand in for ffmpeg, and what the kernel tells of processes.
 namespace corvanta::test {
 
-/// Waits until `condition` holds; false if it doesn't within half a minute.
+/// Waits until `condition` holds; false if it doesn't within two minutes.
 bool eventually(const std::function<bool()>& condition);
 
 std::string readFile(const std::string& path);
