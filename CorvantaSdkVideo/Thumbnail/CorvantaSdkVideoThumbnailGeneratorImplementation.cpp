@@ -22,9 +22,10 @@ bool isValidPosition(double position, const URL& video) {
 }
 
 // ffmpeg's image writer reads "%d" as a frame number and cuts a name of 1024 bytes or more. Ahead of it, a
-// relative path is read as an option if it begins with a dash, and as a protocol up to a colon.
+// relative path is read as an option if it begins with a dash, and its first part as a protocol up to a
+// colon.
 bool isPlainImageName(const std::string& path) {
-    if (!path.starts_with('/') && (path.starts_with('-') || path.find(':') != std::string::npos)) {
+    if (path.starts_with('-') || path.substr(0, path.find('/')).find(':') != std::string::npos) {
         return false;
     }
     for (std::size_t percent = path.find('%'); percent != std::string::npos;

@@ -1,0 +1,198 @@
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/ProbeOutput.hpp>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <csignal>
+#include <limits>
+
+namespace corvanta {
+namespace {
+
+std::string withStreams(const std::string& streams) {
+    return R"({"format": {}, "streams": [)" + streams + "]}";
+}
+
+TEST(ProbeOutputTest, AWholeRecord) {
+    const auto probe = parseProbeOutput(R"({
+        "streams": [
+            {"index": 0, "codec_type": "video", "codec_name": "h264", "codec_tag_string": "avc1", "width": 1920,
+             "height": 1080, "pix_fmt": "yuv420p", "bit_rate": "334000", "r_frame_rate": "30000/1001",
+             "duration": "2.0029", "side_data_list": [{"rotation": 180}, {"side_data_type": "x"}, {"rotation": -90}]},
+            {"index": 1, "codec_type": "data", "duration": "nan"},
+            {"index": 2, "codec_type": "audio", "codec_name": "aac", "codec_tag_string": "mp4a", "sample_fmt": "fltp",
+             "bit_rate": "+96000", "sample_rate": "48000", "channels": 2, "channel_layout": "stereo", "duration": "-1.9999"},
+            {"index": 3, "codec_type": "video", "width": 10, "height": 20, "side_data_list": [{"rotation": 270}]}],
+        "format": {"size": "104362", "duration": "1.0019999", "format_name": "mov,mp4"}})");
+    ASSERT_TRUE(probe);
+    EXPECT_EQ(probe->size, 104362);
+    EXPECT_EQ(probe->duration, 1.0019999);
+    EXPECT_EQ(probe->format, "mov,mp4");
+    ASSERT_EQ(probe->videos.size(), 2U);
+    const auto& video = probe->videos[0];
+    EXPECT_EQ(video, CorvantaSdkVideoTrackInformation(9, 1920, 1080, "h264", "avc1", "yuv420p", 1,
+                                                      "30000/1001", -90, 1));
+    EXPECT_EQ(video.index, 0);
+    EXPECT_EQ(video.bitRate, 334000);
+    EXPECT_EQ(video.durationMillis, 2002);
+    EXPECT_EQ(video.rotatedWidth, 1920);
+    EXPECT_EQ(probe->videos[1].rotatedWidth, 20);
+    EXPECT_EQ(probe->videos[1].rotatedHeight, 10);
+    EXPECT_EQ(probe->videos[1].durationMillis, 0);
+    ASSERT_EQ(probe->audios.size(), 1U);
+    const auto& audio = probe->audios[0];
+    EXPECT_EQ(audio,
+              (CorvantaSdkVideoAudioTrackInformation{9, "aac", "mp4a", "fltp", 1, 48000, 2, "stereo", 1}));
+    EXPECT_EQ(audio.index, 2);
+    EXPECT_EQ(audio.bitRate, 96000);
+    EXPECT_EQ(audio.durationMillis, -1999);
+}
+
+TEST(ProbeOutputTest, WhatIsNoProbeOutput) {
+    const std::string deep(100000, '[');
+    for (const std::string& refused :
+         {std::string(), std::string("{}"), std::string("null"), std::string("[]"), std::string("3"),
+          std::string("{"), std::string(R"({"format": {}})"), std::string(R"({"streams": []})"),
+          std::string(R"({"format": [], "streams": []})"), std::string(R"({"format": {}, "streams": {}})"),
+          withStreams("1"), withStreams("{}, []"), withStreams("{}, null"), withStreams("") + "x",
+          std::string(R"({"format": {"format_name": ")") + '\xff' + R"("}, "streams": []})", deep,
+          std::string(1000, '\0')}) {
+        EXPECT_FALSE(parseProbeOutput(refused)) << refused.substr(0, 100);
+    }
+    EXPECT_TRUE(parseProbeOutput(withStreams("")));
+}
+
+TEST(ProbeOutputTest, ValuesOfOtherTypesCountAsAbsent) {
+    for (const char* value : {"null", "true", "[]", "{}", "[\"7\"]", "7.5", "\"x\"", "\"\"", "\" 7\"",
+                              "\"7 \"", "\"7x\"", "\"++7\"", "\"+-7\"", "\"0x7\"", "18446744073709551615"}) {
+        SCOPED_TRACE(value);
+        std::string members = R"("codec_type": "video")";
+        for (const char* key : {"index", "width", "height", "duration", "bit_rate", "side_data_list"}) {
+            members += std::string(", \"") + key + "\": " + value;
+        }
+        const auto probe =
+            parseProbeOutput(withStreams("{" + members + R"(}, {"codec_type": )" + value + "}"));
+        ASSERT_TRUE(probe);
+        ASSERT_EQ(probe->videos.size(), 1U);
+        const auto& track = probe->videos[0];
+        EXPECT_EQ(track.index + track.width + track.height + track.rotatedWidth + track.bitRate +
+                      track.rotation + track.durationMillis,
+                  0);
+    }
+    const auto numbers = parseProbeOutput(
+        R"({"format": {"size": 7, "duration": 7, "format_name": 7}, "streams": [
+            {"codec_type": "audio", "index": "1", "sample_rate": 48000, "bit_rate": 1, "channels": "2", "codec_name": 1,
+             "codec_tag_string": [], "sample_fmt": {}, "channel_layout": null, "duration": 3},
+            {"codec_type": "video", "bit_rate": 1, "codec_name": 1, "pix_fmt": 2, "r_frame_rate": 30, "duration": 3},
+            {"codec_type": "Video"}, {"codec_type": "subtitle"}, {}]})");
+    ASSERT_TRUE(numbers);
+    EXPECT_EQ(numbers->size, 0);
+    EXPECT_EQ(numbers->duration, 0);
+    EXPECT_EQ(numbers->format, "");
+    ASSERT_EQ(numbers->audios.size(), 1U);
+    EXPECT_EQ(numbers->audios[0], CorvantaSdkVideoAudioTrackInformation{});
+    EXPECT_EQ(numbers->audios[0].index + numbers->audios[0].bitRate + numbers->audios[0].durationMillis, 0);
+    ASSERT_EQ(numbers->videos.size(), 1U);
+    EXPECT_EQ(numbers->videos[0], CorvantaSdkVideoTrackInformation(0, 0, 0, "", "", "", 0, "", 0, 0));
+}
+
+TEST(ProbeOutputTest, Rotation) {
+    std::string many = R"([{"rotation": 90})";
+    for (int entry = 0; entry < 10000; ++entry) {
+        many += R"(, {"side_data_type": "x", "rotation": "180"})";
+    }
+    many += "]";
+    struct Case {
+        std::string list;
+        std::int64_t rotation;
+    };
+    for (const Case& expected :
+         {Case{many, 90},
+          {R"([{"rotation": 90}, {"rotation": 1.5}, {"rotation": null}])", 90},
+          {R"([{"rotation": -9223372036854775808}])", std::numeric_limits<std::int64_t>::min()},
+          {R"([{"rotation": 9223372036854775808}])", 0},
+          {R"([{"rotation": 90}, 3])", 0},
+          {R"({"rotation": 90})", 0},
+          {"[]", 0},
+          {R"([{"rotation": 90}, {"rotation": 0}])", 0}}) {
+        const auto probe = parseProbeOutput(
+            withStreams(R"({"codec_type": "video", "side_data_list": )" + expected.list + "}"));
+        ASSERT_TRUE(probe);
+        EXPECT_EQ(probe->videos.at(0).rotation, expected.rotation);
+    }
+}
+
+TEST(ProbeOutputTest, RotatedSidesAndEquality) {
+    const auto track = [](std::int64_t rotation) {
+        return CorvantaSdkVideoTrackInformation(0, 4, 3, "c", "t", "p", 0, "r", rotation, 0);
+    };
+    for (const std::int64_t rotation : {0, 90, 180, 270, -90, -270, 450, 91}) {
+        const bool turned = rotation == 90 || rotation == 270;
+        EXPECT_EQ(track(rotation).rotatedWidth, turned ? 3 : 4) << rotation;
+        EXPECT_EQ(track(rotation).rotatedHeight, turned ? 4 : 3) << rotation;
+    }
+    const auto changes = std::to_array<void (*)(CorvantaSdkVideoTrackInformation&)>(
+        {[](auto& video) { ++video.width; }, [](auto& video) { ++video.height; },
+         [](auto& video) { ++video.rotatedWidth; }, [](auto& video) { ++video.rotatedHeight; },
+         [](auto& video) { video.codec = "x"; }, [](auto& video) { video.codecTag = "x"; },
+         [](auto& video) { video.pixelFormat = "x"; }, [](auto& video) { video.frameRate = "x"; },
+         [](auto& video) { ++video.rotation; }});
+    for (const auto change : changes) {
+        auto other = track(0);
+        other.index = other.bitRate = other.durationMillis = 7;
+        EXPECT_EQ(other, track(0));
+        change(other);
+        EXPECT_NE(other, track(0));
+    }
+    const CorvantaSdkVideoAudioTrackInformation audio;
+    const auto audioChanges = std::to_array<void (*)(CorvantaSdkVideoAudioTrackInformation&)>(
+        {[](auto& sound) { sound.codec = "x"; }, [](auto& sound) { sound.codecTag = "x"; },
+         [](auto& sound) { sound.sampleFormat = "x"; }, [](auto& sound) { ++sound.sampleRate; },
+         [](auto& sound) { ++sound.channels; }, [](auto& sound) { sound.channelLayout = "x"; }});
+    for (const auto change : audioChanges) {
+        auto other = audio;
+        other.index = other.bitRate = other.durationMillis = 7;
+        EXPECT_EQ(other, audio);
+        change(other);
+        EXPECT_NE(other, audio);
+    }
+}
+
+TEST(ProbeOutputDeathTest, DurationsThatMillisecondsCannotHold) {
+    constexpr const char* notFinite =
+        "Fatal error: Double value cannot be converted to Int64 because it is either infinite or NaN\n";
+    constexpr const char* tooSmall = "Fatal error: Double value cannot be converted to Int64 because the "
+                                     "result would be less than Int64.min\n";
+    constexpr const char* tooLarge = "Fatal error: Double value cannot be converted to Int64 because the "
+                                     "result would be greater than Int64.max\n";
+    struct Case {
+        const char* text;
+        const char* message;
+    };
+    for (const Case& fatal : {Case{"inf", notFinite},
+                              {"-inf", notFinite},
+                              {"nan", notFinite},
+                              {"1e400", notFinite},
+                              {"1e306", notFinite},
+                              {"-9223372036854777.9", tooSmall},
+                              {"-1e300", tooSmall},
+                              {"9223372036854775.808", tooLarge},
+                              {"+1e17", tooLarge}}) {
+        for (const char* kind : {"video", "audio"}) {
+            const std::string output = withStreams(std::string(R"({"codec_type": ")") + kind +
+                                                   R"(", "duration": ")" + fatal.text + "\"}");
+            EXPECT_EXIT(parseProbeOutput(output), testing::KilledBySignal(SIGABRT), fatal.message)
+                << fatal.text;
+        }
+    }
+    EXPECT_EQ(millisecondsFromSeconds(-9223372036854775.808), std::numeric_limits<std::int64_t>::min());
+    EXPECT_EQ(millisecondsFromSeconds(9223372036854774.0), 9223372036854773760);
+    EXPECT_EQ(millisecondsFromSeconds(-0.0019), -1);
+    EXPECT_EQ(parseProbeOutput(withStreams(R"({"codec_type": "video", "duration": "1e-400"})"))
+                  ->videos[0]
+                  .durationMillis,
+              0);
+}
+
+} // namespace
+} // namespace corvanta

@@ -1,0 +1,189 @@
+#include "support/FakeExecutor.hpp"
+#include "support/Processes.hpp"
+#include "support/RecordedLog.hpp"
+
+#include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
+#include <CorvantaSdkVideo/Shared/VideosInformationGenerator.hpp>
+#include <platform/Task.hpp>
+
+#include <gmock/gmock.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace corvanta::test {
+namespace {
+
+using testing::ElementsAre;
+
+TEST(VideosInformationGeneratorTest, OrderOfStepsAndOfFiles) {
+    const TemporaryDirectory directory;
+    std::vector<URL> videos;
+    for (const char* name : {"b", "a", "c"}) {
+        writeFile(directory.file(name), "");
+        videos.push_back(URL::fromFilePath(directory.file(name)));
+    }
+    const std::string base = URL::fromFilePath(directory.path().string()).absoluteString() + '/';
+    const auto executor = std::make_shared<FakeExecutor>();
+    const auto get = [&](bool authenticated, std::vector<URL> input) {
+        const VideosInformationGenerator generator(std::make_shared<FixedCredentials>(authenticated),
+                                                   executor);
+        return runBlocking(generator.getVideosInformation(std::move(input)));
+    };
+    RecordedLog log;
+
+    const auto records = get(true, videos);
+    ASSERT_EQ(records.size(), 3U);
+    EXPECT_EQ(records[1].url, videos[1]);
+    EXPECT_EQ(records[1].path, base + "a");
+    EXPECT_THAT(std::exchange(executor->calls, {}),
+                ElementsAre("probe " + base + "b", "probe " + base + "a", "probe " + base + "c"));
+    EXPECT_THAT(log.take(),
+                ElementsAre("info event_video_get_info: Get info called with videoPath: " + base + "b",
+                            "info event_video_get_info: Get info called with videoPath: " + base + "a",
+                            "info event_video_get_info: Get info called with videoPath: " + base + "c"));
+
+    executor->onProbe = [&](const URL& url) -> CorvantaSdkVideoInformation {
+        if (url == videos[1]) {
+            throw CorvantaSdkVideoError(CorvantaSdkVideoError::missingVideoTrackToMerge);
+        }
+        return CorvantaSdkVideoInformation(url, 0, 0, "", {}, {}, Orientation::portrait, {});
+    };
+    EXPECT_EQ(outcomeOf([&] { get(true, videos); }), "missingVideoTrackToMerge");
+    EXPECT_THAT(std::exchange(executor->calls, {}),
+                ElementsAre("probe " + base + "b", "probe " + base + "a"));
+    EXPECT_THAT(log.take(), testing::Contains(
+                                "info event_video_get_info: Error getting video info: " + base +
+                                "a. The operation couldn’t be completed. (CorvantaSdkVideoError error 17.)"));
+
+    const URL missing = URL::fromFilePath(directory.file("missing"));
+    EXPECT_EQ(outcomeOf([&] { get(false, {}); }), "userNotAuthenticated");
+    EXPECT_EQ(outcomeOf([&] { get(true, {}); }), "invalidInputFiles(notEnoughVideos)");
+    EXPECT_EQ(outcomeOf([&] {
+                  get(true, {videos[0], missing});
+              }),
+              "invalidInputFiles(inputContainsNonExistingFiles)");
+    EXPECT_THAT(executor->calls, ElementsAre());
+    EXPECT_THAT(log.take(), ElementsAre());
+    EXPECT_EQ(runBlocking(VideosInformationGenerator(std::make_shared<FixedCredentials>(false), executor)
+                              .generateAssetsMetadata({missing}))
+                  .size(),
+              1U);
+}
+
+TEST(ProbeTest, ShapeOnScreen) {
+    struct Case {
+        const char* name;
+        Clip clip;
+        std::int64_t rotation;
+        VideoSize size;
+        Orientation orientation;
+    };
+    const Picture upright{.width = 120, .height = 160};
+    const Picture square{.width = 128, .height = 128};
+    for (const Case& expected :
+         {Case{"landscape", {}, 0, {160, 120}, Orientation::landscape},
+          {"portrait", {.pictures = {upright}}, 0, {120, 160}, Orientation::portrait},
+          {"square", {.pictures = {square}}, 0, {128, 128}, Orientation::portrait},
+          {"-90", {.rotation = -90}, -90, {120, 160}, Orientation::portrait},
+          {"90", {.rotation = 90}, 90, {120, 160}, Orientation::portrait},
+          {"180", {.rotation = 180}, -180, {160, 120}, Orientation::landscape},
+          {"the last track counts", {.pictures = {Picture{}, upright}}, 0, {120, 160}, Orientation::portrait},
+          {"without sound", {.sounds = {}}, 0, {160, 120}, Orientation::landscape}}) {
+        SCOPED_TRACE(expected.name);
+        const std::string path = makeClip(expected.clip);
+        const auto information = probed(path);
+        EXPECT_EQ(information.path, URL::fromFilePath(path).absoluteString());
+        EXPECT_EQ(information.size, static_cast<std::int64_t>(std::filesystem::file_size(path)));
+        EXPECT_NEAR(static_cast<double>(information.durationMillis), 1000, 60);
+        EXPECT_EQ(information.rotation(), expected.rotation);
+        EXPECT_EQ(information.videoSize, expected.size);
+        EXPECT_EQ(information.orientation, expected.orientation);
+        EXPECT_EQ(information.frameRate(), CorvantaSdkVideoFrameRate::thirtyFps);
+        EXPECT_EQ(information.videos.size(), expected.clip.pictures.size());
+        EXPECT_EQ(information.hasAudio(), !expected.clip.sounds.empty());
+        EXPECT_EQ(information.audioCodec(), expected.clip.sounds.empty() ? "" : "aac");
+        EXPECT_EQ(information.audioSampleRates(), expected.clip.sounds.empty() ? 0.0 : 48000.0);
+        // Only the probe's own +90 turns the sides of a track.
+        EXPECT_EQ(information.videos[0].rotatedWidth == information.videos[0].height &&
+                      expected.rotation != 0,
+                  expected.rotation == 90);
+    }
+    const auto sound = probed(makeClip(
+        {.pictures = {}, .sounds = {{}, {.layout = "mono"}}, .container = "m4a", .codecs = "-c:a aac"}));
+    EXPECT_TRUE(sound.videos.empty());
+    EXPECT_EQ(sound.videoSize, VideoSize{});
+    EXPECT_EQ(sound.orientation, Orientation::portrait);
+    EXPECT_EQ(sound.rotation(), 0);
+    EXPECT_EQ(sound.videoCodec(), "");
+    EXPECT_EQ(sound.frameRate(), CorvantaSdkVideoFrameRate::unknown);
+    ASSERT_EQ(sound.audios.size(), 2U);
+    EXPECT_EQ(sound.audios[1].channelLayout, "mono");
+    // Matroska states no duration for a stream.
+    const auto matroska = probed(makeClip({.container = "mkv"}));
+    EXPECT_EQ(matroska.videos[0].durationMillis, 0);
+    EXPECT_NEAR(static_cast<double>(matroska.durationMillis), 1000, 60);
+}
+
+TEST(ProbeTest, WhatCannotBeProbed) {
+    const TemporaryDirectory directory;
+    const std::string clip = readFile(makeClip({}));
+    writeFile(directory.file("empty"), "");
+    writeFile(directory.file("text"), "hello\n");
+    writeFile(directory.file("garbage"), std::string(100000, '\x5a'));
+    writeFile(directory.file("truncated"), clip.substr(0, clip.size() / 2));
+    writeFile(directory.file("unreadable"), clip);
+    mkfifo(directory.file("pipe").c_str(), 0600);
+    std::filesystem::create_symlink("pipe", directory.path() / "link");
+    for (const char* name : {"empty", "text", "garbage", "truncated", "pipe", "link", "missing", ""}) {
+        EXPECT_EQ(outcomeOf([&] { probed(directory.file(name)); }), "getInformationFailed") << name;
+    }
+    if (geteuid() != 0) {
+        chmod(directory.file("unreadable").c_str(), 0);
+        EXPECT_EQ(outcomeOf([&] { probed(directory.file("unreadable")); }), "getInformationFailed");
+    }
+    const ScopedVariable noProgram("CORVANTA_FFPROBE", "/no/such/ffprobe");
+    EXPECT_EQ(outcomeOf([&] { probed(makeClip({})); }), "getInformationFailed");
+}
+
+TEST(ProbeTest, WhatFfprobeMaySay) {
+    const TemporaryDirectory directory;
+    const std::string path = directory.file("a %41.txt");
+    writeFile(path, "no media");
+    struct Case {
+        const char* script;
+        std::string outcome;
+    };
+    for (const Case& expected :
+         {Case{"exit 0", "getInformationFailed"},
+          {"echo '{}'", "getInformationFailed"},
+          {"echo '{\"format\": {}, \"streams\": []}'; exit 1", "getInformationFailed"},
+          {"echo '{\"format\": {}, \"streams\": []}'; kill -KILL $$", "getInformationFailed"},
+          {"echo '{\"format\": {}, \"streams\": [3]}'", "getInformationFailed"},
+          {"head -c 80M /dev/zero", "getInformationFailed"},
+          {"echo '{\"format\": {}, \"streams\": [{\"codec_type\": \"video\"}]}'", "missingVideoTrackToMerge"},
+          {"echo '{\"format\": {}, \"streams\": [{\"codec_type\": \"audio\"}]}'; echo noise >&2", "done"}}) {
+        const FakeProgram fake("CORVANTA_FFPROBE", expected.script);
+        EXPECT_EQ(outcomeOf([&] { probed(path); }), expected.outcome) << expected.script;
+    }
+    const FakeProgram fake("CORVANTA_FFPROBE",
+                           "printf '%s\\n' \"$@\" >\"$here/arguments\"\n"
+                           "echo '{\"format\": {\"duration\": \"2.0019\"}, \"streams\": []}'\n");
+    EXPECT_EQ(probed(directory.file("a %41.txt")).durationMillis, 2001);
+    EXPECT_EQ(readFile(fake.file("arguments")),
+              "-i\nfile://" + path +
+                  "\n-v\nquiet\n-print_format\njson\n-show_format\n-show_streams\n"
+                  "-hide_banner\n");
+}
+
+TEST(ProbeDeathTest, AContainerDurationThatMillisecondsCannotHold) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const FakeProgram fake("CORVANTA_FFPROBE",
+                           "echo '{\"format\": {\"duration\": \"nan\"}, \"streams\": []}'");
+    EXPECT_EXIT(
+        probed("/dev/../etc/passwd"), testing::KilledBySignal(SIGABRT),
+        "Fatal error: Double value cannot be converted to Int64 because it is either infinite or NaN");
+}
+
+} // namespace
+} // namespace corvanta::test

@@ -1,0 +1,280 @@
+#include "support/Processes.hpp"
+#include "support/SessionProbe.hpp"
+
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/FFMPEGCommandExecutor.hpp>
+#include <platform/Errors.hpp>
+#include <platform/FFmpegKit.hpp>
+#include <platform/Task.hpp>
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <csignal>
+#include <thread>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace corvanta::test {
+namespace {
+
+using testing::ElementsAre;
+
+constexpr const char* ffmpegVariable = "CORVANTA_FFMPEG";
+constexpr const char* ffprobeVariable = "CORVANTA_FFPROBE";
+
+TEST(FFmpegKitTest, ReturnCodes) {
+    struct Case {
+        const char* script;
+        int returnCode;
+    };
+    for (const Case& expected : {Case{"exit 0", 0},
+                                 {"exit 1", 1},
+                                 {"exit 123", 123},
+                                 {"kill -TERM $$", 255},
+                                 {"kill -SEGV $$", 255},
+                                 {"kill -KILL $$", 255},
+                                 {"sleep 1000 & exit 3", 3}}) {
+        for (const Tool tool : {Tool::ffmpeg, Tool::ffprobe}) {
+            SCOPED_TRACE(expected.script);
+            const FakeProgram fake(tool == Tool::ffmpeg ? ffmpegVariable : ffprobeVariable, expected.script);
+            const SessionProbe run("", tool);
+            EXPECT_EQ(run.wait(), expected.returnCode);
+            EXPECT_EQ(run.state(), SessionState::completed);
+            EXPECT_EQ(run.output(), tool == Tool::ffprobe ? "" : "absent");
+        }
+    }
+    EXPECT_TRUE(eventually([] { return childrenOf(getpid()).empty(); }));
+}
+
+TEST(FFmpegKitTest, ProgramsThatCannotBeStarted) {
+    const TemporaryDirectory directory;
+    const std::string notExecutable = directory.file("plain");
+    const std::string noInterpreter = directory.file("script");
+    writeFile(notExecutable, "#!/bin/sh\n");
+    writeFile(noInterpreter, "#!/no/such/interpreter\n");
+    chmod(noInterpreter.c_str(), 0700);
+    for (const std::string& program : {std::string("/no/such/ffmpeg"), std::string("no-such-ffmpeg"),
+                                       directory.path().string(), notExecutable, noInterpreter}) {
+        SCOPED_TRACE(program);
+        const ScopedVariable ffmpeg(ffmpegVariable, program);
+        const ScopedVariable ffprobe(ffprobeVariable, program);
+        const SessionProbe run("-version");
+        EXPECT_EQ(run.wait(), ReturnCode::notStarted);
+        EXPECT_EQ(run.state(), SessionState::failed);
+        EXPECT_THAT(run.lines(), ElementsAre(testing::HasSubstr(program + " could not be started: ")));
+        EXPECT_EQ(SessionProbe("-version", Tool::ffprobe).wait(), ReturnCode::notStarted);
+    }
+}
+
+TEST(FFmpegKitTest, ProgramsComeFromPathPastDirectoriesAndPlainFiles) {
+    const TemporaryDirectory directory;
+    const auto path = [&](const char* name) { return directory.path() / name / "ffprobe"; };
+    std::filesystem::create_directories(path("1"));
+    std::filesystem::create_directory(directory.path() / "2");
+    std::filesystem::create_directory(directory.path() / "3");
+    writeFile(path("2"), "#!/bin/sh\necho plain\n");
+    writeFile(path("3"), "#!/bin/sh\necho found\n");
+    chmod(path("3").c_str(), 0700);
+    const std::string root = directory.path();
+    const ScopedVariable searched("PATH", root + "/1:" + root + "/2:" + root + "/3:/usr/bin:/bin");
+    for (const auto& unset : {std::optional<std::string>(), std::optional<std::string>("")}) {
+        const ScopedVariable variable(ffprobeVariable, unset);
+        const SessionProbe run("", Tool::ffprobe);
+        EXPECT_EQ(run.wait(), 0);
+        EXPECT_EQ(run.output(), "found\n");
+    }
+}
+
+TEST(FFmpegKitTest, ChildrenGetAnEmptyInputTheirOwnGroupAndNothingOfTheHosts) {
+    const FakeProgram fake(ffprobeVariable, "printf '[%s]' \"$@\"\n"
+                                            "cat\n"
+                                            "[ \"$(cut -d' ' -f5 /proc/$$/stat)\" = $$ ] && echo own group\n"
+                                            "grep -E 'Sig(Blk|Ign)' /proc/self/status\n"
+                                            "[ -e /proc/$$/fd/77 ] || echo no descriptor\n");
+    ASSERT_EQ(dup2(STDERR_FILENO, 77), 77);
+    const auto before = std::signal(SIGTERM, SIG_IGN);
+    const SessionProbe run(R"(-i "a  'b'" "" c\d $HOME *)", Tool::ffprobe);
+    EXPECT_EQ(run.wait(), 0);
+    std::signal(SIGTERM, before);
+    close(77);
+    EXPECT_EQ(run.output(), "[-i][a  'b'][][c\\d][$HOME][*]own group\n"
+                            "SigBlk:\t0000000000000000\nSigIgn:\t0000000000000000\nno descriptor\n");
+}
+
+TEST(FFmpegKitTest, LinesOfTheLog) {
+    const FakeProgram fake(ffmpegVariable, "printf 'one\\ntwo\\rthree\\n\\n\\r\\nfour' >&2\necho out\n"
+                                           "head -c 200000 /dev/zero | tr '\\0' x >&2\n");
+    const SessionProbe run("");
+    ASSERT_EQ(run.wait(), 0);
+    const auto lines = run.lines();
+    ASSERT_EQ(lines.size(), 7U);
+    EXPECT_THAT(std::vector(lines.begin(), lines.begin() + 3), ElementsAre("one", "two", "three"));
+    std::size_t length = 0;
+    for (std::size_t line = 3; line < lines.size(); ++line) {
+        EXPECT_LE(lines[line].size(), 65536U);
+        length += lines[line].size();
+    }
+    EXPECT_EQ(length, 200004U);
+}
+
+TEST(FFmpegKitTest, CallbacksOfOneSessionAndOfTheProcess) {
+    std::atomic<int> lines = 0;
+    std::mutex mutex;
+    std::vector<Statistics> own;
+    std::vector<Statistics> shared;
+    FFmpegKitConfig::setLogLevel("info");
+    FFmpegKitConfig::enableLogCallback([&](const Log& log) { lines += log.getSessionId() > 0 ? 1 : 0; });
+    FFmpegKitConfig::enableStatisticsCallback([&](const Statistics& statistics) {
+        const std::lock_guard lock(mutex);
+        shared.push_back(statistics);
+    });
+    const std::string command = "-f lavfi -i testsrc2=size=64x64:rate=25:duration=4 -f null -";
+    const SessionProbe run(command, Tool::ffmpeg, [&](const Statistics& statistics) {
+        const std::lock_guard lock(mutex);
+        own.push_back(statistics);
+    });
+    EXPECT_EQ(run.wait(), 0);
+    FFmpegKitConfig::enableStatisticsCallback(nullptr);
+    FFmpegKitConfig::enableLogCallback(nullptr);
+    FFmpegKitConfig::setLogLevel("quiet");
+    ASSERT_FALSE(own.empty());
+    EXPECT_EQ(own.size(), shared.size());
+    EXPECT_EQ(own.back().sessionId, run.id());
+    EXPECT_EQ(own.back().frame, 100);
+    EXPECT_EQ(own.back().timeMillis, 4000);
+    EXPECT_GT(own.back().speed, 0);
+    EXPECT_EQ(run.lines().size(), static_cast<std::size_t>(lines));
+    EXPECT_GT(lines, 3);
+    EXPECT_THAT(run.lines(), testing::Each(testing::Not(testing::HasSubstr("ffmpeg version"))));
+
+    const SessionProbe quiet(command);
+    EXPECT_EQ(quiet.wait(), 0);
+    EXPECT_TRUE(quiet.lines().empty());
+    FFmpegKitConfig::setLogLevel(std::nullopt);
+}
+
+TEST(FFmpegKitTest, ProgressThatIsNoNumberIsTakenAsNotKnown) {
+    const FakeProgram fake(
+        ffmpegVariable,
+        "printf 'frame=\\nout_time_us=N/A\\nspeed=N/A\\nprogress=continue\\n"
+        "frame= 7\\nnonsense\\n=\\nout_time_us=-1500\\nspeed=  2.5x\\nprogress=end\\n' >&3\n");
+    std::mutex mutex;
+    std::vector<Statistics> seen;
+    const SessionProbe run("", Tool::ffmpeg, [&](const Statistics& statistics) {
+        const std::lock_guard lock(mutex);
+        seen.push_back(statistics);
+    });
+    ASSERT_EQ(run.wait(), 0);
+    ASSERT_EQ(seen.size(), 2U);
+    EXPECT_EQ(seen[0].frame, 0);
+    EXPECT_EQ(seen[0].timeMillis, 0);
+    EXPECT_EQ(seen[0].speed, 0);
+    EXPECT_EQ(seen[1].frame, 7);
+    EXPECT_EQ(seen[1].timeMillis, -1);
+    EXPECT_EQ(seen[1].speed, 2.5);
+}
+
+TEST(FFmpegKitTest, EndlessOutputIsDrainedAndNotKept) {
+    constexpr std::size_t megabyte = 1U << 20U;
+    const std::string script =
+        "head -c 300M /dev/zero & head -c 100M /dev/zero >&2 & head -c 50M /dev/zero >&3\nwait\n";
+    const FakeProgram ffmpeg(ffmpegVariable, script);
+    const FakeProgram ffprobe(ffprobeVariable, script);
+    std::atomic<std::size_t> logged = 0;
+    std::atomic<bool> ended = false;
+    resetPeakMemory();
+    const std::size_t before = peakMemory();
+    const auto session = FFmpegKit::executeAsync(
+        "", [&](const std::shared_ptr<Session>&) { ended = true; },
+        [&](const Log& log) { logged += log.getMessage().size(); }, nullptr);
+    ASSERT_TRUE(eventually([&] { return ended.load(); }));
+    EXPECT_EQ(session->getReturnCode()->getValue(), 0);
+    EXPECT_EQ(logged, 100 * megabyte);
+    if (memoryIsOurs) {
+        EXPECT_LT(peakMemory() - before, 16 * megabyte);
+    }
+    const SessionProbe probe("", Tool::ffprobe);
+    ASSERT_EQ(probe.wait(), 0);
+    EXPECT_GE(probe.output().size(), Session::outputLimit);
+    EXPECT_LT(probe.output().size(), Session::outputLimit + megabyte);
+}
+
+TEST(FFmpegKitTest, GrandchildThatKeepsThePipesOpenHoldsNothingUp) {
+    const FakeProgram fake(ffmpegVariable,
+                           "setsid sh -c 'echo $$ >&2; : >\"$0\"; exec sleep 600' \"$here/there\" &\n"
+                           "while [ ! -e \"$here/there\" ]; do sleep 0.01; done\nexit 4\n");
+    const SessionProbe run("");
+    EXPECT_EQ(run.wait(), 4);
+    ASSERT_EQ(run.lines().size(), 1U);
+    const pid_t grandchild = std::stoi(run.lines()[0]);
+    EXPECT_TRUE(isAlive(grandchild));
+    kill(grandchild, SIGKILL);
+}
+
+TEST(FFmpegKitTest, ManyAtOnceEndOnceEachAndLeaveNothing) {
+    const std::string clip = makeClip({});
+    // What is opened once for the process counts as there before.
+    probed(clip);
+    ASSERT_TRUE(eventually([] { return childrenOf(getpid()).empty(); }));
+    const std::size_t descriptors = openDescriptors();
+    std::atomic<int> good = 0;
+    std::atomic<int> failed = 0;
+    {
+        std::vector<std::jthread> threads;
+        for (int thread = 0; thread < 64; ++thread) {
+            threads.emplace_back([&] {
+                FFMPEGCommandExecutorImplementation executor;
+                const auto information = runBlocking(executor.getMediaInformation(URL::fromFilePath(clip)));
+                good += information.videos.size() == 1 && information.audios.size() == 1 ? 1 : 0;
+            });
+        }
+        for (int thread = 0; thread < 8; ++thread) {
+            threads.emplace_back([&, thread] {
+                FFMPEGCommandExecutorImplementation executor;
+                std::atomic<std::int64_t> id = 0;
+                const std::string input = thread % 2 == 0 ? clip : clip + ".missing";
+                try {
+                    runBlocking(executor.executeFFMPEGCommand("-v quiet -i " + input + " -f null -",
+                                                              [&](std::int64_t session) { id = session; }));
+                    good += id > 0 ? 1 : 0;
+                } catch (const PlatformError& error) {
+                    failed += error == PlatformError("COMPLETED", 1) ? 1 : 0;
+                }
+            });
+        }
+    }
+    EXPECT_EQ(good, 68);
+    EXPECT_EQ(failed, 4);
+    EXPECT_TRUE(eventually([] { return childrenOf(getpid()).empty(); }));
+    EXPECT_TRUE(eventually([&] { return openDescriptors() == descriptors; })) << openDescriptors();
+}
+
+TEST(FFmpegKitTest, WithoutDescriptorsARunFailsAndLaterOnesWork) {
+    const FakeProgram fake(ffmpegVariable, "exit 0");
+    ASSERT_EQ(SessionProbe("").wait(), 0);
+    const std::size_t before = openDescriptors();
+    std::vector<int> taken;
+    for (int made = 0; (made = open("/dev/null", O_RDONLY | O_CLOEXEC)) >= 0;) {
+        taken.push_back(made);
+    }
+    int successes = 0;
+    for (int freed = 0; freed < 16; ++freed) {
+        const int code = SessionProbe("").wait();
+        EXPECT_TRUE(code == ReturnCode::notStarted || code == 0) << freed << " " << code;
+        EXPECT_TRUE(freed > 0 || code == ReturnCode::notStarted);
+        successes += code == 0 ? 1 : 0;
+        close(taken.back());
+        taken.pop_back();
+    }
+    EXPECT_GT(successes, 0);
+    for (const int descriptor : taken) {
+        close(descriptor);
+    }
+    EXPECT_TRUE(eventually([&] { return openDescriptors() == before; }));
+    EXPECT_TRUE(eventually([] { return childrenOf(getpid()).empty(); }));
+}
+
+} // namespace
+} // namespace corvanta::test
