@@ -3,6 +3,7 @@
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/FFMPEGCommandExecutor.hpp>
 #include <platform/Task.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -193,19 +194,28 @@ Colour Frame::mean(const Region& region) const {
     return {sum.red / count, sum.green / count, sum.blue / count};
 }
 
-// PPM carries the size in front of the pixels: "P6\n{width} {height}\n255\n".
-Frame frameAt(const std::string& path, double seconds, int videoTrack) {
-    const std::string image = runTool("ffmpeg", {"-v", "error", "-ss", number(seconds), "-i", path, "-map",
-                                                 "0:v:" + std::to_string(videoTrack), "-frames:v", "1",
-                                                 "-c:v", "ppm", "-f", "image2pipe", "-"});
+// The size stands in front of the pixels: "P6\n{width} {height}\n255\n".
+Frame frameFromPPM(std::string_view images, std::size_t& offset) {
+    const std::string header(images.substr(std::min(offset, images.size()), 32));
     Frame frame;
-    int header = 0;
-    if (std::sscanf(image.c_str(), "P6 %d %d 255%n", &frame.width, &frame.height, &header) != 2 ||
-        header == 0) {
-        throw std::runtime_error(path + " has no frame at " + number(seconds) + " s");
+    int length = 0;
+    if (std::sscanf(header.c_str(), "P6 %d %d 255%n", &frame.width, &frame.height, &length) != 2 ||
+        length == 0) {
+        throw std::runtime_error("no frame");
     }
-    frame.rgb = image.substr(static_cast<std::size_t>(header) + 1);
+    offset += static_cast<std::size_t>(length) + 1;
+    const std::size_t size = static_cast<std::size_t>(frame.width * frame.height) * 3;
+    frame.rgb = images.substr(offset, size);
+    offset += size;
     return frame;
+}
+
+Frame frameAt(const std::string& path, double seconds, int videoTrack) {
+    std::size_t offset = 0;
+    return frameFromPPM(runTool("ffmpeg", {"-v", "error", "-ss", number(seconds), "-i", path, "-map",
+                                           "0:v:" + std::to_string(videoTrack), "-frames:v", "1", "-c:v",
+                                           "ppm", "-f", "image2pipe", "-"}),
+                        offset);
 }
 
 Colour meanColour(const std::string& path, double seconds, const Region& region, int videoTrack) {

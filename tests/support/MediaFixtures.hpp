@@ -105,6 +105,9 @@ struct Frame {
     Colour mean(const Region& region = {}) const;
 };
 
+/// Reads the PPM image at `offset`, which is moved behind it. Throws std::runtime_error if there is none.
+Frame frameFromPPM(std::string_view images, std::size_t& offset);
+
 /// The first frame at or after `seconds`. Throws std::runtime_error if there is none.
 Frame frameAt(const std::string& path, double seconds, int videoTrack = 0);
 

@@ -14,11 +14,15 @@ namespace corvanta {
 /// Writes the one command that joins files of any kind through a filter graph: pictures become MPEG-4, sound
 /// becomes AAC, 44100 Hz, stereo. Stateless, safe from any thread.
 ///
-/// Every file fills exactly its container's duration in every output track: what a stream is shorter than
-/// its container, or lacks altogether, is filled with black or silence behind it, so that the output tracks
-/// stay aligned. A stream that states no duration, as in Matroska files, counts as 0 long and is followed by
-/// a filler as long as its file. A stream that several tracks, or several places of one track, read is
-/// decoded once and buffered by ffmpeg, at the size of raw pictures.
+/// Every file fills its container's duration in every output track: what a stream is shorter than its
+/// container, or lacks altogether, is filled with black or silence behind it, so that the output tracks stay
+/// aligned. Nothing is cut: a sound that decodes longer than it states (AAC fills its last frame up, by 23 ms
+/// at most for 44100 Hz) moves the sounds behind it, over many files audibly. A picture may come one frame
+/// early or late where the rate is converted.
+///
+/// A stream that states no duration, as in Matroska files, counts as 0 long and is followed by a filler as
+/// long as its file. A stream that several tracks, or several places of one track, read is decoded once and
+/// buffered by ffmpeg, at the size of raw pictures.
 class FFMPEGMergeCommandGenerator {
   public:
     /// `width` and `height` are pixels; an absent one follows the inputs. Empty selections join the i-th

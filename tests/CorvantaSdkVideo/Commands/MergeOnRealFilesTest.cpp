@@ -1,0 +1,386 @@
+#include "CorvantaSdkVideo/Commands/MergeRun.hpp"
+#include "support/DecodedMedia.hpp"
+
+#include <platform/Errors.hpp>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace corvanta {
+namespace {
+
+using test::Clip;
+using test::Colour;
+using test::DecodedSound;
+using test::Frame;
+using test::makeClip;
+using test::MergeRun;
+using test::Picture;
+using test::Region;
+using test::Sound;
+using test::TemporaryDirectory;
+using test::TimedFrame;
+
+// One clip's place in the output.
+struct Segment {
+    std::string path;
+    CorvantaSdkVideoInformation info;
+    // Seconds.
+    double start;
+    double end;
+};
+
+double inSeconds(std::int64_t milliseconds) { return static_cast<double>(milliseconds) / 1000; }
+
+// How long a stream plays. One that states no duration plays as long as its file, and a filler of the same
+// length follows it.
+template <typename Stream>
+double playedSeconds(const Stream& stream, const CorvantaSdkVideoInformation& file) {
+    return inSeconds(stream.durationMillis > 0 ? stream.durationMillis : file.durationMillis);
+}
+
+bool statesDurations(const CorvantaSdkVideoInformation& file) {
+    const auto stated = [](const auto& stream) { return stream.durationMillis > 0; };
+    return std::ranges::all_of(file.videos, stated) && std::ranges::all_of(file.audios, stated);
+}
+
+// Mean colours of a picture's nine fields, without their borders, which scaling blurs.
+using Fields = std::array<Colour, 9>;
+
+Fields fieldsOf(const Frame& frame, const Region& picture) {
+    Fields fields;
+    for (std::size_t field = 0; field < fields.size(); ++field) {
+        const auto column = static_cast<double>(field % 3);
+        const auto row = static_cast<double>(field / 3);
+        const auto x = [&](double third) {
+            return picture.left + (picture.right - picture.left) * third / 3;
+        };
+        const auto y = [&](double third) { return picture.top + (picture.bottom - picture.top) * third / 3; };
+        fields[field] = frame.mean({x(column + 0.2), y(row + 0.2), x(column + 0.8), y(row + 0.8)});
+    }
+    return fields;
+}
+
+bool areNear(const Fields& left, const Fields& right) {
+    return std::ranges::equal(left, right, [](const Colour& a, const Colour& b) { return isNear(a, b, 30); });
+}
+
+const Fields black = {};
+
+// Where a picture of that shape is to stand in the output: as large as fits, in the middle.
+Region fitted(const Frame& picture, const Frame& output) {
+    const double aspect = static_cast<double>(picture.width) / picture.height;
+    const double outputAspect = static_cast<double>(output.width) / output.height;
+    const double width = std::min(1.0, aspect / outputAspect);
+    const double height = std::min(1.0, outputAspect / aspect);
+    return {(1 - width) / 2, (1 - height) / 2, (1 + width) / 2, (1 + height) / 2};
+}
+
+void expectBlackAround(const Frame& output, const Region& picture) {
+    const double left = picture.left - 0.03;
+    const double top = picture.top - 0.03;
+    if (left > 0) {
+        EXPECT_TRUE(isNear(output.mean({0, 0, left, 1}), {}, 4));
+        EXPECT_TRUE(isNear(output.mean({1 - left, 0, 1, 1}), {}, 4));
+    }
+    if (top > 0) {
+        EXPECT_TRUE(isNear(output.mean({0, 0, 1, top}), {}, 4));
+        EXPECT_TRUE(isNear(output.mean({0, 1 - top, 1, 1}), {}, 4));
+    }
+}
+
+const Frame& firstFrameOf(const std::string& path, std::size_t track) {
+    static std::map<std::pair<std::string, std::size_t>, Frame> frames;
+    const auto [place, isNew] = frames.try_emplace({path, track});
+    if (isNew) {
+        place->second = test::frameAt(path, 0, static_cast<int>(track));
+    }
+    return place->second;
+}
+
+const Frame& frameShownAt(const std::vector<TimedFrame>& frames, double seconds) {
+    const auto later = std::ranges::upper_bound(frames, seconds, {}, &TimedFrame::time);
+    return later == frames.begin() ? frames.front().frame : std::prev(later)->frame;
+}
+
+// Checks the picture of one output track in each segment; gives when each picture appears.
+std::vector<std::optional<double>> checkPictures(const std::string& output, std::size_t track,
+                                                 const std::vector<Segment>& segments) {
+    const std::vector<TimedFrame> frames = test::decodedVideo(output, static_cast<int>(track));
+    std::vector<std::optional<double>> onsets;
+    for (const Segment& segment : segments) {
+        SCOPED_TRACE("picture of " + segment.path);
+        double shown = 0;
+        onsets.emplace_back();
+        if (track < segment.info.videos.size()) {
+            shown = playedSeconds(segment.info.videos[track], segment.info);
+            const Frame& source = firstFrameOf(segment.path, track);
+            const Fields expected = fieldsOf(source, {});
+            const Region place = fitted(source, frames.front().frame);
+            const Frame& middle = frameShownAt(frames, segment.start + shown / 2);
+            EXPECT_TRUE(areNear(fieldsOf(middle, place), expected));
+            expectBlackAround(middle, place);
+            const auto first = std::ranges::find_if(frames, [&](const TimedFrame& frame) {
+                return frame.time > segment.start - 0.3 && areNear(fieldsOf(frame.frame, place), expected);
+            });
+            onsets.back() = first != frames.end() ? std::optional(first->time) : std::nullopt;
+        }
+        if (segment.start + shown < segment.end - 0.1) {
+            const Frame& rest = frameShownAt(frames, (segment.start + shown + segment.end) / 2);
+            EXPECT_TRUE(areNear(fieldsOf(rest, {}), black));
+        }
+    }
+    return onsets;
+}
+
+// The same for sound; each clip's track has a tone of its own.
+std::vector<std::optional<double>> checkSounds(const std::string& output, std::size_t track,
+                                               const std::vector<Segment>& segments,
+                                               const std::vector<Clip>& clips) {
+    const DecodedSound sound = test::decodedSound(output, static_cast<int>(track));
+    std::vector<std::optional<double>> onsets;
+    for (std::size_t position = 0; position < segments.size(); ++position) {
+        const Segment& segment = segments[position];
+        SCOPED_TRACE("sound of " + segment.path);
+        double heard = 0;
+        onsets.emplace_back();
+        if (track < segment.info.audios.size()) {
+            heard = playedSeconds(segment.info.audios[track], segment.info);
+            const double frequency = clips[position].sounds[track].frequency;
+            const double level = sound.amplitude(frequency, segment.start + heard / 2);
+            EXPECT_GT(level, 1000);
+            onsets.back() = sound.onset(frequency, std::max(0.0, segment.start - 0.3), level);
+        }
+        if (segment.start + heard < segment.end - 0.1) {
+            EXPECT_LT(sound.peak((segment.start + heard + segment.end) / 2), 50);
+        }
+    }
+    return onsets;
+}
+
+struct Case {
+    std::string name;
+    std::vector<Clip> clips;
+    CorvantaSdkVideoFrameRate rate = CorvantaSdkVideoFrameRate::thirtyFps;
+    std::optional<double> width = {};
+    std::optional<double> height = {};
+    bool convertsRates = false;
+};
+
+void check(const Case& merge) {
+    SCOPED_TRACE(merge.name);
+    const TemporaryDirectory directory;
+    const std::string output = directory.file("out.mp4");
+    MergeRun run{.files = {}, .rate = merge.rate, .width = merge.width, .height = merge.height};
+    std::vector<Segment> segments;
+    double total = 0;
+    std::size_t videoTracks = 0;
+    std::size_t audioTracks = 0;
+    for (const Clip& clip : merge.clips) {
+        const std::string path = makeClip(clip);
+        const CorvantaSdkVideoInformation info = test::probed(path);
+        const double length = inSeconds(info.durationMillis) * (statesDurations(info) ? 1 : 2);
+        run.files.push_back(info);
+        segments.push_back({path, info, total, total + length});
+        total += length;
+        videoTracks = std::max(videoTracks, info.videos.size());
+        audioTracks = std::max(audioTracks, info.audios.size());
+    }
+    const CorvantaSdkVideoInformation merged = run.into(output);
+
+    // Probed durations are cut to milliseconds.
+    const double frame = 1 / std::stod(std::string(merge.rate.rawValue()));
+    const double tolerance = frame + 0.001;
+    ASSERT_EQ(merged.videos.size(), videoTracks);
+    ASSERT_EQ(merged.audios.size(), audioTracks);
+    EXPECT_NEAR(inSeconds(merged.durationMillis), total, tolerance);
+    for (const auto& track : merged.videos) {
+        EXPECT_EQ(track.frameRate, std::string(merge.rate.rawValue()) + "/1");
+        EXPECT_NEAR(inSeconds(track.durationMillis), total, tolerance);
+    }
+    for (const auto& track : merged.audios) {
+        EXPECT_NEAR(inSeconds(track.durationMillis), total, tolerance);
+    }
+    std::vector<std::vector<std::optional<double>>> onsets;
+    for (std::size_t track = 0; track < videoTracks; ++track) {
+        onsets.push_back(checkPictures(output, track, segments));
+    }
+    for (std::size_t track = 0; track < audioTracks; ++track) {
+        onsets.push_back(checkSounds(output, track, segments, merge.clips));
+    }
+    // Where ffmpeg converts rates, a picture may come one frame early or late.
+    const double spread = std::max(0.04, merge.convertsRates ? frame + 0.015 : 0);
+    for (std::size_t position = 0; position < segments.size(); ++position) {
+        double earliest = segments[position].start;
+        double latest = earliest;
+        for (const auto& track : onsets) {
+            earliest = std::min(earliest, track[position].value_or(earliest));
+            latest = std::max(latest, track[position].value_or(latest));
+        }
+        EXPECT_LE(latest - earliest, spread) << "clip " << position;
+    }
+}
+
+const std::string otherCodec = "-c:v mpeg4 -q:v 3 -bf 0 -g 30 -c:a aac";
+
+// Clips that no frame and no sample of which can be taken for another's.
+Clip bars(double frequency) {
+    return {.pictures = {{.source = "smptebars"}}, .sounds = {{.frequency = frequency}}};
+}
+Clip blue(double frequency) {
+    return {.pictures = {{.source = "color=c=blue"}}, .sounds = {{.frequency = frequency}}};
+}
+Clip shades(double frequency) {
+    return {.pictures = {{.source = "rgbtestsrc"}}, .sounds = {{.frequency = frequency}}};
+}
+
+Clip with(Clip clip, int width, int height, const std::string& rate = "30") {
+    clip.pictures.front().width = width;
+    clip.pictures.front().height = height;
+    clip.pictures.front().rate = rate;
+    return clip;
+}
+Clip turned(Clip clip, int rotation) {
+    clip.rotation = rotation;
+    return clip;
+}
+Clip silent(Clip clip) {
+    clip.sounds.clear();
+    return clip;
+}
+Clip blind(Clip clip) {
+    clip.pictures.clear();
+    clip.container = "m4a";
+    return clip;
+}
+Clip sounding(Clip clip, int sampleRate, const std::string& layout) {
+    clip.sounds.front().sampleRate = sampleRate;
+    clip.sounds.front().layout = layout;
+    return clip;
+}
+Clip in(Clip clip, const std::string& container, const std::string& codecs = otherCodec) {
+    clip.container = container;
+    clip.codecs = codecs;
+    return clip;
+}
+
+using Rate = CorvantaSdkVideoFrameRate;
+
+std::vector<Case> cases() {
+    const std::string bFrames = "-c:v libx264 -bf 3 -g 30 -pix_fmt yuv420p -c:a aac";
+    const std::string dropsFrames =
+        "-vf select=lt(mod(n\\,7)\\,4) -vsync vfr -c:v libx264 -bf 0 -g 30 -pix_fmt yuv420p -c:a aac";
+    std::vector<Case> all = {
+        {"landscape with portrait",
+         {with(bars(400), 320, 240), with(shades(700), 120, 320), with(blue(1000), 320, 140)}},
+        {"an own size", {with(bars(400), 320, 240), with(shades(700), 120, 320)}, Rate::thirtyFps, 200, 120},
+        {"a width alone", {with(bars(400), 320, 240), with(shades(700), 160, 320)}, Rate::thirtyFps, 160},
+        {"phone clips",
+         {with(turned(bars(400), -90), 320, 240), with(turned(shades(700), 90), 320, 180),
+          with(turned(bars(1000), 180), 320, 240)}},
+        {"silent files", {silent(bars(0)), shades(700), silent(bars(0))}},
+        {"sound alone", {blind(bars(400)), shades(700), blind(bars(1000))}},
+        {"nothing but sound", {blind(bars(400)), blind(bars(700))}},
+        {"nothing but pictures", {silent(bars(0)), silent(blue(0))}},
+        {"two languages",
+         {{.pictures = {{.source = "smptebars"}},
+           .sounds = {{.frequency = 400, .language = "fra"}, {.frequency = 700, .language = "deu"}}},
+          blue(1000)}},
+        {"two pictures",
+         {{.pictures = {{.source = "smptebars"}, {.source = "rgbtestsrc", .width = 64, .height = 96}}},
+          blue(1000)}},
+        {"mov and mp4", {bars(400), in(blue(700), "mov"), in(shades(1000), "mp4")}},
+        {"mkv and webm, which state no durations",
+         {in(bars(400), "mkv", bFrames), blue(700),
+          in(shades(1000), "webm", "-c:v libvpx -deadline realtime -pix_fmt yuv420p -c:a libvorbis")}},
+        {"odd sizes",
+         {with(in(bars(400), "mp4"), 161, 121), with(in(blue(700), "mov"), 99, 75), shades(1000)},
+         Rate::thirtyFps,
+         320,
+         240},
+        {"7.1 and mono, 48 and 44.1 kHz",
+         {sounding(bars(400), 48000, "7.1"), sounding(blue(700), 44100, "mono"), shades(1000)}},
+        {"a variable rate", {in(bars(400), "mp4", dropsFrames), blue(700)}},
+        {"B-frames", {in(bars(400), "mp4", bFrames), in(blue(700), "mp4", bFrames)}},
+        {"a file listed twice", {bars(400), blue(700), bars(400)}},
+        {"short streams",
+         {{.pictures = {{.source = "smptebars", .seconds = 0.6}}, .sounds = {{.frequency = 400}}},
+          {.pictures = {{.source = "color=c=blue"}}, .sounds = {{.frequency = 700, .seconds = 0.5}}},
+          shades(1000)},
+         Rate::thirtyFps,
+         {},
+         {},
+         true},
+    };
+    const std::vector<Clip> slow = {with(bars(400), 160, 120, "24"), with(blue(700), 160, 120, "25"),
+                                    with(shades(1000), 160, 120, "30000/1001")};
+    const std::vector<Clip> fast = {with(bars(1300), 160, 120, "60"), with(blue(1600), 160, 120, "50"),
+                                    with(shades(1900), 160, 120, "30")};
+    for (const Rate rate :
+         {Rate::twentyFourFps, Rate::twentyFiveFps, Rate::thirtyFps, Rate::fiftyFps, Rate::sixtyFps}) {
+        for (const auto& clips : {slow, fast}) {
+            all.push_back({"rates to " + std::string(rate.rawValue()), clips, rate, {}, {}, true});
+        }
+    }
+    return all;
+}
+
+TEST(MergeOnRealFiles, KeepsEveryClipInItsPlace) {
+    for (const Case& merge : cases()) {
+        check(merge);
+    }
+}
+
+TEST(MergeOnRealFiles, FollowsASelection) {
+    const TemporaryDirectory directory;
+    const std::string output = directory.file("out.mp4");
+    const Clip rich{.pictures = {{.source = "smptebars"}, {.source = "color=c=blue"}},
+                    .sounds = {{.frequency = 400}, {.frequency = 700}}};
+    const MergeRun run{.files = {test::probed(makeClip(rich)), test::probed(makeClip(shades(1000)))},
+                       .width = 96,
+                       .videoTracks = {{{{1, 0}, {0, 1}}, 160, {}}, {{{0, 0}, {9, 0}, {1, 5}}, {}, 64}},
+                       .audioTracks = {{{{0, 3}, {1, 1}}}, {{{7, 1}}}}};
+    const CorvantaSdkVideoInformation merged = run.into(output);
+    ASSERT_EQ(merged.videos.size(), 2U);
+    ASSERT_EQ(merged.audios.size(), 1U);
+    EXPECT_EQ(std::pair(merged.videos[0].width, merged.videos[0].height), std::pair(160L, 120L));
+    EXPECT_EQ(std::pair(merged.videos[1].width, merged.videos[1].height), std::pair(96L, 64L));
+    EXPECT_NEAR(inSeconds(merged.durationMillis), 2, 0.034);
+    EXPECT_TRUE(areNear(fieldsOf(test::frameAt(output, 0.5), {}),
+                        fieldsOf(test::frameAt(makeClip(shades(1000)), 0), {})));
+    EXPECT_TRUE(isNear(test::meanColour(output, 1.5), {0, 0, 254}));
+    EXPECT_FALSE(areNear(fieldsOf(test::frameAt(output, 0.5, 1), {}), black));
+    EXPECT_TRUE(areNear(fieldsOf(test::frameAt(output, 1.5, 1), {}), black));
+    const DecodedSound sound = test::decodedSound(output);
+    EXPECT_GT(sound.amplitude(700, 0.5), 1000);
+    EXPECT_GT(sound.amplitude(1000, 1.5), 1000);
+}
+
+TEST(MergeOnRealFiles, PassesOnWhatFFmpegRefuses) {
+    const TemporaryDirectory directory;
+    const auto clip = test::probed(makeClip(bars(400)));
+    const auto blindClip = test::probed(makeClip(blind(bars(400))));
+    const std::vector<std::pair<std::string, MergeRun>> refused = {
+        {"an unknown rate", {.files = {clip, clip}, .rate = Rate::unknown}},
+        {"no size", {.files = {blindClip}, .videoTracks = {{{{0, 0}}, {}, {}}}}},
+        {"an odd side", {.files = {clip}, .width = 161, .height = 161}},
+        {"no tracks", {.files = {}}},
+    };
+    for (const auto& [name, run] : refused) {
+        SCOPED_TRACE(name);
+        EXPECT_THAT([&] { run.into(directory.file("out.mp4")); },
+                    testing::Throws<PlatformError>(PlatformError("COMPLETED", 1)));
+    }
+}
+
+} // namespace
+} // namespace corvanta
