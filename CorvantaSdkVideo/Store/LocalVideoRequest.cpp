@@ -2,6 +2,7 @@
 
 #include <boost/container_hash/hash.hpp>
 
+#include <algorithm>
 #include <array>
 
 namespace corvanta {
@@ -9,6 +10,18 @@ namespace corvanta {
 namespace {
 
 constexpr auto operationTypes = std::to_array<std::string_view>({"encode", "merge", "concat"});
+
+// Most URLs are plain file URLs, whose path stands in their text.
+std::string pathOf(const URL& url) {
+    constexpr std::string_view prefix = "file://";
+    const std::string_view text = url.absoluteString();
+    const auto needsParsing = [](char character) {
+        return character == '%' || character == '?' || character == '#';
+    };
+    const bool isPlain = text.starts_with("file:///") && !text.ends_with('/') &&
+                         std::none_of(text.begin(), text.end(), needsParsing);
+    return isPlain ? std::string(text.substr(prefix.size())) : url.path();
+}
 
 } // namespace
 
@@ -34,7 +47,7 @@ std::string_view LocalVideoRequest::rawValue(OperationType type) {
 }
 
 CorvantaSdkVideoFileDescriptor storedOutput(const URL& outputPath) {
-    std::string path = outputPath.path();
+    std::string path = pathOf(outputPath);
     const std::size_t nameStart = path.rfind('/') + 1;
     const std::size_t dot = path.rfind('.');
     // A name that begins with its only dot, or ends with one, has no extension.

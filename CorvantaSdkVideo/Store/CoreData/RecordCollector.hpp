@@ -4,6 +4,8 @@
 #include <CorvantaSdkVideo/Store/LocalVideoRequest.hpp>
 #include <platform/FileBookmark.hpp>
 
+#include <optional>
+#include <string_view>
 #include <vector>
 
 namespace corvanta {
@@ -20,7 +22,11 @@ class RecordCollector {
     std::vector<LocalVideoRequest> take() { return std::move(records_); }
 
   private:
+    std::optional<URL> readURL(std::string_view text);
+
     FileBookmarkResolver resolver_;
+    // Of the last URL that was parsed.
+    std::optional<URL> folder_;
     std::vector<LocalVideoRequest> records_;
     // Whether the last row has a record.
     bool isOpen_ = false;
