@@ -11,16 +11,25 @@ namespace {
 
 constexpr auto operationTypes = std::to_array<std::string_view>({"encode", "merge", "concat"});
 
-// Most URLs are plain file URLs, whose path stands in their text.
-std::string pathOf(const URL& url) {
-    constexpr std::string_view prefix = "file://";
+// The path of a URL, if it stands in its text as it is.
+std::optional<std::string_view> literalPath(const URL& url) {
     const std::string_view text = url.absoluteString();
-    const auto needsParsing = [](char character) {
+    const auto isSpecial = [](char character) {
         return character == '%' || character == '?' || character == '#';
     };
-    const bool isPlain = text.starts_with("file:///") && !text.ends_with('/') &&
-                         std::none_of(text.begin(), text.end(), needsParsing);
-    return isPlain ? std::string(text.substr(prefix.size())) : url.path();
+    if (!text.starts_with("file:///") || text.ends_with('/') ||
+        std::any_of(text.begin(), text.end(), isSpecial)) {
+        return std::nullopt;
+    }
+    return text.substr(std::string_view("file://").size());
+}
+
+std::string_view withoutExtension(std::string_view path) {
+    const std::size_t nameStart = path.rfind('/') + 1;
+    const std::size_t dot = path.rfind('.');
+    // A name that begins with its only dot, or ends with one, has no extension.
+    const bool hasExtension = dot != std::string_view::npos && dot > nameStart && dot + 1 < path.size();
+    return hasExtension ? path.substr(0, dot) : path;
 }
 
 } // namespace
@@ -47,14 +56,11 @@ std::string_view LocalVideoRequest::rawValue(OperationType type) {
 }
 
 CorvantaSdkVideoFileDescriptor storedOutput(const URL& outputPath) {
-    std::string path = pathOf(outputPath);
-    const std::size_t nameStart = path.rfind('/') + 1;
-    const std::size_t dot = path.rfind('.');
-    // A name that begins with its only dot, or ends with one, has no extension.
-    if (dot != std::string::npos && dot > nameStart && dot + 1 < path.size()) {
-        path.resize(dot);
+    if (const auto path = literalPath(outputPath)) {
+        return CorvantaSdkVideoFileDescriptor::custom(std::string(withoutExtension(*path)));
     }
-    return CorvantaSdkVideoFileDescriptor::custom(parseablePath(path));
+    const std::string path = outputPath.path();
+    return CorvantaSdkVideoFileDescriptor::custom(parseablePath(withoutExtension(path)));
 }
 
 } // namespace corvanta
