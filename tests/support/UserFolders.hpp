@@ -12,8 +12,8 @@ namespace corvanta::test {
 /// before it and one of them at a time: it sets environment variables.
 class UserFolders {
   public:
-    UserFolders() {
-        std::string name = (std::filesystem::temp_directory_path() / "corvanta-XXXXXX").string();
+    explicit UserFolders(const std::filesystem::path& base = std::filesystem::temp_directory_path()) {
+        std::string name = (base / "corvanta-XXXXXX").string();
         if (mkdtemp(name.data()) == nullptr) {
             throw std::runtime_error("No temporary folder: " + name);
         }
@@ -29,6 +29,11 @@ class UserFolders {
         unsetenv("XDG_CACHE_HOME");
         std::error_code ignored;
         std::filesystem::remove_all(root_, ignored);
+    }
+
+    /// A base whose files lie in memory, for tests that would wait long for a disk.
+    static std::filesystem::path memory() {
+        return std::filesystem::exists("/dev/shm") ? "/dev/shm" : std::filesystem::temp_directory_path();
     }
 
     /// An empty folder that is none of the module's.

@@ -31,6 +31,10 @@ std::optional<URL> RecordCollector::readURL(std::string_view text) {
         }
     } else {
         folder_ = URL::parse(folder);
+        // What follows a bare authority would belong to it.
+        if (folder_ && folder_->path().empty()) {
+            folder_.reset();
+        }
     }
     return URL::parse(text);
 }
