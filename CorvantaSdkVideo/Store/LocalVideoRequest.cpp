@@ -2,6 +2,7 @@
 
 #include <boost/container_hash/hash.hpp>
 
+#include <algorithm>
 #include <array>
 
 namespace corvanta {
@@ -9,6 +10,27 @@ namespace corvanta {
 namespace {
 
 constexpr auto operationTypes = std::to_array<std::string_view>({"encode", "merge", "concat"});
+
+// The path of a URL, if it stands in its text as it is.
+std::optional<std::string_view> literalPath(const URL& url) {
+    const std::string_view text = url.absoluteString();
+    const auto isSpecial = [](char character) {
+        return character == '%' || character == '?' || character == '#';
+    };
+    if (!text.starts_with("file:///") || text.ends_with('/') ||
+        std::any_of(text.begin(), text.end(), isSpecial)) {
+        return std::nullopt;
+    }
+    return text.substr(std::string_view("file://").size());
+}
+
+std::string_view withoutExtension(std::string_view path) {
+    const std::size_t nameStart = path.rfind('/') + 1;
+    const std::size_t dot = path.rfind('.');
+    // A name that begins with its only dot, or ends with one, has no extension.
+    const bool hasExtension = dot != std::string_view::npos && dot > nameStart && dot + 1 < path.size();
+    return hasExtension ? path.substr(0, dot) : path;
+}
 
 } // namespace
 
@@ -34,14 +56,11 @@ std::string_view LocalVideoRequest::rawValue(OperationType type) {
 }
 
 CorvantaSdkVideoFileDescriptor storedOutput(const URL& outputPath) {
-    std::string path = outputPath.path();
-    const std::size_t nameStart = path.rfind('/') + 1;
-    const std::size_t dot = path.rfind('.');
-    // A name that begins with its only dot, or ends with one, has no extension.
-    if (dot != std::string::npos && dot > nameStart && dot + 1 < path.size()) {
-        path.resize(dot);
+    if (const auto path = literalPath(outputPath)) {
+        return CorvantaSdkVideoFileDescriptor::custom(std::string(withoutExtension(*path)));
     }
-    return CorvantaSdkVideoFileDescriptor::custom(parseablePath(path));
+    const std::string path = outputPath.path();
+    return CorvantaSdkVideoFileDescriptor::custom(parseablePath(withoutExtension(path)));
 }
 
 } // namespace corvanta

@@ -10,7 +10,7 @@
 #include <map>
 #include <memory>
 
-namespace corvanta::testing {
+namespace corvanta::test {
 
 /// A `VideoStore` without a file. Paths come back as inserted: it makes no bookmarks.
 class InMemoryVideoStore : public VideoStore {
@@ -159,4 +159,4 @@ class InMemoryVideoStore : public VideoStore {
     std::shared_ptr<Table> table_ = std::make_shared<Table>();
 };
 
-} // namespace corvanta::testing
+} // namespace corvanta::test

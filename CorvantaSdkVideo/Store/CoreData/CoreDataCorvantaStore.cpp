@@ -4,7 +4,6 @@
 #include <CorvantaSdkVideo/Store/ChangeStreams.hpp>
 #include <CorvantaSdkVideo/Store/CoreData/ManagedObjectContext.hpp>
 #include <CorvantaSdkVideo/Store/CoreData/ManagedVideoRequest.hpp>
-#include <CorvantaSdkVideo/Store/CoreData/RecordConversion.hpp>
 
 #include <filesystem>
 
@@ -16,7 +15,7 @@ using List = std::vector<LocalVideoRequest>;
 
 List retrieveRequests(ManagedObjectContext& context) {
     try {
-        return makeRecords(ManagedVideoRequest::findAll(context));
+        return ManagedVideoRequest::findAll(context);
     } catch (const SQLite::Exception&) {
         return {};
     }
@@ -24,18 +23,18 @@ List retrieveRequests(ManagedObjectContext& context) {
 
 List retrieveRequests(CorvantaSdkVideoRequestStatus withStatus, ManagedObjectContext& context) {
     try {
-        return makeRecords(ManagedVideoRequest::findBy(withStatus, context));
+        return ManagedVideoRequest::findBy(withStatus, context);
     } catch (const SQLite::Exception&) {
         return {};
     }
 }
 
 RowKey fetchManagedUpload(const UUID& byId, ManagedObjectContext& context) {
-    const auto row = ManagedVideoRequest::getRequestBy(byId, context);
-    if (!row) {
+    const auto key = ManagedVideoRequest::keyOf(byId, context);
+    if (!key) {
         throw CoreDataCorvantaStore::Error(CoreDataCorvantaStore::Error::uploadNotFound);
     }
-    return row->primaryKey;
+    return *key;
 }
 
 // Absolute, since SQLite takes an empty name and some special ones for databases in memory.
@@ -85,7 +84,8 @@ void CoreDataCorvantaStore::insert(const LocalVideoRequest& request) {
 void CoreDataCorvantaStore::updateRequest(const UUID& withId, const UpdateRequestData& data) {
     Logger::addLog(Event::updateRequest, EventMessage::updateRequest(withId));
     context_->performSync([&] {
-        if (ManagedVideoRequest::update(withId, data, *context_)) {
+        if (const auto key = ManagedVideoRequest::keyOf(withId, *context_)) {
+            ManagedVideoRequest::update(*key, data, *context_);
             context_->save();
         }
     });
@@ -93,7 +93,8 @@ void CoreDataCorvantaStore::updateRequest(const UUID& withId, const UpdateReques
 
 void CoreDataCorvantaStore::deleteRequest(const UUID& withId) {
     context_->performSync([&] {
-        if (ManagedVideoRequest::remove(withId, *context_)) {
+        if (const auto key = ManagedVideoRequest::keyOf(withId, *context_)) {
+            ManagedVideoRequest::remove(*key, *context_);
             context_->save();
         }
     });
@@ -101,13 +102,11 @@ void CoreDataCorvantaStore::deleteRequest(const UUID& withId) {
 
 std::optional<LocalVideoRequest> CoreDataCorvantaStore::getRequest(const UUID& withId) {
     Logger::addLog(Event::getRequestById, EventMessage::getRequestBy(withId));
-    return makeRecord(
-        context_->performSync([&] { return ManagedVideoRequest::getRequestBy(withId, *context_); }));
+    return context_->performSync([&] { return ManagedVideoRequest::getRequestBy(withId, *context_); });
 }
 
 List CoreDataCorvantaStore::getRequests(LocalVideoRequest::Status withStatus) {
-    return makeRecords(
-        context_->performSync([&] { return ManagedVideoRequest::getRequestsBy(withStatus, *context_); }));
+    return context_->performSync([&] { return ManagedVideoRequest::getRequestsBy(withStatus, *context_); });
 }
 
 void CoreDataCorvantaStore::resetPendingRequests() noexcept {
@@ -125,7 +124,7 @@ void CoreDataCorvantaStore::resetPendingRequests() noexcept {
 Stream<LocalVideoRequest> CoreDataCorvantaStore::streamVideo(const UUID& with) {
     const RowKey key = context_->performSync([&] { return fetchManagedUpload(with, *context_); });
     return streamRow(context_, key, [context = context_.get(), key] {
-        return makeRecord(ManagedVideoRequest::getRequestBy(key, *context));
+        return ManagedVideoRequest::getRequestBy(key, *context);
     });
 }
 

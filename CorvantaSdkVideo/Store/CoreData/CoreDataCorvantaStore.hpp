@@ -59,6 +59,8 @@ class CoreDataCorvantaStore : public VideoStore {
     /// Opens the store, making the file, but not its folder, if it isn't there. Throws
     /// `failedToLoadPersistentContainer`.
     explicit CoreDataCorvantaStore(const URL& storeURL);
+    CoreDataCorvantaStore(const CoreDataCorvantaStore&) = delete;
+    CoreDataCorvantaStore& operator=(const CoreDataCorvantaStore&) = delete;
     /// Streams that are still held keep the file open.
     ~CoreDataCorvantaStore() override;
 

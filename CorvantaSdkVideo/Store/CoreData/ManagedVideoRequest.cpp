@@ -1,5 +1,6 @@
 #include <CorvantaSdkVideo/Store/CoreData/ManagedVideoRequest.hpp>
 
+#include <CorvantaSdkVideo/Store/CoreData/RecordCollector.hpp>
 #include <platform/Errors.hpp>
 #include <platform/FileBookmark.hpp>
 
@@ -47,8 +48,13 @@ void bindBytes(SQLite::Statement& statement, int place, const std::optional<std:
     }
 }
 
-std::optional<std::string> optionalText(const SQLite::Column& column) {
-    return column.isNull() ? std::nullopt : std::optional(column.getString());
+std::string_view bytes(const SQLite::Column& column) {
+    const auto* start = static_cast<const char*>(column.getBlob());
+    return {start, static_cast<std::size_t>(column.getBytes())};
+}
+
+std::optional<std::string_view> optionalBytes(const SQLite::Column& column) {
+    return column.isNull() ? std::nullopt : std::optional(bytes(column));
 }
 
 // The requests that fit `predicate`, which has at most one parameter, each with its input files.
@@ -59,66 +65,67 @@ std::string joinedQuery(const std::string& predicate) {
            predicate + R"( ORDER BY r.primaryKey, f."index")";
 }
 
-std::vector<ManagedVideoRequest> readRows(SQLite::Statement& joined) {
-    std::vector<ManagedVideoRequest> rows;
+std::vector<LocalVideoRequest> readRecords(SQLite::Statement& joined) {
+    RecordCollector records;
+    std::optional<RowKey> last;
     while (joined.executeStep()) {
         const RowKey key = joined.getColumn(0).getInt64();
-        if (rows.empty() || rows.back().primaryKey != key) {
-            rows.push_back({key,
-                            joined.getColumn(1).getString(),
-                            joined.getColumn(2).getInt64(),
-                            joined.getColumn(3).getString(),
-                            optionalText(joined.getColumn(4)),
-                            joined.getColumn(5).getString(),
-                            optionalText(joined.getColumn(6)),
-                            optionalText(joined.getColumn(7)),
-                            optionalText(joined.getColumn(8)),
-                            joined.getColumn(9).getInt64(),
-                            joined.getColumn(10).getInt64(),
-                            {}});
+        if (key != last) {
+            last = key;
+            records.add(ManagedVideoRequest{bytes(joined.getColumn(1)), joined.getColumn(2).getInt64(),
+                                            bytes(joined.getColumn(3)), optionalBytes(joined.getColumn(4)),
+                                            bytes(joined.getColumn(5)), optionalBytes(joined.getColumn(6)),
+                                            optionalBytes(joined.getColumn(7)),
+                                            optionalBytes(joined.getColumn(8)),
+                                            joined.getColumn(9).getInt64(), joined.getColumn(10).getInt64()});
         }
         if (const SQLite::Column index = joined.getColumn(11); !index.isNull()) {
-            rows.back().inputFiles.push_back(
-                {joined.getColumn(12).getString(), index.getInt64(), optionalText(joined.getColumn(13))});
+            records.add(ManagedVideoRequestInputFile{bytes(joined.getColumn(12)), index.getInt64(),
+                                                     optionalBytes(joined.getColumn(13))});
         }
     }
-    return rows;
+    return records.take();
 }
 
 template <typename... Parameter>
-std::vector<ManagedVideoRequest> fetchRows(ManagedObjectContext& context, const std::string& sql,
-                                           const Parameter&... parameter) {
+std::vector<LocalVideoRequest> fetchRecords(ManagedObjectContext& context, const std::string& sql,
+                                            const Parameter&... parameter) {
     return context.fetch([&] {
         StatementUse joined(context.statement(sql));
         (joined->bind(1, parameter), ...);
-        return readRows(*joined);
+        return readRecords(*joined);
     });
 }
 
-std::optional<ManagedVideoRequest> first(std::vector<ManagedVideoRequest> rows) {
-    return rows.empty() ? std::nullopt : std::optional(std::move(rows.front()));
+std::optional<LocalVideoRequest> first(std::vector<LocalVideoRequest> records) {
+    return records.empty() ? std::nullopt : std::optional(std::move(records.front()));
 }
 
-std::vector<ManagedVideoRequest> findByStatus(int rawValue, ManagedObjectContext& context) {
+std::vector<LocalVideoRequest> findByStatus(int rawValue, ManagedObjectContext& context) {
     static const std::string sql = joinedQuery("WHERE r.status = ?");
-    return fetchRows(context, sql, rawValue);
+    return fetchRecords(context, sql, rawValue);
 }
 
-std::optional<RowKey> keyOf(const UUID& id, ManagedObjectContext& context) {
-    static const std::string sql =
-        "SELECT primaryKey FROM ManagedVideoRequest WHERE id = ? ORDER BY primaryKey LIMIT 1";
-    try {
-        return context.fetch([&]() -> std::optional<RowKey> {
-            StatementUse lookup(context.statement(sql));
-            lookup->bind(1, uuidString(id));
-            return lookup->executeStep() ? std::optional(lookup->getColumn(0).getInt64()) : std::nullopt;
-        });
-    } catch (const SQLite::Exception&) {
-        return std::nullopt;
-    }
-}
+// A request to be inserted, in its stored form.
+struct NewRow {
+    struct InputFile {
+        std::string path;
+        std::optional<std::string> pathBookmark;
+    };
 
-void insertRow(const ManagedVideoRequest& row, ManagedObjectContext& context) {
+    RowKey primaryKey;
+    std::string id;
+    std::int64_t status;
+    std::string outputPath;
+    std::optional<std::string> outputBookmark;
+    std::string type;
+    std::optional<std::string> rawData;
+    std::int64_t createdAt;
+    std::int64_t updatedAt;
+    std::vector<InputFile> inputFiles;
+};
+
+void insertRow(const NewRow& row, ManagedObjectContext& context) {
     static const std::string insertRequest =
         R"(INSERT INTO ManagedVideoRequest (primaryKey, id, status, outputPath, outputBookmark, type, rawData,
                                             createdAt, updatedAt) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?))";
@@ -136,10 +143,11 @@ void insertRow(const ManagedVideoRequest& row, ManagedObjectContext& context) {
     request->bind(9, row.updatedAt);
     request->exec();
     SQLite::Statement& fileStatement = context.statement(insertFile);
-    for (const ManagedVideoRequestInputFile& input : row.inputFiles) {
+    std::int64_t index = 0;
+    for (const NewRow::InputFile& input : row.inputFiles) {
         StatementUse file(fileStatement);
         file->bind(1, row.primaryKey);
-        file->bind(2, input.index);
+        file->bind(2, index++);
         file->bind(3, input.path);
         bindBytes(*file, 4, input.pathBookmark);
         file->exec();
@@ -186,15 +194,14 @@ void addUpdate(NewValues values, ManagedObjectContext& context) {
 
 } // namespace
 
-std::optional<ManagedVideoRequest> ManagedVideoRequest::findBy(const UUID& id,
-                                                               ManagedObjectContext& context) {
+std::optional<LocalVideoRequest> ManagedVideoRequest::findBy(const UUID& id, ManagedObjectContext& context) {
     static const std::string sql =
         joinedQuery("WHERE r.primaryKey = (SELECT min(primaryKey) FROM ManagedVideoRequest WHERE id = ?)");
-    return first(fetchRows(context, sql, uuidString(id)));
+    return first(fetchRecords(context, sql, uuidString(id)));
 }
 
-std::optional<ManagedVideoRequest> ManagedVideoRequest::getRequestBy(const UUID& id,
-                                                                     ManagedObjectContext& context) {
+std::optional<LocalVideoRequest> ManagedVideoRequest::getRequestBy(const UUID& id,
+                                                                   ManagedObjectContext& context) {
     try {
         return findBy(id, context);
     } catch (const SQLite::Exception&) {
@@ -202,18 +209,18 @@ std::optional<ManagedVideoRequest> ManagedVideoRequest::getRequestBy(const UUID&
     }
 }
 
-std::optional<ManagedVideoRequest> ManagedVideoRequest::getRequestBy(RowKey key,
-                                                                     ManagedObjectContext& context) {
+std::optional<LocalVideoRequest> ManagedVideoRequest::getRequestBy(RowKey key,
+                                                                   ManagedObjectContext& context) {
     static const std::string sql = joinedQuery("WHERE r.primaryKey = ?");
     try {
-        return first(fetchRows(context, sql, key));
+        return first(fetchRecords(context, sql, key));
     } catch (const SQLite::Exception&) {
         return std::nullopt;
     }
 }
 
-std::vector<ManagedVideoRequest> ManagedVideoRequest::getRequestsBy(LocalVideoRequest::Status status,
-                                                                    ManagedObjectContext& context) {
+std::vector<LocalVideoRequest> ManagedVideoRequest::getRequestsBy(LocalVideoRequest::Status status,
+                                                                  ManagedObjectContext& context) {
     try {
         return findByStatus(static_cast<int>(status), context);
     } catch (const SQLite::Exception&) {
@@ -221,18 +228,32 @@ std::vector<ManagedVideoRequest> ManagedVideoRequest::getRequestsBy(LocalVideoRe
     }
 }
 
-std::vector<ManagedVideoRequest> ManagedVideoRequest::findBy(CorvantaSdkVideoRequestStatus status,
-                                                             ManagedObjectContext& context) {
+std::vector<LocalVideoRequest> ManagedVideoRequest::findBy(CorvantaSdkVideoRequestStatus status,
+                                                           ManagedObjectContext& context) {
     return findByStatus(static_cast<int>(status), context);
 }
 
-std::vector<ManagedVideoRequest> ManagedVideoRequest::findAll(ManagedObjectContext& context) {
+std::vector<LocalVideoRequest> ManagedVideoRequest::findAll(ManagedObjectContext& context) {
     static const std::string sql = joinedQuery("");
-    return fetchRows(context, sql);
+    return fetchRecords(context, sql);
+}
+
+std::optional<RowKey> ManagedVideoRequest::keyOf(const UUID& id, ManagedObjectContext& context) {
+    static const std::string sql =
+        "SELECT primaryKey FROM ManagedVideoRequest WHERE id = ? ORDER BY primaryKey LIMIT 1";
+    try {
+        return context.fetch([&]() -> std::optional<RowKey> {
+            StatementUse lookup(context.statement(sql));
+            lookup->bind(1, uuidString(id));
+            return lookup->executeStep() ? std::optional(lookup->getColumn(0).getInt64()) : std::nullopt;
+        });
+    } catch (const SQLite::Exception&) {
+        return std::nullopt;
+    }
 }
 
 void ManagedVideoRequest::insertUpload(ManagedObjectContext& context, const LocalVideoRequest& request) {
-    auto row = std::make_shared<ManagedVideoRequest>(ManagedVideoRequest{
+    auto row = std::make_shared<NewRow>(NewRow{
         context.makeKey(),
         uuidString(request.id),
         narrow(request.status),
@@ -240,8 +261,6 @@ void ManagedVideoRequest::insertUpload(ManagedObjectContext& context, const Loca
         makeFileBookmark(request.outputPath.path()),
         std::string(LocalVideoRequest::rawValue(request.type)),
         request.rawData,
-        std::nullopt,
-        std::nullopt,
         nanoseconds(request.createdAt),
         nanoseconds(request.updatedAt),
         {},
@@ -251,21 +270,14 @@ void ManagedVideoRequest::insertUpload(ManagedObjectContext& context, const Loca
            "A video request can't have 32,768 input files or more: their count doesn't fit 16 bits.");
     row->inputFiles.reserve(request.inputFiles.size());
     for (const LocalVideoRequestFile& file : request.inputFiles) {
-        row->inputFiles.push_back({file.path.absoluteString(),
-                                   static_cast<std::int64_t>(row->inputFiles.size()),
-                                   makeFileBookmark(file.path.path())});
+        row->inputFiles.push_back({file.path.absoluteString(), makeFileBookmark(file.path.path())});
     }
     context.add({[row](ManagedObjectContext& in) { insertRow(*row, in); }, std::nullopt});
 }
 
-bool ManagedVideoRequest::update(const UUID& id, const UpdateRequestData& data,
-                                 ManagedObjectContext& context) {
-    const auto key = keyOf(id, context);
-    if (!key) {
-        return false;
-    }
+void ManagedVideoRequest::update(RowKey key, const UpdateRequestData& data, ManagedObjectContext& context) {
     NewValues values{};
-    values.primaryKey = *key;
+    values.primaryKey = key;
     for (const UpdateRequestData::Field& field : data.fields) {
         switch (field.kind()) {
         case UpdateRequestData::Field::Case::error:
@@ -281,29 +293,33 @@ bool ManagedVideoRequest::update(const UUID& id, const UpdateRequestData& data,
     }
     values.updatedAt = nanoseconds(std::chrono::system_clock::now());
     addUpdate(std::move(values), context);
-    return true;
 }
 
-bool ManagedVideoRequest::remove(const UUID& id, ManagedObjectContext& context) {
+void ManagedVideoRequest::remove(RowKey key, ManagedObjectContext& context) {
     static const std::string sql = "DELETE FROM ManagedVideoRequest WHERE primaryKey = ?";
-    const auto key = keyOf(id, context);
-    if (!key) {
-        return false;
-    }
-    const auto removeRow = [key = *key](ManagedObjectContext& in) {
+    const auto removeRow = [key](ManagedObjectContext& in) {
         StatementUse removal(in.statement(sql));
         removal->bind(1, key);
         removal->exec();
     };
     context.add({removeRow, std::nullopt});
-    return true;
 }
 
 void ManagedVideoRequest::replaceStatus(LocalVideoRequest::Status status, LocalVideoRequest::Status by,
                                         ManagedObjectContext& context) {
-    for (const ManagedVideoRequest& row : getRequestsBy(status, context)) {
+    static const std::string sql = "SELECT primaryKey FROM ManagedVideoRequest WHERE status = ?";
+    const auto keys = context.fetch([&] {
+        StatementUse lookup(context.statement(sql));
+        lookup->bind(1, static_cast<int>(status));
+        std::vector<RowKey> found;
+        while (lookup->executeStep()) {
+            found.push_back(lookup->getColumn(0).getInt64());
+        }
+        return found;
+    });
+    for (const RowKey key : keys) {
         NewValues values{};
-        values.primaryKey = row.primaryKey;
+        values.primaryKey = key;
         values.status = narrow(by);
         addUpdate(std::move(values), context);
     }

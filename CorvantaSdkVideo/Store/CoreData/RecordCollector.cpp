@@ -1,0 +1,77 @@
+#include <CorvantaSdkVideo/Store/CoreData/RecordCollector.hpp>
+
+#include <chrono>
+#include <utility>
+
+namespace corvanta {
+
+namespace {
+
+LocalVideoRequest::Date date(std::int64_t nanoseconds) {
+    return LocalVideoRequest::Date(
+        std::chrono::duration_cast<LocalVideoRequest::Date::duration>(std::chrono::nanoseconds(nanoseconds)));
+}
+
+// The stored URL itself as long as the file is where it says: it may be written in another way.
+URL presentURL(URL stored, std::optional<std::string_view> bookmark, FileBookmarkResolver& resolver) {
+    const auto path = bookmark ? resolver.resolve(*bookmark) : std::nullopt;
+    return path && *path != stored.path() ? URL::fromFilePath(*path) : std::move(stored);
+}
+
+} // namespace
+
+// Lists are long and their files lie in few folders: most URLs are made of the last one's folder and a plain
+// name, which is many times faster than parsing.
+std::optional<URL> RecordCollector::readURL(std::string_view text) {
+    const std::string_view folder = text.substr(0, text.rfind('/') + 1);
+    if (folder_ && folder == folder_->absoluteString()) {
+        URL url = folder_->appendingPathComponent(text.substr(folder.size()));
+        if (url.absoluteString() == text) {
+            return url;
+        }
+    } else {
+        folder_ = URL::parse(folder);
+        // What follows a bare authority would belong to it.
+        if (folder_ && folder_->path().empty()) {
+            folder_.reset();
+        }
+    }
+    return URL::parse(text);
+}
+
+void RecordCollector::add(const ManagedVideoRequest& row) {
+    const auto status = LocalVideoRequest::statusWithRawValue(row.status);
+    const auto type = LocalVideoRequest::typeWithRawValue(row.type);
+    const auto id = parseUUID(row.id);
+    auto outputPath = readURL(row.outputPath);
+    isOpen_ = status && type && id && outputPath;
+    if (isOpen_) {
+        auto output = storedOutput(*outputPath);
+        records_.push_back({*id,
+                            *status,
+                            presentURL(std::move(*outputPath), row.outputBookmark, resolver_),
+                            std::move(output),
+                            *type,
+                            std::optional<std::string>(row.error),
+                            {},
+                            std::optional<std::string>(row.rawData),
+                            std::optional<std::string>(row.processId),
+                            date(row.createdAt),
+                            date(row.updatedAt)});
+    }
+}
+
+void RecordCollector::add(const ManagedVideoRequestInputFile& row) {
+    if (!isOpen_) {
+        return;
+    }
+    if (auto path = readURL(row.path)) {
+        records_.back().inputFiles.push_back(
+            {presentURL(std::move(*path), row.pathBookmark, resolver_), row.index});
+    } else {
+        records_.pop_back();
+        isOpen_ = false;
+    }
+}
+
+} // namespace corvanta

@@ -1,0 +1,223 @@
+#include "StoredRecords.hpp"
+
+#include <CorvantaSdkVideo/Store/CoreData/CoreDataCorvantaStore.hpp>
+#include <platform/Directories.hpp>
+
+#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Statement.h>
+#include <gmock/gmock.h>
+
+#include <support/UserFolders.hpp>
+
+#include <fstream>
+#include <functional>
+#include <iterator>
+
+namespace corvanta::test {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class CoreDataCorvantaStoreTest : public ::testing::Test {
+  protected:
+    CoreDataCorvantaStore open() { return CoreDataCorvantaStore(URL::fromFilePath(path)); }
+
+    // One row as text, the columns parted by "|".
+    std::vector<std::string> query(const std::string& sql) {
+        SQLite::Database database(path);
+        SQLite::Statement statement(database, sql);
+        std::vector<std::string> rows;
+        while (statement.executeStep()) {
+            std::string row;
+            for (int column = 0; column < statement.getColumnCount(); ++column) {
+                row += (column > 0 ? "|" : "") + statement.getColumn(column).getString();
+            }
+            rows.push_back(row);
+        }
+        return rows;
+    }
+    void execute(const std::string& sql) { SQLite::Database(path, SQLite::OPEN_READWRITE).exec(sql); }
+
+    UserFolders folders;
+    std::string path = folders.file("video-store.sqlite");
+};
+
+TEST_F(CoreDataCorvantaStoreTest, KeepsRequestsInTablesThatAPersonCanRead) {
+    LocalVideoRequest record = makeRecord(Status::processing);
+    record.id = parseUUID("ABCDEF01-2345-4678-9ABC-DEF012345678").value();
+    record.rawData = "{}";
+    record.outputPath = URL::fromFilePath("/videos/my film.mp4");
+    record.output = CorvantaSdkVideoFileDescriptor::custom("/videos/my film");
+    record.createdAt = LocalVideoRequest::Date(std::chrono::nanoseconds(1'700'000'000'123'456'789));
+    open().insert(record);
+    {
+        CoreDataCorvantaStore again = open();
+        EXPECT_EQ(again.getRequest(record.id), record);
+        again.updateRequest(record.id,
+                            {{Field::error("e"), Field::processId("7"), Field::status(Status::error)}});
+    }
+    EXPECT_THAT(
+        query("SELECT id, status, outputPath, outputBookmark, type, rawData, processId, error, createdAt,"
+              " datetime(createdAt / 1000000000, 'unixepoch') FROM ManagedVideoRequest"),
+        ElementsAre("abcdef01-2345-4678-9abc-def012345678|1|file:///videos/my%20film.mp4||concat|{}|7|e|"
+                    "1700000000123456789|2023-11-14 22:13:20"));
+    EXPECT_THAT(
+        query(R"(SELECT f.path, f."index", f.pathBookmark, r.status FROM ManagedVideoRequestInputFile f
+                         JOIN ManagedVideoRequest r ON r.primaryKey = f.request)"),
+        ElementsAre(record.inputFiles[0].path.absoluteString() + "|0||1",
+                    record.inputFiles[1].path.absoluteString() + "|1||1"));
+    EXPECT_THAT(query("PRAGMA user_version"), ElementsAre("1"));
+    EXPECT_THAT(query("PRAGMA journal_mode"), ElementsAre("wal"));
+    EXPECT_THAT(
+        query("SELECT tbl_name || ' ' || name FROM sqlite_schema WHERE type = 'index' AND sql NOT NULL"),
+        ElementsAre("ManagedVideoRequest ManagedVideoRequest_id",
+                    "ManagedVideoRequest ManagedVideoRequest_status"));
+    open().deleteRequest(record.id);
+    EXPECT_THAT(query("SELECT count(*) FROM ManagedVideoRequestInputFile"), ElementsAre("0"));
+}
+
+TEST_F(CoreDataCorvantaStoreTest, LeavesOutRowsThatAreNoRequests) {
+    CoreDataCorvantaStore store = open();
+    const LocalVideoRequest good = makeRecord();
+    store.insert(good);
+    const char* damages[] = {
+        "status = 5", "status = -1",      "status = 4294967296", "type = 'Merge'",
+        "type = ''",  "id = 'not an id'", "outputPath = ''",     "outputPath = 'http://[/'"};
+    int key = 1;
+    for (const std::string damage : damages) {
+        SCOPED_TRACE(damage);
+        const LocalVideoRequest bad = makeRecord(Status::idle);
+        store.insert(bad);
+        auto stream = store.streamVideo(bad.id);
+        execute("UPDATE ManagedVideoRequest SET " + damage + " WHERE primaryKey = " + std::to_string(++key));
+        EXPECT_EQ(store.getRequest(bad.id), std::nullopt);
+        EXPECT_EQ(allRecords(store), List{good});
+        int heard = 0;
+        const auto row = stream.subscribe([&](const auto&) { ++heard; });
+        const auto rows = store.streamVideos().subscribe([&](const List& list) {
+            EXPECT_THAT(list, ElementsAre(good));
+            ++heard;
+        });
+        store.updateRequest(bad.id, {{Field::error("still bad")}});
+        EXPECT_EQ(heard, 1) << "The list's first value alone.";
+        store.deleteRequest(bad.id);
+    }
+    const LocalVideoRequest bad = makeRecord();
+    store.insert(bad);
+    execute("UPDATE ManagedVideoRequestInputFile SET path = '' WHERE \"index\" = 1 AND request = " +
+            std::to_string(++key));
+    EXPECT_EQ(allRecords(store), List{good});
+    EXPECT_THAT(query("SELECT count(*) FROM ManagedVideoRequest WHERE id = 'not an id'"), ElementsAre("1"))
+        << "A bad row is left as it is; only the one with the unreadable id can't be deleted.";
+    execute("UPDATE ManagedVideoRequestInputFile SET pathBookmark = x'00ff', path = 'file:///still%20read'");
+    EXPECT_EQ(store.getRequest(good.id).value().inputFiles.at(1).path.path(), "/still read");
+}
+
+TEST_F(CoreDataCorvantaStoreTest, FollowsFilesThatMove) {
+    CoreDataCorvantaStore store = open();
+    LocalVideoRequest record = makeRecord(Status::idle, 0);
+    record.outputPath = URL::fromFilePath(folders.make("out.mp4"));
+    record.output = storedOutput(record.outputPath);
+    const auto inputs = {folders.make("bare.mp4"), folders.make("moved.mp4"), folders.make("deleted.mp4"),
+                         folders.make("replaced.mp4"), folders.file("absent.mp4")};
+    for (const std::string& input : inputs) {
+        record.inputFiles.push_back({URL::fromFilePath(input), static_cast<int>(record.inputFiles.size())});
+    }
+    record.inputFiles[0].path = URL::parse(folders.file("bare.mp4")).value();
+    store.insert(record);
+    EXPECT_EQ(store.getRequest(record.id), record) << "Unmoved files read as they were inserted.";
+
+    const std::string home = Directories::documents().path();
+    fs::rename(folders.file("out.mp4"), home + "/out #1.mp4");
+    fs::rename(folders.file("moved.mp4"), folders.file("renamed.mp4"));
+    fs::remove(folders.file("deleted.mp4"));
+    fs::rename(folders.make("new.mp4"), folders.file("replaced.mp4"));
+    LocalVideoRequest expected = record;
+    expected.outputPath = URL::fromFilePath(home + "/out #1.mp4");
+    expected.inputFiles[1].path = URL::fromFilePath(folders.file("renamed.mp4"));
+    EXPECT_EQ(store.getRequest(record.id), expected) << "The output keeps the old path.";
+    EXPECT_THAT(store.getRequests(Status::idle), ElementsAre(expected));
+    EXPECT_THAT(query("SELECT outputPath FROM ManagedVideoRequest"),
+                ElementsAre(record.outputPath.absoluteString()));
+}
+
+TEST_F(CoreDataCorvantaStoreTest, RefusesFilesThatAreNotItsOwnAndLeavesThemAlone) {
+    const std::function<void()> files[] = {
+        [&] { std::ofstream(path) << std::string(5000, 'x'); },
+        [&] { std::ofstream(path) << "SQLite format 3"; },
+        [&] { fs::create_directory(path); },
+        [&] {
+            SQLite::Database(path, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE).exec("CREATE TABLE a (b)");
+        },
+        [&] {
+            open().insert(makeRecord());
+            execute("PRAGMA user_version = 2");
+        },
+        [&] {
+            open().insert(makeRecord());
+            execute("ALTER TABLE ManagedVideoRequest DROP COLUMN rawData");
+        },
+        [&] {
+            open();
+            execute("DROP TABLE ManagedVideoRequestInputFile");
+        },
+    };
+    const auto contents = [&]() -> std::string {
+        std::ifstream file(path, std::ios::binary);
+        return fs::is_directory(path) ? "" : std::string(std::istreambuf_iterator<char>(file), {});
+    };
+    int number = 0;
+    const auto expectRefusal = [&](const URL& url) {
+        try {
+            CoreDataCorvantaStore store(url);
+            ADD_FAILURE() << "opened";
+        } catch (const CoreDataCorvantaStore::Error& error) {
+            EXPECT_EQ(error.code(), 1);
+            EXPECT_STREQ(error.what(), "failedToLoadPersistentContainer");
+        }
+    };
+    for (const auto& make : files) {
+        SCOPED_TRACE(number);
+        path = folders.file(std::to_string(number++) + ".sqlite");
+        make();
+        const std::string before = contents();
+        expectRefusal(URL::fromFilePath(path));
+        EXPECT_EQ(contents(), before);
+    }
+    // Folders that nobody can write to, root included, and no file at all.
+    for (const char* nowhere :
+         {"file:///proc/store.sqlite", "file:///nowhere/store.sqlite", "file:///", "file:///a%00b"}) {
+        SCOPED_TRACE(nowhere);
+        expectRefusal(URL::parse(nowhere).value());
+    }
+}
+
+TEST_F(CoreDataCorvantaStoreTest, HoldsAsManyInputsAsTheirNumbersAllow) {
+    CoreDataCorvantaStore store = open();
+    LocalVideoRequest record = makeRecord(Status::idle, 32'767);
+    store.insert(record);
+    EXPECT_EQ(store.getRequest(record.id), record);
+    record.inputFiles.push_back(record.inputFiles.front());
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_DEATH(store.insert(record), "Fatal error: .*32,768 input files or more");
+    EXPECT_EQ(allRecords(store).size(), 1U);
+}
+
+TEST_F(CoreDataCorvantaStoreTest, StreamsOutliveTheirStore) {
+    std::optional<CoreDataCorvantaStore> store(std::in_place, URL::fromFilePath(path));
+    const LocalVideoRequest record = makeRecord();
+    store->insert(record);
+    const auto list = store->streamVideos();
+    const auto row = store->streamVideo(record.id);
+    store.reset();
+    List heard;
+    const auto first = list.subscribe([&](const List& values) { heard = values; });
+    EXPECT_THAT(heard, ElementsAre(record));
+    const auto second = row.subscribe([&](const LocalVideoRequest& value) { heard.push_back(value); });
+    EXPECT_THAT(heard, ElementsAre(record, record));
+}
+
+} // namespace
+} // namespace corvanta::test

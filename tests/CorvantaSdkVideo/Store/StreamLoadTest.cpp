@@ -1,0 +1,185 @@
+#include "StoredRecords.hpp"
+
+#include <CorvantaSdkVideo/Store/CoreData/CoreDataCorvantaStore.hpp>
+#include <platform/SharedCorvantaSdkCommon.hpp>
+
+#include <gtest/gtest.h>
+
+#include <support/InMemoryVideoStore.hpp>
+#include <support/UserFolders.hpp>
+
+#include <array>
+#include <atomic>
+#include <memory>
+#include <optional>
+#include <random>
+#include <thread>
+
+namespace corvanta::test {
+namespace {
+
+using PublicStatus = CorvantaSdkVideoRequestStatus;
+
+#ifdef CORVANTA_LONG_FORM
+constexpr int writesPerThread = 2000;
+#else
+constexpr int writesPerThread = 60;
+#endif
+constexpr int writers = 8;
+constexpr int subscribers = 4;
+constexpr int streamsPerSubscriber = 4;
+
+class Silence : public SharedCorvantaSdkLogSink {
+    void addLog(const SharedCorvantaSdkLog&) override {}
+};
+
+// One subscription at a time to a stream of some kind, and the last value that it heard. The value is written
+// within the store's scope only, and read where nothing is written any more.
+class Listener {
+  public:
+    Listener(VideoStore& store, List ids) : store_(store), rows_(std::move(ids)) {}
+
+    void subscribe(std::size_t choice) {
+        kind_ = choice % 3;
+        status_ = static_cast<PublicStatus>(choice % 5);
+        row_ = rows_[choice % rows_.size()].id;
+        list_.clear();
+        record_.reset();
+        if (kind_ == 0) {
+            subscription_ = store_.streamVideos().subscribe([this](const List& list) { hearList(list); });
+        } else if (kind_ == 1) {
+            subscription_ =
+                store_.streamVideos(status_).subscribe([this](const List& list) { hearList(list); });
+        } else if (store_.getRequest(row_)) {
+            subscribeToRow();
+        }
+    }
+
+    void cancel() {
+        subscription_.cancel();
+        // A value that came now would be a race, which the thread sanitizer sees.
+        list_.clear();
+        record_.reset();
+    }
+
+    void expectToHaveHeardTheTable() const {
+        if (kind_ == 0) {
+            EXPECT_EQ(sorted(list_), allRecords(store_));
+        } else if (kind_ == 1) {
+            EXPECT_EQ(list_, store_.getRequests(static_cast<Status>(status_)));
+        } else if (const auto record = store_.getRequest(row_)) {
+            EXPECT_EQ(record_, record);
+        }
+    }
+
+  private:
+    void subscribeToRow() {
+        try {
+            subscription_ = store_.streamVideo(row_).subscribe([this](const LocalVideoRequest& record) {
+                EXPECT_EQ(store_.getRequest(record.id), record);
+                record_ = record;
+            });
+        } catch (const CoreDataCorvantaStore::Error&) {
+            // Deleted meanwhile.
+        }
+    }
+
+    void hearList(const List& list) {
+        list_ = list;
+        if (!list.empty()) {
+            store_.getRequest(list.front().id);
+        }
+    }
+
+    VideoStore& store_;
+    List rows_;
+    std::size_t kind_ = 0;
+    PublicStatus status_{};
+    UUID row_{};
+    List list_;
+    std::optional<LocalVideoRequest> record_;
+    Subscription subscription_;
+};
+
+void writeAtRandom(VideoStore& store, const List& rows, unsigned seed) {
+    std::mt19937 random(seed);
+    List own;
+    for (int write = 0; write < writesPerThread; ++write) {
+        const auto status = static_cast<Status>(random() % 5);
+        switch (random() % 8) {
+        case 0:
+            own.push_back(makeRecord(status));
+            store.insert(own.back());
+            break;
+        case 1:
+            if (!own.empty()) {
+                store.deleteRequest(own.back().id);
+                own.pop_back();
+            }
+            break;
+        case 2:
+            store.resetPendingRequests();
+            break;
+        default:
+            store.updateRequest(rows[random() % rows.size()].id,
+                                {{Field::status(status), Field::processId(std::to_string(write))}});
+        }
+    }
+}
+
+void runLoad(VideoStore& store) {
+    SharedCorvantaSdkCommonKt::sdk_common().setLog(std::make_shared<Silence>());
+    List rows;
+    for (int row = 0; row < 20; ++row) {
+        rows.push_back(makeRecord());
+        store.insert(rows.back());
+    }
+    std::atomic<int> writing = writers;
+    std::vector<std::thread> threads;
+    for (unsigned writer = 0; writer < writers; ++writer) {
+        threads.emplace_back([&, writer] {
+            writeAtRandom(store, rows, writer);
+            --writing;
+        });
+    }
+    std::vector<std::unique_ptr<Listener>> listeners;
+    for (int number = 0; number < subscribers * streamsPerSubscriber; ++number) {
+        listeners.push_back(std::make_unique<Listener>(store, rows));
+    }
+    for (unsigned subscriber = 0; subscriber < subscribers; ++subscriber) {
+        threads.emplace_back([&, subscriber] {
+            std::mt19937 random(100 + subscriber);
+            const auto own = &listeners[subscriber * streamsPerSubscriber];
+            for (int turn = 0; writing > 0 || turn < 4; ++turn) {
+                Listener& listener = *own[random() % streamsPerSubscriber];
+                listener.cancel();
+                listener.subscribe(random());
+            }
+            for (unsigned stream = 0; stream < streamsPerSubscriber; ++stream) {
+                own[stream]->subscribe(random());
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    // A list that was read before it was subscribed to is made good by the next commit.
+    store.updateRequest(rows.front().id, {{Field::error("last")}});
+    for (const auto& listener : listeners) {
+        listener->expectToHaveHeardTheTable();
+    }
+}
+
+TEST(StreamLoadTest, StreamsOfThePersistentStoreEndWithTheTable) {
+    const UserFolders folders(UserFolders::memory());
+    CoreDataCorvantaStore store(URL::fromFilePath(folders.file("store.sqlite")));
+    runLoad(store);
+}
+
+TEST(StreamLoadTest, StreamsOfTheMemoryStoreEndWithTheTable) {
+    InMemoryVideoStore store;
+    runLoad(store);
+}
+
+} // namespace
+} // namespace corvanta::test

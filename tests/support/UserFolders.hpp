@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+
+namespace corvanta::test {
+
+/// A new folder that holds the module's per-user directories as long as the object lives. Start no threads
+/// before it and one of them at a time: it sets environment variables.
+class UserFolders {
+  public:
+    explicit UserFolders(const std::filesystem::path& base = std::filesystem::temp_directory_path()) {
+        std::string name = (base / "corvanta-XXXXXX").string();
+        if (mkdtemp(name.data()) == nullptr) {
+            throw std::runtime_error("No temporary folder: " + name);
+        }
+        root_ = name;
+        setenv("XDG_DATA_HOME", (root_ / "data").c_str(), 1);
+        setenv("XDG_CACHE_HOME", (root_ / "cache").c_str(), 1);
+        std::filesystem::create_directory(folder());
+    }
+    UserFolders(const UserFolders&) = delete;
+    UserFolders& operator=(const UserFolders&) = delete;
+    ~UserFolders() {
+        unsetenv("XDG_DATA_HOME");
+        unsetenv("XDG_CACHE_HOME");
+        std::error_code ignored;
+        std::filesystem::remove_all(root_, ignored);
+    }
+
+    /// A base whose files lie in memory, for tests that would wait long for a disk.
+    static std::filesystem::path memory() {
+        return std::filesystem::exists("/dev/shm") ? "/dev/shm" : std::filesystem::temp_directory_path();
+    }
+
+    /// An empty folder that is none of the module's.
+    std::filesystem::path folder() const { return root_ / "folder"; }
+    std::string file(const std::string& name) const { return folder() / name; }
+
+    /// Writes a small file and gives its path.
+    std::string make(const std::string& name, const std::string& contents = "content") const {
+        std::ofstream(file(name), std::ios::binary) << contents;
+        return file(name);
+    }
+
+  private:
+    std::filesystem::path root_;
+};
+
+} // namespace corvanta::test
