@@ -279,7 +279,7 @@ std::vector<Case> cases() {
     const std::string bFrames = "-c:v libx264 -bf 3 -g 30 -pix_fmt yuv420p -c:a aac";
     const std::string dropsFrames =
         "-vf select=lt(mod(n\\,7)\\,4) -vsync vfr -c:v libx264 -bf 0 -g 30 -pix_fmt yuv420p -c:a aac";
-    std::vector<Case> all = {
+    return {
         {"landscape with portrait",
          {with(bars(400), 320, 240), with(shades(700), 120, 320), with(blue(1000), 320, 140)}},
         {"an own size", {with(bars(400), 320, 240), with(shades(700), 120, 320)}, Rate::thirtyFps, 200, 120},
@@ -321,6 +321,10 @@ std::vector<Case> cases() {
          {},
          true},
     };
+}
+
+std::vector<Case> rateCases() {
+    std::vector<Case> all;
     const std::vector<Clip> slow = {with(bars(400), 160, 120, "24"), with(blue(700), 160, 120, "25"),
                                     with(shades(1000), 160, 120, "30000/1001")};
     const std::vector<Clip> fast = {with(bars(1300), 160, 120, "60"), with(blue(1600), 160, 120, "50"),
@@ -336,6 +340,12 @@ std::vector<Case> cases() {
 
 TEST(MergeOnRealFiles, KeepsEveryClipInItsPlace) {
     for (const Case& merge : cases()) {
+        check(merge);
+    }
+}
+
+TEST(MergeOnRealFiles, ConvertsRates) {
+    for (const Case& merge : rateCases()) {
         check(merge);
     }
 }
