@@ -54,13 +54,13 @@ std::vector<PathForm> pathForms() {
     };
 }
 
-class PathFormsTest : public testing::TestWithParam<PathForm> {
-  protected:
-    PathFormsTest() {
+/// A clip under the form's name, and files that a misread name could mean.
+class Place {
+  public:
+    explicit Place(const PathForm& form) : form_(form) {
         FFmpegKitConfig::setLogLevel("quiet");
         fs::create_directory(directory_.path() / "in");
         fs::create_directory(directory_.path() / "out");
-        // What a misread name could mean.
         for (const char* bystander :
              {"b.jpg", " .jpg", "%.jpg", "1.jpg", "0.jpg", "frame001.jpg", "double", "y.jpg", "%41.jpg"}) {
             writeFile(directory_.file(std::string("out/") + bystander), "bystander");
@@ -69,9 +69,12 @@ class PathFormsTest : public testing::TestWithParam<PathForm> {
         before_ = contents();
     }
 
-    std::string input() const { return directory_.file("in/" + GetParam().name + ".mp4"); }
-    std::string output() const { return directory_.file("out/" + GetParam().name); }
+    std::string input() const { return directory_.file("in/" + form_.name + ".mp4"); }
+    std::string output() const { return directory_.file("out/" + form_.name); }
+    std::string plainOutput() const { return directory_.file("out/made"); }
+    bool isUntouched() const { return contents() == before_; }
 
+  private:
     std::map<std::string, std::string> contents() const {
         std::map<std::string, std::string> files;
         for (const auto& entry : fs::recursive_directory_iterator(directory_.path())) {
@@ -82,58 +85,72 @@ class PathFormsTest : public testing::TestWithParam<PathForm> {
         return files;
     }
 
-    static std::string thumbnail(const std::string& from, const std::string& to) {
-        return outcomeOf([&] {
-            const CorvantaSdkVideoFile file(URL::fromFilePath(from));
-            const auto location = CorvantaSdkVideoFileDescriptor::custom(parseablePath(to));
-            const auto result = runBlocking(CorvantaSdkVideo->generateThumbnail(file, location, 0));
-            EXPECT_EQ(result.generatedThumbnailURL.path(), to + ".jpg");
-        });
-    }
-
-    RecordedLog log_;
+    PathForm form_;
     TemporaryDirectory directory_;
     std::map<std::string, std::string> before_;
 };
 
-TEST_P(PathFormsTest, Information) {
-    EXPECT_EQ(outcomeOf([this] {
-                  const std::vector<CorvantaSdkVideoFile> files = {
-                      CorvantaSdkVideoFile(URL::fromFilePath(input()))};
-                  const auto information = runBlocking(CorvantaSdkVideo->getVideosInformation(files));
-                  EXPECT_EQ(information.at(0).videoSize, (VideoSize{160, 120}));
-              }),
-              GetParam().information ? "done" : "getInformationFailed");
-    EXPECT_EQ(contents(), before_);
+std::string thumbnail(const std::string& from, const std::string& to) {
+    return outcomeOf([&] {
+        const CorvantaSdkVideoFile file(URL::fromFilePath(from));
+        const auto location = CorvantaSdkVideoFileDescriptor::custom(parseablePath(to));
+        const auto result = runBlocking(CorvantaSdkVideo->generateThumbnail(file, location, 0));
+        EXPECT_EQ(result.generatedThumbnailURL.path(), to + ".jpg");
+    });
 }
 
-TEST_P(PathFormsTest, ThumbnailInput) {
-    const std::string plain = directory_.file("out/made");
-    EXPECT_EQ(thumbnail(input(), plain), GetParam().thumbnailInput ? "done" : "thumbnailGenerationFailed");
-    fs::remove(plain + ".jpg");
-    EXPECT_EQ(contents(), before_);
+TEST(PathFormsTest, Information) {
+    const RecordedLog log;
+    for (const PathForm& form : pathForms()) {
+        SCOPED_TRACE(form.name);
+        const Place place(form);
+        const std::vector<CorvantaSdkVideoFile> files = {
+            CorvantaSdkVideoFile(URL::fromFilePath(place.input()))};
+        EXPECT_EQ(outcomeOf([&] {
+                      const auto information = runBlocking(CorvantaSdkVideo->getVideosInformation(files));
+                      EXPECT_EQ(information.at(0).videoSize, (VideoSize{160, 120}));
+                  }),
+                  form.information ? "done" : "getInformationFailed");
+        EXPECT_TRUE(place.isUntouched());
+    }
 }
 
-TEST_P(PathFormsTest, ThumbnailOutput) {
+TEST(PathFormsTest, ThumbnailInput) {
+    const RecordedLog log;
+    for (const PathForm& form : pathForms()) {
+        SCOPED_TRACE(form.name);
+        const Place place(form);
+        EXPECT_EQ(thumbnail(place.input(), place.plainOutput()),
+                  form.thumbnailInput ? "done" : "thumbnailGenerationFailed");
+        fs::remove(place.plainOutput() + ".jpg");
+        EXPECT_TRUE(place.isUntouched());
+    }
+}
+
+TEST(PathFormsTest, ThumbnailOutput) {
+    const RecordedLog log;
     const std::string clip = makeClip({});
-    for (const bool replacing : {false, true}) {
-        if (replacing) {
-            writeFile(output() + ".jpg", "older");
+    for (const PathForm& form : pathForms()) {
+        SCOPED_TRACE(form.name);
+        const Place place(form);
+        const std::string output = place.output() + ".jpg";
+        for (const bool replacing : {false, true}) {
+            if (replacing) {
+                writeFile(output, "older");
+            }
+            EXPECT_EQ(thumbnail(clip, place.output()),
+                      form.thumbnailOutput ? "done" : "thumbnailGenerationFailed");
+            const std::string kept = replacing ? "older" : "";
+            EXPECT_EQ(readFile(output).substr(0, 3),
+                      form.thumbnailOutput ? "\xff\xd8\xff" : kept.substr(0, 3));
+            fs::remove(output);
+            EXPECT_TRUE(place.isUntouched());
         }
-        if (GetParam().thumbnailOutput) {
-            EXPECT_EQ(thumbnail(clip, output()), "done");
-            EXPECT_EQ(readFile(output() + ".jpg").substr(0, 3), "\xff\xd8\xff");
-        } else {
-            EXPECT_EQ(thumbnail(clip, output()), "thumbnailGenerationFailed");
-            EXPECT_EQ(readFile(output() + ".jpg"), replacing ? "older" : "");
-        }
-        fs::remove(output() + ".jpg");
-        EXPECT_EQ(contents(), before_);
     }
 }
 
 // Relative outputs stand alone in front of ffmpeg, where a dash means an option and a colon a protocol.
-TEST(RelativePathFormsTest, ThumbnailOutput) {
+TEST(PathFormsTest, RelativeThumbnailOutput) {
     const RecordedLog log;
     FFmpegKitConfig::setLogLevel("quiet");
     const TemporaryDirectory directory;
@@ -159,9 +176,6 @@ TEST(RelativePathFormsTest, ThumbnailOutput) {
     }
     fs::current_path(before);
 }
-
-INSTANTIATE_TEST_SUITE_P(Names, PathFormsTest, testing::ValuesIn(pathForms()),
-                         [](const auto& form) { return std::to_string(form.index); });
 
 } // namespace
 } // namespace corvanta::test
