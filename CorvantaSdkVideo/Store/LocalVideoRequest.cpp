@@ -2,7 +2,6 @@
 
 #include <boost/container_hash/hash.hpp>
 
-#include <algorithm>
 #include <array>
 
 namespace corvanta {
@@ -14,11 +13,8 @@ constexpr auto operationTypes = std::to_array<std::string_view>({"encode", "merg
 // The path of a URL, if it stands in its text as it is.
 std::optional<std::string_view> literalPath(const URL& url) {
     const std::string_view text = url.absoluteString();
-    const auto isSpecial = [](char character) {
-        return character == '%' || character == '?' || character == '#';
-    };
-    if (!text.starts_with("file:///") || text.ends_with('/') ||
-        std::any_of(text.begin(), text.end(), isSpecial)) {
+    const auto holds = [&](char character) { return text.find(character) != std::string_view::npos; };
+    if (!text.starts_with("file:///") || text.ends_with('/') || holds('%') || holds('?') || holds('#')) {
         return std::nullopt;
     }
     return text.substr(std::string_view("file://").size());

@@ -2,18 +2,26 @@
 
 #include <boost/container_hash/hash.hpp>
 
+#include <utility>
+
 namespace corvanta {
 
 UpdateRequestData::Field UpdateRequestData::Field::error(std::optional<std::string> value) {
-    return {Case::error, std::move(value)};
+    Field field(Case::error);
+    field.text_ = std::move(value);
+    return field;
 }
 
 UpdateRequestData::Field UpdateRequestData::Field::status(LocalVideoRequest::Status value) {
-    return {Case::status, value};
+    Field field(Case::status);
+    field.newStatus_ = value;
+    return field;
 }
 
 UpdateRequestData::Field UpdateRequestData::Field::processId(std::optional<std::string> value) {
-    return {Case::processId, std::move(value)};
+    Field field(Case::processId);
+    field.text_ = std::move(value);
+    return field;
 }
 
 std::size_t UpdateRequestData::FieldHash::operator()(const Field& field) const noexcept {

@@ -6,7 +6,6 @@
 #include <optional>
 #include <string>
 #include <unordered_set>
-#include <variant>
 
 namespace corvanta {
 
@@ -25,19 +24,18 @@ struct UpdateRequestData {
 
         Case kind() const { return kind_; }
         /// The value of `error` and `processId`.
-        const std::optional<std::string>& text() const { return std::get<0>(value_); }
+        const std::optional<std::string>& text() const { return text_; }
         /// The value of `status`.
-        LocalVideoRequest::Status newStatus() const { return std::get<1>(value_); }
+        LocalVideoRequest::Status newStatus() const { return newStatus_; }
 
         friend bool operator==(const Field&, const Field&) = default;
 
       private:
-        using Value = std::variant<std::optional<std::string>, LocalVideoRequest::Status>;
-
-        Field(Case kind, Value value) : kind_(kind), value_(std::move(value)) {}
+        explicit Field(Case kind) : kind_(kind) {}
 
         Case kind_;
-        Value value_;
+        std::optional<std::string> text_;
+        LocalVideoRequest::Status newStatus_{};
     };
 
     struct FieldHash {

@@ -10,6 +10,7 @@
 #include <chrono>
 #include <limits>
 #include <memory>
+#include <utility>
 
 namespace corvanta {
 
@@ -65,25 +66,34 @@ std::string joinedQuery(const std::string& predicate) {
            predicate + R"( ORDER BY r.primaryKey, f."index")";
 }
 
+template <int... Number>
+std::array<SQLite::Column, sizeof...(Number)> columnsOf(const SQLite::Statement& statement,
+                                                        std::integer_sequence<int, Number...>) {
+    return {statement.getColumn(Number)...};
+}
+
 std::vector<LocalVideoRequest> readRecords(SQLite::Statement& joined) {
+    if (!joined.executeStep()) {
+        return {};
+    }
+    // A column gives the value of the row that the statement is at, so one of each serves all rows.
+    const auto column = columnsOf(joined, std::make_integer_sequence<int, 14>());
     RecordCollector records;
     std::optional<RowKey> last;
-    while (joined.executeStep()) {
-        const RowKey key = joined.getColumn(0).getInt64();
+    do {
+        const RowKey key = column[0].getInt64();
         if (key != last) {
             last = key;
-            records.add(ManagedVideoRequest{bytes(joined.getColumn(1)), joined.getColumn(2).getInt64(),
-                                            bytes(joined.getColumn(3)), optionalBytes(joined.getColumn(4)),
-                                            bytes(joined.getColumn(5)), optionalBytes(joined.getColumn(6)),
-                                            optionalBytes(joined.getColumn(7)),
-                                            optionalBytes(joined.getColumn(8)),
-                                            joined.getColumn(9).getInt64(), joined.getColumn(10).getInt64()});
+            records.add(ManagedVideoRequest{
+                bytes(column[1]), column[2].getInt64(), bytes(column[3]), optionalBytes(column[4]),
+                bytes(column[5]), optionalBytes(column[6]), optionalBytes(column[7]),
+                optionalBytes(column[8]), column[9].getInt64(), column[10].getInt64()});
         }
-        if (const SQLite::Column index = joined.getColumn(11); !index.isNull()) {
-            records.add(ManagedVideoRequestInputFile{bytes(joined.getColumn(12)), index.getInt64(),
-                                                     optionalBytes(joined.getColumn(13))});
+        if (!column[11].isNull()) {
+            records.add(ManagedVideoRequestInputFile{bytes(column[12]), column[11].getInt64(),
+                                                     optionalBytes(column[13])});
         }
-    }
+    } while (joined.executeStep());
     return records.take();
 }
 

@@ -82,9 +82,16 @@ TEST_F(CoreDataCorvantaStoreTest, LeavesOutRowsThatAreNoRequests) {
     CoreDataCorvantaStore store = open();
     const LocalVideoRequest good = makeRecord();
     store.insert(good);
-    const char* damages[] = {
-        "status = 5", "status = -1",      "status = 4294967296", "type = 'Merge'",
-        "type = ''",  "id = 'not an id'", "outputPath = ''",     "outputPath = 'http://[/'"};
+    const char* damages[] = {"status = 5",
+                             "status = -1",
+                             "status = 4294967296",
+                             "type = 'Merge'",
+                             "type = ''",
+                             "id = 'not an id'",
+                             "id = replace(id, '-', '_')",
+                             "id = replace(id, substr(id, 36), 'g')",
+                             "outputPath = ''",
+                             "outputPath = 'http://[/'"};
     int key = 1;
     for (const std::string damage : damages) {
         SCOPED_TRACE(damage);
@@ -110,7 +117,7 @@ TEST_F(CoreDataCorvantaStoreTest, LeavesOutRowsThatAreNoRequests) {
             std::to_string(++key));
     EXPECT_EQ(allRecords(store), List{good});
     EXPECT_THAT(query("SELECT count(*) FROM ManagedVideoRequest WHERE id = 'not an id'"), ElementsAre("1"))
-        << "A bad row is left as it is; only the one with the unreadable id can't be deleted.";
+        << "A bad row is left as it is; those with an unreadable id can't be deleted.";
     execute("UPDATE ManagedVideoRequestInputFile SET pathBookmark = x'00ff', path = 'file:///still%20read'");
     EXPECT_EQ(store.getRequest(good.id).value().inputFiles.at(1).path.path(), "/still read");
 }

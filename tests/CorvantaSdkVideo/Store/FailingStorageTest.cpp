@@ -54,8 +54,8 @@ TEST_P(FailingStorageTest, KeepsWhatReturnedAndBringsTheRestLater) {
         FailingVFS vfs;
         CoreDataCorvantaStore store(URL::fromFilePath(folders.file("store.sqlite")));
         const LocalVideoRequest kept = makeRecord(Status::processing);
-        const LocalVideoRequest deleted = makeRecord(Status::completed, 30);
-        const LocalVideoRequest added = makeRecord(Status::idle, 200);
+        const LocalVideoRequest deleted = makeRecord(Status::completed, 10);
+        const LocalVideoRequest added = makeRecord(Status::idle, 60);
         const LocalVideoRequest last = makeRecord();
         store.insert(kept);
         store.insert(deleted);
