@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <sstream>
 
 namespace corvanta {
@@ -203,6 +204,11 @@ std::vector<Situation> situations() {
              scene.width = 128;
              scene.height = std::nextafter(128.0, 0.0);
          },
+         {"", "complete -", joined + ", complete -pid"},
+         {"invalidResolution", "idle -", ""},
+         {"invalidResolution", "idle -", ""}},
+        {"no number",
+         [](Scene& scene) { scene.height = std::numeric_limits<double>::quiet_NaN(); },
          {"", "complete -", joined + ", complete -pid"},
          {"invalidResolution", "idle -", ""},
          {"invalidResolution", "idle -", ""}},
