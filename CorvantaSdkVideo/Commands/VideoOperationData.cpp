@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include <cmath>
+#include <utility>
 
 namespace corvanta {
 
@@ -10,9 +11,18 @@ namespace {
 
 using json = nlohmann::ordered_json;
 
-template <typename Value>
-void putOptional(json& object, const char* key, const std::optional<Value>& value) {
+void putOptional(json& object, const char* key, std::optional<std::int64_t> value) {
     if (value) {
+        object[key] = *value;
+    }
+}
+
+// A whole number is written without a fraction.
+void putOptional(json& object, const char* key, std::optional<double> value) {
+    constexpr double exactlyCounted = 1LL << 53;
+    if (value && std::trunc(*value) == *value && std::abs(*value) <= exactlyCounted) {
+        object[key] = static_cast<std::int64_t>(*value);
+    } else if (value) {
         object[key] = *value;
     }
 }
@@ -33,9 +43,7 @@ json toJson(const CorvantaSdkVideoMergeVideoTrack& track) {
     return object;
 }
 
-json toJson(const CorvantaSdkVideoMergeAudioTrack& track) {
-    return {{"tracks", toJson(track.tracks)}};
-}
+json toJson(const CorvantaSdkVideoMergeAudioTrack& track) { return {{"tracks", toJson(track.tracks)}}; }
 
 json toJson(const CorvantaSdkVideoEncodeVideoEntry& entry) {
     json object = {{"entryIndex", entry.entryIndex}};
@@ -71,7 +79,9 @@ std::optional<std::string> encoded(const Serializable& data) {
 
 // The readers throw json::exception for a value that is missing or of another type.
 std::int64_t readInteger(const json& value) {
-    if (!value.is_number_integer()) {
+    const bool isTooLarge =
+        value.is_number_unsigned() && !std::in_range<std::int64_t>(value.get<std::uint64_t>());
+    if (!value.is_number_integer() || isTooLarge) {
         throw json::type_error::create(302, "no integer", &value);
     }
     return value.get<std::int64_t>();

@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include <exception>
+#include <stdexcept>
 
 using namespace corvanta;
 using json = nlohmann::ordered_json;
@@ -24,21 +25,31 @@ std::vector<URL> inputsOf(const CorvantaSdkVideoRequest& request) {
 }
 
 // The output is as long as all inputs together. Without their lengths there is no percentage; why they can't
-// be read is for the request to say.
+// be read is for the request to say. Ctrl-C here means the request as well.
 std::optional<std::int64_t> expectedMillis(const CorvantaSdkVideoRequest& request) {
     std::vector<CorvantaSdkVideoFile> files;
     for (const URL& url : inputsOf(request)) {
         files.emplace_back(url);
     }
+    bool interrupted = false;
+    std::optional<std::int64_t> total;
     try {
-        std::int64_t total = 0;
-        for (const auto& file : runInterruptible(CorvantaSdkVideo->getVideosInformation(files))) {
-            total += file.durationMillis;
+        const auto information =
+            runInterruptible(CorvantaSdkVideo->getVideosInformation(files), [&interrupted] {
+                interrupted = true;
+                FFmpegKit::cancel();
+            });
+        total = 0;
+        for (const CorvantaSdkVideoInformation& file : information) {
+            *total += file.durationMillis;
         }
-        return total;
     } catch (const std::exception&) {
-        return std::nullopt;
+        total.reset();
     }
+    if (interrupted) {
+        throw std::runtime_error("interrupted before the run");
+    }
+    return total;
 }
 
 void cancel(CorvantaSdkVideoRequest& request) {
@@ -57,8 +68,8 @@ std::string timestamp(CorvantaSdkVideoRequest::Date date) {
 } // namespace
 
 void runRequest(Console& console, const RequestPointer& request) {
-    const auto total = expectedMillis(*request);
     fmt::print(stderr, "request {}\n", uuidString(request->id));
+    const auto total = expectedMillis(*request);
     CorvantaSdkVideoRequest::Result result;
     {
         const Progress progress(console, std::string(name(request->type)), total);

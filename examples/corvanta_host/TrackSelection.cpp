@@ -1,5 +1,6 @@
 #include "TrackSelection.hpp"
 
+#include <charconv>
 #include <regex>
 #include <stdexcept>
 
@@ -7,23 +8,36 @@ using namespace corvanta;
 
 namespace {
 
+std::invalid_argument noStream(const std::string& text) {
+    return std::invalid_argument("\"" + text + "\" selects no stream");
+}
+
 std::smatch matched(const std::string& text, const char* pattern) {
     std::smatch match;
     if (!std::regex_match(text, match, std::regex(pattern))) {
-        throw std::invalid_argument("\"" + text + "\" selects no stream");
+        throw noStream(text);
     }
     return match;
 }
 
+std::int64_t number(const std::ssub_match& digits) {
+    std::int64_t value = 0;
+    const std::string text = digits;
+    if (std::from_chars(text.data(), text.data() + text.size(), value).ec != std::errc()) {
+        throw noStream(text);
+    }
+    return value;
+}
+
 std::optional<std::int64_t> side(const std::ssub_match& digits) {
-    return digits.length() == 0 ? std::nullopt : std::optional<std::int64_t>(std::stoll(digits));
+    return digits.length() == 0 ? std::nullopt : std::optional(number(digits));
 }
 
 std::vector<CorvantaSdkVideoMergeMediaEntry> entriesFrom(const std::string& list) {
     static const std::regex entry("([0-9]+):([0-9]+)");
     std::vector<CorvantaSdkVideoMergeMediaEntry> entries;
     for (std::sregex_iterator found(list.begin(), list.end(), entry), end; found != end; ++found) {
-        entries.push_back({std::stoll((*found)[1]), std::stoll((*found)[2])});
+        entries.push_back({number((*found)[1]), number((*found)[2])});
     }
     return entries;
 }
@@ -42,5 +56,5 @@ CorvantaSdkVideoMergeAudioTrack audioTrackFrom(const std::string& text) {
 
 CorvantaSdkVideoEncodeVideoEntry encodeEntryFrom(const std::string& text) {
     const std::smatch match = matched(text, "([0-9]+)(?:@([0-9]*)x([0-9]*))?");
-    return {std::stoll(match[1]), side(match[2]), side(match[3])};
+    return {number(match[1]), side(match[2]), side(match[3])};
 }

@@ -4,6 +4,8 @@
 
 #include <CorvantaSdkVideo/TracksManager/TracksManager.hpp>
 
+#include <nlohmann/json.hpp>
+
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -23,13 +25,20 @@ struct TracksOptions {
 using Operation = std::function<Task<>(TracksManager&, const TracksOptions&)>;
 
 URL inputOf(const TracksOptions& options) { return URL::fromFilePath(options.input); }
-URL outputOf(const TracksOptions& options) { return URL::fromFilePath(options.output); }
+URL outputOf(const TracksOptions& options) {
+    return URL::fromFilePath(std::filesystem::absolute(options.output).string());
+}
 
 void change(Console& console, const TracksOptions& options, const Operation& operation) {
     const Progress progress(console, "tracks", std::nullopt);
     TracksManager manager;
     runInterruptible(operation(manager, options));
-    console.print("{}\n", std::filesystem::absolute(options.output).string());
+    const URL output = outputOf(options);
+    if (console.json()) {
+        console.print(nlohmann::ordered_json{{"videoURL", output.absoluteString()}});
+    } else {
+        console.print("{}\n", output.path());
+    }
 }
 
 CLI::App* addOperation(CLI::App& tracks, Command& chosen, const std::shared_ptr<TracksOptions>& options,

@@ -11,8 +11,9 @@ namespace {
 
 using Error = CorvantaSdkVideoError;
 
+// What is no number is not large enough.
 void validateResolution(std::optional<double> component) {
-    if (component && *component < CorvantaSdkVideoMergeEngine::minimumSupportedResolutionDimension) {
+    if (component && !(*component >= CorvantaSdkVideoMergeEngine::minimumSupportedResolutionDimension)) {
         throw Error(Error::invalidResolution);
     }
 }

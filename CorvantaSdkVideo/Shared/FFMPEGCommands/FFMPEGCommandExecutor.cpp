@@ -13,6 +13,7 @@
 #include <boost/asio/post.hpp>
 #include <boost/asio/use_awaitable.hpp>
 
+#include <atomic>
 #include <cmath>
 #include <exception>
 #include <iostream>
@@ -28,20 +29,44 @@ namespace {
 
 using SessionPointer = std::shared_ptr<Session>;
 
+// A caller that waits for a session. It is resumed by whichever comes last, the session's end or the return
+// of what started the session: that may still use what the resumed caller destroys.
+template <typename Handler>
+class Waiting {
+  public:
+    explicit Waiting(Handler handler)
+        : handler_(std::move(handler)),
+          work_(asio::make_work_guard(asio::get_associated_executor(handler_))) {}
+
+    void arrive() {
+        if (--missing_ == 0) {
+            asio::post(work_.get_executor(),
+                       [handler = std::move(handler_), session = std::move(session)]() mutable {
+                           std::move(handler)(std::move(session));
+                       });
+        }
+    }
+
+    SessionPointer session;
+
+  private:
+    Handler handler_;
+    // Keeps the caller's event loop running as long as the session does.
+    asio::executor_work_guard<asio::associated_executor_t<Handler>> work_;
+    std::atomic<int> missing_ = 2;
+};
+
 // Suspends the caller until the session that `start` starts has ended, and resumes it on its own executor.
 template <typename Start>
 Task<SessionPointer> untilEnded(Start start) {
     return asio::async_initiate<const asio::use_awaitable_t<>, void(SessionPointer)>(
         [](auto handler, Start begin) {
-            using Handler = decltype(handler);
-            auto executor = asio::get_associated_executor(handler);
-            // The guard keeps the caller's event loop running as long as the session does.
-            auto pending =
-                std::make_shared<std::pair<Handler, asio::executor_work_guard<decltype(executor)>>>(
-                    std::move(handler), asio::make_work_guard(executor));
-            begin([pending, executor](const SessionPointer& session) {
-                asio::post(executor, [pending, session] { std::move(pending->first)(session); });
+            const auto waiting = std::make_shared<Waiting<decltype(handler)>>(std::move(handler));
+            begin([waiting](const SessionPointer& session) {
+                waiting->session = session;
+                waiting->arrive();
             });
+            waiting->arrive();
         },
         asio::use_awaitable, std::move(start));
 }

@@ -1,0 +1,275 @@
+#include <CorvantaSdkVideo/CorvantaSdkVideo.hpp>
+
+#include "support/MediaFixtures.hpp"
+#include "support/Processes.hpp"
+#include "support/RecordedLog.hpp"
+
+#include <boost/asio/co_spawn.hpp>
+#include <boost/asio/thread_pool.hpp>
+#include <boost/asio/use_future.hpp>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <filesystem>
+
+namespace corvanta {
+namespace {
+
+namespace asio = boost::asio;
+namespace fs = std::filesystem;
+using namespace test;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using Status = CorvantaSdkVideoRequest::Status;
+using RequestPointer = std::shared_ptr<CorvantaSdkVideoRequest>;
+
+std::string failureOf(const RequestPointer& request) {
+    try {
+        runBlocking(request->process());
+        return "";
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+}
+
+RequestPointer fetch(const UUID& id) {
+    RequestPointer fetched;
+    const auto subscription = CorvantaSdkVideo->streamRequest(id).subscribe(
+        [&fetched](const RequestPointer& request) { fetched = request; });
+    return fetched;
+}
+
+std::int64_t packets(const std::string& path) {
+    return std::stoll(
+        runTool("ffprobe", {"-v", "error", "-count_packets", "-select_streams", "v:0", "-show_entries",
+                            "stream=nb_read_packets", "-of", "csv=p=0", path}));
+}
+
+/// The module with a store and directories of its own, which live as long as the process.
+class RequestFilesTest : public ::testing::Test {
+  protected:
+    static void SetUpTestSuite() {
+        static const TemporaryDirectory home;
+        setenv("XDG_DATA_HOME", home.file("data").c_str(), 1);
+        setenv("XDG_CACHE_HOME", home.file("cache").c_str(), 1);
+        documents_ = home.path() / "data/corvanta-sdk-video/documents";
+        FFmpegKitConfig::setLogLevel("error");
+    }
+
+    std::vector<CorvantaSdkVideoFile> files(const std::vector<std::string>& paths) const {
+        std::vector<CorvantaSdkVideoFile> list;
+        for (const std::string& path : paths) {
+            list.emplace_back(URL::fromFilePath(path));
+        }
+        return list;
+    }
+
+    CorvantaSdkVideoFileDescriptor place(const std::string& name) const {
+        return CorvantaSdkVideoFileDescriptor::custom(parseablePath(directory_.file(name)));
+    }
+
+    RequestPointer concat(const std::vector<std::string>& paths, const std::string& name = "out") const {
+        return CorvantaSdkVideo->ConcatBuilder(files(paths), place(name)).build();
+    }
+
+    std::string copy(const std::string& from, const std::string& name) const {
+        fs::create_directories(fs::path(directory_.file(name)).parent_path());
+        fs::copy_file(from, directory_.file(name));
+        return directory_.file(name);
+    }
+
+    static inline fs::path documents_;
+    const TemporaryDirectory directory_;
+    const RecordedLog log_;
+};
+
+Clip coloured(const std::string& colour, double seconds, const std::string& container) {
+    return {.seconds = seconds, .pictures = {{.source = "color=c=" + colour}}, .container = container};
+}
+
+TEST_F(RequestFilesTest, JoinsLikeClips) {
+    for (const std::string container : {"mp4", "mov", "mkv"}) {
+        SCOPED_TRACE(container);
+        const std::string red = makeClip(coloured("red", 1, container));
+        const std::string blue = makeClip(coloured("blue", 2, container));
+        EXPECT_TRUE(runBlocking(CorvantaSdkVideo->canConcat(files({red, blue}))));
+        const RequestPointer request = concat({red, blue}, container);
+        std::vector<Status> seen;
+        const auto subscription =
+            CorvantaSdkVideo->streamRequest(request->id).subscribe([&seen](const RequestPointer& stored) {
+                seen.push_back(stored->status);
+            });
+        const std::string output = runBlocking(request->process()).videoURL.path();
+        EXPECT_EQ(output, directory_.file(container + "." + container));
+        EXPECT_THAT(seen,
+                    ElementsAre(Status::idle, Status::processing, Status::processing, Status::complete));
+
+        const auto information = probed(output);
+        EXPECT_NEAR(static_cast<double>(information.durationMillis), 3000, 50);
+        EXPECT_EQ(information.videos, probed(red).videos);
+        EXPECT_EQ(information.audios, probed(red).audios);
+        EXPECT_EQ(packets(output), 90);
+        EXPECT_TRUE(isNear(meanColour(output, 0.5), {254, 0, 0}));
+        EXPECT_TRUE(isNear(meanColour(output, 2), {0, 0, 254}));
+        EXPECT_TRUE(fs::is_empty(documents_));
+        EXPECT_EQ(failureOf(fetch(request->id)), "operationAlreadyCompleted");
+        EXPECT_EQ(fetch(request->id)->outputPath()->path(), output);
+    }
+}
+
+TEST_F(RequestFilesTest, TakesOddPaths) {
+    const std::string clip = makeClip({.seconds = 0.5});
+    std::vector<std::string> odd;
+    for (const std::string name :
+         {"a clip", "it's 'quoted'", "back\\slash", "100% %41 #1?", "tab\tline\nend", " ends in blanks ",
+          "gr\xc3\xbc\xc3\x9f \xe2\x82\xac", "#comment", "a:b", "-x", "sub dir/it's"}) {
+        odd.push_back(copy(clip, name + ".mp4"));
+    }
+    for (const std::string name : {"an 'output' \\ 100% %41 #1?", "-o:gr\xc3\xbc\xc3\x9f"}) {
+        SCOPED_TRACE(name);
+        const RequestPointer request = concat(odd, name);
+        EXPECT_EQ(failureOf(request), "");
+        EXPECT_EQ(request->outputPath()->path(), directory_.file(name + ".mp4"));
+        EXPECT_EQ(packets(directory_.file(name + ".mp4")), static_cast<std::int64_t>(15 * odd.size()));
+        EXPECT_TRUE(fs::is_empty(documents_));
+        odd.resize(2);
+    }
+    // A double quote can't be told to ffmpeg.
+    const std::string quoted = copy(clip, "\"quoted\".mp4");
+    const RequestPointer unreadable = concat({clip, quoted});
+    EXPECT_EQ(failureOf(unreadable), "getInformationFailed");
+    EXPECT_EQ(fetch(unreadable->id)->status, Status::idle);
+    const RequestPointer unwritable = concat({clip, clip}, "\"out\"");
+    EXPECT_EQ(failureOf(unwritable), "concatFailed");
+    EXPECT_EQ(fetch(unwritable->id)->status, Status::error);
+    for (const auto& left : fs::directory_iterator(documents_)) {
+        fs::remove(left);
+    }
+}
+
+TEST_F(RequestFilesTest, NamesWhatKeepsClipsFromBeingJoined) {
+    const std::string x264 = "-c:v libx264 -preset ultrafast -bf 0 -g 30 -pix_fmt ";
+    const auto clip = [](Picture picture, std::vector<Sound> sounds = {Sound{}}) {
+        return Clip{.seconds = 0.3, .pictures = {std::move(picture)}, .sounds = std::move(sounds)};
+    };
+    const auto coded = [](const std::string& codecs, const std::string& container = "mp4") {
+        return Clip{.seconds = 0.3, .container = container, .codecs = codecs};
+    };
+    const Clip plain = clip({});
+    Clip turned = plain;
+    turned.rotation = 90;
+    Clip twoPictures = plain;
+    twoPictures.pictures.emplace_back();
+    Clip matroska = plain;
+    matroska.container = "mkv";
+    const std::string formats = "invalidInputFiles(differentFormats)";
+    const std::string videos = "invalidInputFiles(differentVideoTracks)";
+    const std::string audios = "invalidInputFiles(differentAudioTracks)";
+    struct Case {
+        std::string name;
+        Clip first;
+        Clip second;
+        std::string reason;
+    };
+    const std::vector<Case> cases = {
+        {"size", plain, clip({.width = 162}), videos},
+        {"rotation", plain, turned, videos},
+        {"codec", coded("-c:v mpeg4 -c:a aac"), plain, videos},
+        {"tag", plain, coded(x264 + "yuv420p -tag:v avc3 -c:a aac"), videos},
+        {"pixel format", coded(x264 + "yuv422p -c:a aac"), plain, videos},
+        {"rate", plain, clip({.rate = "25"}), videos},
+        {"rate text", plain, clip({.rate = "30000/1001"}), videos},
+        {"picture count", twoPictures, plain, videos},
+        {"no picture", plain, {.seconds = 0.3, .pictures = {}}, videos},
+        {"sample rate", plain, clip({}, {{.sampleRate = 44'100}}), audios},
+        {"channels", clip({}, {{.layout = "mono"}}), plain, audios},
+        {"layout", clip({}, {{.layout = "5.1(side)"}}), clip({}, {{.layout = "5.1"}}), audios},
+        {"audio codec", plain, coded(x264 + "yuv420p -c:a mp3"), audios},
+        {"sample format", coded(x264 + "yuv420p -c:a pcm_s16le", "mov"),
+         coded(x264 + "yuv420p -c:a pcm_s24le", "mov"), audios},
+        {"no sound", plain, clip({}, {}), audios},
+        {"sound count", clip({}, {{}, {}}), plain, audios},
+        {"container", plain, matroska, formats},
+    };
+    for (const Case& pair : cases) {
+        SCOPED_TRACE(pair.name);
+        const std::string first = makeClip(pair.first);
+        const std::string second = makeClip(pair.second);
+        const RequestPointer request = concat({first, second});
+        EXPECT_EQ(failureOf(request), pair.reason);
+        EXPECT_EQ(fetch(request->id)->status, Status::idle);
+    }
+    EXPECT_FALSE(runBlocking(CorvantaSdkVideo->canConcat(files({makeClip(plain), makeClip(turned)}))));
+    EXPECT_FALSE(fs::exists(directory_.file("out.mp4")));
+}
+
+TEST_F(RequestFilesTest, CancelsLongRunsAndLeavesAReadableFile) {
+    const std::string clip = makeClip({.seconds = 20, .pictures = {{.width = 1280, .height = 720}}});
+    std::atomic<std::int64_t> frames = 0;
+    FFmpegKitConfig::enableStatisticsCallback(
+        [&frames](const Statistics& statistics) { frames = statistics.frame; });
+    asio::thread_pool pool(1);
+    const auto cancelled = [&](const RequestPointer& request, const std::string& failure) {
+        frames = 0;
+        auto result = asio::co_spawn(pool, request->process(), asio::use_future);
+        EXPECT_TRUE(eventually([&frames] { return frames > 30; }));
+        fetch(request->id)->cancel();
+        EXPECT_THROW(
+            try { result.get(); } catch (const CorvantaSdkVideoError& error) {
+                EXPECT_EQ(error.what(), failure);
+                throw;
+            },
+            CorvantaSdkVideoError);
+        EXPECT_EQ(fetch(request->id)->status, Status::cancelled);
+        const auto written = probed(directory_.file("out.mp4"));
+        EXPECT_GT(written.durationMillis, 900);
+        EXPECT_LT(written.durationMillis, 19'000);
+        EXPECT_EQ(written.videos.size(), 1U);
+        EXPECT_THAT(childrenOf(getpid()), IsEmpty());
+    };
+    cancelled(CorvantaSdkVideo->MergeBuilder(files({clip, clip}), place("out")).build(), "mergeFailed");
+    auto encode = CorvantaSdkVideo->EncodingBuilder(files({clip}).front(), place("out"));
+    encode.width = 1920;
+    cancelled(encode.build(), "encodingFailed");
+    FFmpegKitConfig::enableStatisticsCallback(nullptr);
+}
+
+TEST_F(RequestFilesTest, EncodesAndMergesWhatWasChosen) {
+    const std::string rich =
+        makeClip({.seconds = 1, .pictures = {{}, {.source = "color=c=green"}}, .sounds = {{}, {}}});
+    auto encode = CorvantaSdkVideo->EncodingBuilder(files({rich}).front(), place("small clip"));
+    encode.framesRate = CorvantaSdkVideoFrameRate::twentyFiveFps;
+    encode.videoTracks = {{1, 320, 240}};
+    encode.audioTracks = {3};
+    const auto request = encode.build();
+    EXPECT_EQ(failureOf(fetch(request->id)), "");
+    const std::string output = directory_.file("small clip.mp4");
+    const auto information = probed(output);
+    ASSERT_EQ(information.videos.size(), 1U);
+    EXPECT_EQ(information.videos[0].width, 320);
+    EXPECT_EQ(information.videos[0].frameRate, "25/1");
+    EXPECT_EQ(information.audios.size(), 1U);
+    EXPECT_NEAR(static_cast<double>(information.durationMillis), 1000, 100);
+    EXPECT_TRUE(isNear(meanColour(output, 0.5), {0, 128, 0}));
+
+    // A merge that ffmpeg refuses is told in the log, and can be run again once its cause is gone.
+    auto merge = CorvantaSdkVideo->MergeBuilder(files({rich, rich}), place("no/such/folder/out"));
+    const auto refused = merge.build();
+    EXPECT_EQ(failureOf(refused), "mergeFailed");
+    EXPECT_EQ(fetch(refused->id)->status, Status::error);
+    fs::create_directories(directory_.file("no/such/folder"));
+    EXPECT_EQ(failureOf(refused), "operationStillsInProgress");
+    EXPECT_EQ(failureOf(fetch(refused->id)), "");
+    EXPECT_NEAR(static_cast<double>(probed(directory_.file("no/such/folder/out.mp4")).durationMillis), 2000,
+                100);
+    std::vector<UUID> complete;
+    for (const RequestPointer& stored : CorvantaSdkVideo->getRequests(Status::complete)) {
+        complete.push_back(stored->id);
+    }
+    EXPECT_THAT(complete, ::testing::IsSupersetOf({request->id, refused->id}));
+}
+
+} // namespace
+} // namespace corvanta

@@ -1,0 +1,245 @@
+#include "support/MediaFixtures.hpp"
+#include "support/Processes.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <csignal>
+#include <filesystem>
+#include <regex>
+
+namespace corvanta::test {
+namespace {
+
+using nlohmann::json;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::MatchesRegex;
+
+const std::string idPattern = "[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}";
+
+struct Ended {
+    int status;
+    std::string output;
+    std::string errors;
+
+    /// The request that was told of.
+    std::string id() const { return errors.substr(8, 36); }
+};
+
+/// The host with a store of its own.
+class RequestCommandsTest : public ::testing::Test {
+  protected:
+    RequestCommandsTest() { options_.environment = {{"XDG_DATA_HOME", directory_.file("data")}}; }
+
+    Ended run(const std::vector<std::string>& arguments) const {
+        Program host(CORVANTA_HOST, arguments, options_);
+        const int status = host.wait();
+        return {status, host.output(), host.errors()};
+    }
+
+    json requests(const std::string& status) const {
+        return json::parse(run({"--json", "requests", "--status", status}).output);
+    }
+
+    std::string file(const std::string& name) const { return directory_.file(name); }
+
+    const TemporaryDirectory directory_;
+    Program::Options options_;
+    const std::string clip_ = makeClip({.seconds = 0.5});
+    const std::string wide_ = makeClip({.seconds = 0.5, .pictures = {{.width = 320}}});
+};
+
+TEST_F(RequestCommandsTest, TellResultsAndFailures) {
+    const std::string request = "^request " + idPattern + "\n";
+    struct Case {
+        std::vector<std::string> arguments;
+        int status;
+        /// Exact.
+        std::string output;
+        std::string errors;
+    };
+    const std::vector<Case> cases = {
+        {{"can-concat", clip_, clip_}, 0, "yes\n", "^$"},
+        {{"can-concat", clip_, wide_}, 0, "no\n", "^$"},
+        {{"can-concat", "--json", clip_, clip_}, 0, "{\n  \"canConcat\": true\n}\n", "^$"},
+        {{"can-concat", clip_}, 1, "", R"(^corvanta_host: invalidInputFiles\(notEnoughVideos\)\n$)"},
+        {{"can-concat", "--logged-out", clip_, clip_}, 1, "", "^corvanta_host: userNotAuthenticated: .*\n$"},
+        {{"concat", file("joined it"), clip_, clip_}, 0, file("joined it.mp4\n"), request + "$"},
+        {{"concat", file("x"), clip_, wide_},
+         1,
+         "",
+         request + R"(corvanta_host: invalidInputFiles\(differentVideoTracks\)\n$)"},
+        {{"concat", file("x"), clip_, "/no/such.mp4"},
+         1,
+         "",
+         request + R"(corvanta_host: invalidInputFiles\(inputContainsNonExistingFiles\)\n$)"},
+        {{"concat", file("no/x"), clip_, clip_},
+         1,
+         "",
+         request + "corvanta_host: concatFailed: .*No such file or directory.*\n$"},
+        {{"concat", file("x"), clip_, clip_, "--logged-out"},
+         1,
+         "",
+         request + "corvanta_host: userNotAuthenticated: .*\n$"},
+        {{"merge", file("m"), clip_, wide_, "--width", "256", "--height", "128", "--fps", "25"},
+         0,
+         file("m.mp4\n"),
+         request + "$"},
+        {{"merge", file("t"), clip_, wide_, "--video-track", "0:0,1:0@160x", "--audio-track", "1:1"},
+         0,
+         file("t.mp4\n"),
+         request + "$"},
+        {{"merge", file("x"), clip_},
+         1,
+         "",
+         request + R"(corvanta_host: invalidInputFiles\(notEnoughVideos\)\n$)"},
+        {{"merge", file("x"), clip_, clip_, "--width", "127"},
+         1,
+         "",
+         request + "corvanta_host: invalidResolution\n$"},
+        {{"merge", file("no/x"), clip_, clip_},
+         1,
+         "",
+         request + "corvanta_host: mergeFailed: Merge requeset failed.*COMPLETED error 1.*No such file or "
+                   "directory.*\n$"},
+        {{"merge", file("x"), clip_, clip_, "--video-track", "0-0"},
+         1,
+         "",
+         "^corvanta_host: \"0-0\" selects no stream\n$"},
+        {{"merge", file("x"), clip_, clip_, "--audio-track", "0:99999999999999999999"},
+         1,
+         "",
+         "^corvanta_host: \"99999999999999999999\" selects no stream\n$"},
+        {{"merge", file("x"), clip_, clip_, "--fps", "31"}, 1, "", "--fps"},
+        {{"encode", file("e"), wide_, "--video", "0@160x128", "--audio", "1", "--fps", "24"},
+         0,
+         file("e.mp4\n"),
+         request + "$"},
+        {{"encode", file("x"), file("x")}, 1, "", request + "corvanta_host: notFoundVideo\n$"},
+        {{"encode", file("x"), wide_, "--video", "a@x"},
+         1,
+         "",
+         "^corvanta_host: \"a@x\" selects no stream\n$"},
+        {{"process", "x"}, 1, "", "^corvanta_host: \"x\" is no request id\n$"},
+        {{"process", "01234567-89ab-4def-8123-456789abcdef"}, 1, "", "^corvanta_host: uploadNotFound\n$"},
+        {{"watch", "01234567-89ab-4def-8123-456789abcdef"}, 1, "", "^corvanta_host: uploadNotFound\n$"},
+        {{"requests", "--status", "done"}, 1, "", "--status"},
+        {{"requests", "--logged-out"}, 1, "", "^corvanta_host: userNotAuthenticated: .*\n$"},
+        {{"tracks", "remove-audio", clip_, file("silent.mp4")}, 0, file("silent.mp4\n"), "^$"},
+        {{"tracks", "remove-video", clip_, file("sound.mp4"), "--json"},
+         0,
+         "{\n  \"videoURL\": \"file://" + file("sound.mp4") + "\"\n}\n",
+         "^$"},
+        {{"tracks", "add-video", clip_, file("two.mp4"), "--duration", "500", "--width", "64", "--height",
+          "64"},
+         0,
+         file("two.mp4\n"),
+         "^$"},
+        {{"tracks", "add-audio", clip_, file("two sounds.mp4")}, 0, file("two sounds.mp4\n"), "^$"},
+        {{"tracks", "remove-audio", "/no/such.mp4", file("x.mp4")},
+         1,
+         "",
+         "^corvanta_host: COMPLETED error 1: .*No such file or directory.*\n$"},
+        {{"tracks"}, 1, "", "subcommand"},
+        {{}, 1, "", "subcommand"},
+    };
+    for (const Case& expected : cases) {
+        SCOPED_TRACE(::testing::PrintToString(expected.arguments));
+        const Ended ended = run(expected.arguments);
+        EXPECT_EQ(ended.status, expected.status);
+        EXPECT_EQ(ended.output, expected.output);
+        EXPECT_TRUE(std::regex_search(ended.errors, std::regex(expected.errors))) << ended.errors;
+    }
+    EXPECT_EQ(probed(file("m.mp4")).videos[0].width, 256);
+    EXPECT_EQ(probed(file("m.mp4")).videos[0].frameRate, "25/1");
+    EXPECT_EQ(probed(file("t.mp4")).videos[0].width, 160);
+    EXPECT_EQ(probed(file("e.mp4")).videos[0].height, 128);
+    EXPECT_EQ(probed(file("two.mp4")).videos.size(), 2U);
+    EXPECT_EQ(probed(file("two sounds.mp4")).audios.size(), 2U);
+    EXPECT_FALSE(std::filesystem::exists(file("x.mp4")));
+    // The four that failed before they ran, and those that ffmpeg refused.
+    EXPECT_EQ(requests("complete").size(), 4U);
+    EXPECT_EQ(requests("error").size(), 2U);
+    EXPECT_EQ(requests("idle").size(), 6U);
+}
+
+TEST_F(RequestCommandsTest, FindTheRequestsOfAnotherProcess) {
+    const Ended merged = run({"--json", "merge", file("a/b"), clip_, clip_, "--height", "128"});
+    EXPECT_EQ(merged.status, 1);
+    const json failed = requests("error");
+    ASSERT_EQ(failed.size(), 1U);
+    const json& stored = failed[0];
+    EXPECT_EQ(stored["id"], merged.id());
+    EXPECT_EQ(stored["type"], "merge");
+    EXPECT_EQ(stored["outputPath"], file("a/b.mp4"));
+    EXPECT_EQ(stored["inputs"], (json{"file://" + clip_, "file://" + clip_}));
+    EXPECT_EQ(stored["errorMessage"], nullptr);
+    EXPECT_EQ(stored["parameters"],
+              json::parse(R"({"height":128,"videoTracks":[],"audioTracks":[],"framesRate":"30"})"));
+    EXPECT_THAT(run({"requests"}).output,
+                MatchesRegex(merged.id() + "  merge   error +[^ ]+Z  2 files -> .*/a/b.mp4\n"));
+
+    std::filesystem::create_directory(file("a"));
+    const Ended again = run({"--json", "process", merged.id()});
+    EXPECT_EQ(again.status, 0) << again.errors;
+    EXPECT_EQ(json::parse(again.output), (json{{"id", merged.id()}, {"videoURL", file("a/b.mp4")}}));
+    EXPECT_EQ(probed(file("a/b.mp4")).videos[0].height, 128);
+    EXPECT_THAT(run({"process", merged.id()}).errors, EndsWith("corvanta_host: operationAlreadyCompleted\n"));
+    EXPECT_EQ(requests("complete")[0]["id"], merged.id());
+
+    // A stored path is found by what the file is, wherever it was moved in its folder.
+    const std::string moving = file("moving.mp4");
+    std::filesystem::copy_file(clip_, moving);
+    const Ended idle = run({"--logged-out", "concat", file("joined"), moving, clip_});
+    EXPECT_EQ(idle.status, 1);
+    std::filesystem::rename(moving, file("moved.mp4"));
+    EXPECT_EQ(requests("idle")[0]["inputs"][0], "file://" + file("moved.mp4"));
+    EXPECT_EQ(run({"process", idle.id()}).output, file("joined.mp4\n"));
+}
+
+TEST_F(RequestCommandsTest, StopOnInterrupts) {
+    const std::string longClip = makeClip({.seconds = 20, .pictures = {{.width = 1280, .height = 720}}});
+    {
+        Program host(CORVANTA_HOST, {"merge", file("long"), longClip, longClip}, options_);
+        const auto size = [this] {
+            std::error_code none;
+            const auto bytes = std::filesystem::file_size(file("long.mp4"), none);
+            return none ? 0 : bytes;
+        };
+        EXPECT_TRUE(eventually([&] { return size() > 100'000; }));
+        host.signal(SIGINT);
+        EXPECT_EQ(host.wait(), 1);
+        EXPECT_THAT(host.errors(), HasSubstr("corvanta_host: mergeFailed: Merge requeset failed. The "
+                                             "operation couldn’t be completed. (COMPLETED error 255.)"));
+        EXPECT_EQ(requests("cancelled").size(), 1U);
+        EXPECT_EQ(probed(file("long.mp4")).videos.size(), 1U);
+    }
+    {
+        const FakeProgram slow("CORVANTA_FFPROBE", "touch $here/started; exec sleep 600\n");
+        Program host(CORVANTA_HOST, {"concat", file("x"), clip_, clip_}, options_);
+        EXPECT_TRUE(eventually([&] { return std::filesystem::exists(slow.file("started")); }));
+        host.signal(SIGINT);
+        EXPECT_EQ(host.wait(), 1);
+        EXPECT_THAT(host.errors(), HasSubstr("corvanta_host: interrupted before the run"));
+    }
+    EXPECT_EQ(requests("idle").size(), 1U);
+
+    for (const std::string& id : {std::string(), requests("idle")[0]["id"].get<std::string>()}) {
+        std::vector<std::string> arguments = {"--json", "watch"};
+        if (!id.empty()) {
+            arguments.push_back(id);
+        }
+        Program host(CORVANTA_HOST, arguments, options_);
+        EXPECT_TRUE(eventually([&] { return host.output().ends_with('\n'); }));
+        host.signal(SIGTERM);
+        EXPECT_EQ(host.wait(), 0);
+        const json emission = json::parse(host.output());
+        EXPECT_EQ(id.empty() ? emission.size() : 1U, id.empty() ? 2U : 1U);
+        EXPECT_EQ((id.empty() ? emission[1] : emission)["status"], "idle");
+    }
+}
+
+} // namespace
+} // namespace corvanta::test
