@@ -17,7 +17,7 @@ using Descriptor = CorvantaSdkVideoFileDescriptor;
 using Operation = LocalVideoRequest::OperationType;
 
 /// Looks at the output location while a row is inserted.
-class WatchingStore : public corvanta::testing::InMemoryVideoStore {
+class WatchingStore : public corvanta::InMemoryVideoStore {
   public:
     void insert(const LocalVideoRequest& request) override {
         const std::string path = request.outputPath.path();

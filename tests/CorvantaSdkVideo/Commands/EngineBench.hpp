@@ -30,7 +30,7 @@ inline std::string statusName(Stored status) {
 }
 
 /// Notes each update as it is asked for ("processing", "pid 7", "complete -pid"), and fails on demand.
-class NotingStore : public testing::InMemoryVideoStore {
+class NotingStore : public InMemoryVideoStore {
   public:
     explicit NotingStore(std::shared_ptr<ScriptedExecutor::Notes> notes) : notes_(std::move(notes)) {}
 

@@ -56,8 +56,8 @@ struct ThreadsBench {
     TemporaryDirectory directory;
     RecordedLog log;
     std::shared_ptr<FFMPEGCommandExecutor> executor = std::make_shared<RunningExecutor>();
-    std::shared_ptr<corvanta::testing::InMemoryVideoStore> store =
-        std::make_shared<corvanta::testing::InMemoryVideoStore>();
+    std::shared_ptr<corvanta::InMemoryVideoStore> store =
+        std::make_shared<corvanta::InMemoryVideoStore>();
     std::shared_ptr<CorvantaCredentialsManager> credentials =
         std::make_shared<CorvantaCredentialsManagerImp>();
     std::shared_ptr<CorvantaSdkVideoMergeEngine> merge = std::make_shared<CorvantaSdkVideoMergeEngine>(
