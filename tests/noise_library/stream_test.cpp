@@ -77,7 +77,7 @@ TEST(Streams, AnOpenMaskGivesTheInputBackAfterTheDelay) {
     struct Pairing {
         int frameLength;
         int duration;
-        std::size_t delay; ///< milliseconds, of both buffers
+        std::size_t delay; ///< milliseconds
     };
     LibraryScope const library;
     std::vector<float> speech = makeSpeech(16000, 1.2);
@@ -86,25 +86,28 @@ TEST(Streams, AnOpenMaskGivesTheInputBackAfterTheDelay) {
         shape.frameLength = length;
         ASSERT_EQ(library.setModel(std::to_string(length), openModel(shape)), 0);
     }
-    for (Pairing const& p : {Pairing{320, 10, 20},
-                             {320, 15, 25},
-                             {320, 20, 20},
-                             {320, 32, 28},
-                             {320, 40, 20},
-                             {480, 10, 40},
-                             {480, 15, 30},
-                             {480, 30, 30},
-                             {480, 32, 44},
-                             {512, 10, 47},
-                             {512, 20, 44},
-                             {512, 30, 46},
-                             {512, 32, 32},
-                             {512, 40, 44}}) {
+    for (Pairing const& p : {Pairing{320, 10, 10},
+                             {320, 15, 15},
+                             {320, 20, 10},
+                             {320, 30, 10},
+                             {320, 32, 18},
+                             {320, 40, 10},
+                             {480, 10, 25},
+                             {480, 15, 15},
+                             {480, 20, 25},
+                             {480, 30, 15},
+                             {480, 32, 29},
+                             {480, 40, 25},
+                             {512, 10, 31},
+                             {512, 20, 28},
+                             {512, 30, 30},
+                             {512, 32, 16},
+                             {512, 40, 28}}) {
         SCOPED_TRACE(testing::Message() << p.frameLength << " samples, " << p.duration << " ms");
         Stream stream(16000, 16000, p.duration, std::to_string(p.frameLength).c_str());
         std::vector<float> const out = stream.cleanAll(speech);
         std::size_t const delay = p.delay * 16;
-        EXPECT_LT(peak({out.begin(), out.begin() + static_cast<std::ptrdiff_t>(delay) - 1}), 1e-6f);
+        EXPECT_LT(peak({out.begin(), out.begin() + static_cast<std::ptrdiff_t>(delay) - 1}), 1e-3f);
         float worst = 0.0f;
         for (std::size_t i = delay; i < out.size(); ++i)
             worst = std::max(worst, std::abs(out[i] - speech[i - delay]));
