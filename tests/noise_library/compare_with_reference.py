@@ -33,7 +33,7 @@ from talvo_audio import Library
 from weights import write_control, write_weights
 
 SAMPLES = 5e-5
-STEPS = 5e-3
+STEPS = 1e-2
 PROBABILITY = 2e-5
 DECIBELS = 1e-4
 

@@ -100,6 +100,7 @@ SETTINGS = (
                                             "WINDOW_AFTER": "HAMMING"}),
     ("same synthesis window", ("0.0.1",), {"ENABLE_CLIP_FIX": True, "ENABLE_WINDOW_AFTER": True,
                                            "WINDOW_AFTER": "TRIANGL"}),
+    ("synthesis window, not enabled", ("0.0.1",), {"ENABLE_CLIP_FIX": True, "WINDOW_AFTER": "HAMMING"}),
     ("synthesis window, no clip fix", ("0.0.1",), {"ENABLE_WINDOW_AFTER": True, "WINDOW_AFTER": "HAMMING"}),
     ("no rescaling", RESCALED, {"ENABLE_RESCALE": False}),
     ("rescaling references alone", RESCALED, {"RESCALE_REF_AMPL": 300.0, "RESCALE_REF_EN": 5000.0}),
@@ -144,8 +145,12 @@ def _settings(everything):
     yield Case("control file over weight file", "0.0.5", settings={"SMOOT_COEF": 0.5, "ENABLE_RESCALE": False},
                weight_settings={"SMOOT_COEF": 0.9, "ENABLE_RESCALE": True, "HIGH_FREQ_SMOOT": True}, extension=".cfg",
                seconds=1.0)
-    yield Case("a switch that isn't TRUE", "0.0.5", settings={"ENABLE_RESCALE": "true", "HIGH_FREQ_SMOOT": "1"},
-               extension=".cfg")
+    yield Case("text that isn't clean", "0.0.5", extension=".cfg",
+               settings={"ENABLE_RESCALE": "true", "HIGH_FREQ_SMOOT": "1", "SMOOT_COEF": "0.5x",
+                         "ENABLE_CLIP_FIX": True, "CLIP_FIX_POINT": "3000.9"})
+    yield Case("values of another kind", "0.0.5",
+               weight_settings={"SMOOT_COEF": "0.3", "HIGH_FREQ_SMOOT": 1, "COMPRESS_RATE": 1.0, "ENABLE_CLIP_FIX": True,
+                                "CLIP_FIX_POINT": 3000.0})
 
 
 def _shapes():
@@ -153,6 +158,7 @@ def _shapes():
         yield Case("narrow band, long history", version, seconds=0.8,
                    model={"begin": 8, "end": 72, "preview": 5, "tile_mean": False, "hidden": (12, 12)})
         yield Case("one hidden layer, one frame", version, model={"preview": 1, "hidden": (16,), "noise_frames": 1})
+        yield Case("from the first bin", version, model={"begin": 0, "end": 160})
         yield Case("long stream", version, seconds=8.0, settings={"ENABLE_THRESH_CUT": True}, extension=".cfg")
 
 
@@ -170,6 +176,7 @@ def _voice(everything):
                settings={"ENABLE_STATE_RESET": True}, extension=".cfg", seconds=7.0)
     yield Case("state reset, in the weight file", "VAD_0.0.1", kind="vad",
                weight_settings={"ENABLE_STATE_RESET": True}, extension=".tw", seconds=7.0)
+    yield Case("one hidden layer, one frame", "VAD_0.0.1", kind="vad", model={"preview": 1, "hidden": (8,)})
     yield Case("no limits, no floor", "VAD_0.0.1", kind="vad", model={"minmax": False, "floor": False}, seconds=1.0)
 
 

@@ -83,8 +83,7 @@ def read_settings(weights, environment, version, prefix):
         s.threshold = source.real("RM_THRESHOLD", 0.5)
         if not 0 < s.threshold <= 1:
             s.threshold = f32(0.5)
-    s.window_after = "TRIANGL"
-    if number == 1 and source.switch("ENABLE_WINDOW_AFTER", False):
+    if number == 1:
         s.window_after = source.text("WINDOW_AFTER") or "TRIANGL"
     if number >= 3:
         key = "BRELLIN_NIMBA_ENABLE_RESCALE_v0_0_4" if number == 4 else None
