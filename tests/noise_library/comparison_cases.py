@@ -149,8 +149,8 @@ def _settings(everything):
                settings={"ENABLE_RESCALE": "true", "HIGH_FREQ_SMOOT": "1", "SMOOT_COEF": "0.5x",
                          "ENABLE_CLIP_FIX": True, "CLIP_FIX_POINT": "3000.9"})
     yield Case("values of another kind", "0.0.5",
-               weight_settings={"SMOOT_COEF": "0.3", "HIGH_FREQ_SMOOT": 1, "COMPRESS_RATE": 1.0, "ENABLE_CLIP_FIX": True,
-                                "CLIP_FIX_POINT": 3000.0})
+               weight_settings={"SMOOT_COEF": "0.3", "HIGH_FREQ_SMOOT": 1, "COMPRESS_RATE": 1.0,
+                                "ENABLE_CLIP_FIX": True, "CLIP_FIX_POINT": 3000.0})
 
 
 def _shapes():
