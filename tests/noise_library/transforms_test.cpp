@@ -5,7 +5,6 @@
 #include <gmock/gmock.h>
 #include <numbers>
 #include <random>
-#include <thread>
 
 namespace {
 
@@ -49,26 +48,6 @@ TEST(FFT, AgreesWithTheDefinitionAndComesBack) {
             EXPECT_NEAR(raw[i], in[i] * static_cast<float>(size), 0.01f * static_cast<float>(size));
         }
     }
-}
-
-TEST(FFT, ServesManyThreadsAtOnce) {
-    auto const fft = FFT::create(512);
-    std::vector<std::thread> threads;
-    std::vector<int> wrong(16);
-    for (unsigned t = 0; t < wrong.size(); ++t)
-        threads.emplace_back([&, t] {
-            auto const in = noise(512, t);
-            std::vector<std::complex<float>> spectrum;
-            std::vector<float> back;
-            for (int turn = 0; turn < 200; ++turn) {
-                fft->computeForward(in, spectrum);
-                fft->computeBackward(spectrum, back);
-                wrong[t] += std::abs(back[100] - in[100]) > 0.01f ? 1 : 0;
-            }
-        });
-    for (std::thread& thread : threads)
-        thread.join();
-    EXPECT_THAT(wrong, testing::Each(0));
 }
 
 TEST(FFTDeathTest, EndsOnSizesThatDontFit) {
