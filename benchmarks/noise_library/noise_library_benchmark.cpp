@@ -39,7 +39,7 @@ class LibraryFixture {
     bool ready_ = false;
 };
 
-void sessionOfVersion(benchmark::State& state, std::string const& version, int rate) {
+void sessionOfVersion(benchmark::State& state, std::string const& version, int rate, float loudness = 1.0f) {
     LibraryFixture const library(version);
     auto const sampling = static_cast<TalvoAudioSamplingRate>(rate);
     void* const session = talvoAudioNcCreateSession(sampling, sampling, TALVO_AUDIO_DURATION_10, "bench");
@@ -48,7 +48,9 @@ void sessionOfVersion(benchmark::State& state, std::string const& version, int r
         return;
     }
     auto const frameSize = static_cast<unsigned>(rate / 100);
-    std::vector<float> const speech = noise_test::makeSpeech(rate, 4.0);
+    std::vector<float> speech = noise_test::makeSpeech(rate, 4.0);
+    for (float& sample : speech)
+        sample *= loudness;
     std::vector<float> out(frameSize);
     std::size_t at = 0;
     for (auto _ : state) {
@@ -65,6 +67,7 @@ void sessionOfVersion(benchmark::State& state, std::string const& version, int r
 
 BENCHMARK_CAPTURE(sessionOfVersion, v0_0_5_16kHz, "0.0.5", 16000);
 BENCHMARK_CAPTURE(sessionOfVersion, v0_0_5_48kHz, "0.0.5", 48000);
+BENCHMARK_CAPTURE(sessionOfVersion, v0_0_5_16kHz_denormals, "0.0.5", 16000, 1e-38f);
 BENCHMARK_CAPTURE(sessionOfVersion, v0_0_6_16kHz, "0.0.6", 16000);
 BENCHMARK_CAPTURE(sessionOfVersion, v0_0_3_16kHz, "0.0.3", 16000);
 

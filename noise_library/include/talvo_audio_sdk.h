@@ -128,7 +128,8 @@ TALVO_AUDIO_API int talvoAudioVadCloseSession(void* session);
 TALVO_AUDIO_API int talvoAudioNoiseDbCloseSession(void* session);
 
 /**
- * Begins a new measurement on a noise level session, as if it had just been opened.
+ * Begins a new measurement on a noise level session, as if it had just been opened; where its sound is
+ * resampled, a sample or two from before the reset may still come through.
  * @return 1 on success, -3 for a handle that is null, unknown or of another kind, or -1, -2.
  */
 TALVO_AUDIO_API int talvoAudioNoiseDbResetSession(void* session);

@@ -33,9 +33,9 @@ from talvo_audio import Library
 from weights import write_control, write_weights
 
 SAMPLES = 5e-5
-STEPS = 2e-2
+STEPS = 1e-2
 PROBABILITY = 2e-5
-DECIBELS = 2e-4
+DECIBELS = 1e-4
 
 
 def make_signal(rate, seconds, seed=7):

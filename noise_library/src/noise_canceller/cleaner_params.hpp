@@ -19,6 +19,7 @@ struct CleanerParams : ModelParams {
     }
 
     Settings settings;
+    float logFloor = 0.0f; ///< added to energies before their logarithm
     WindowPtr analysisWindowPtr;
     WindowPtr synthesisWindowPtr;
     std::shared_ptr<UTILS::FFT> fftCalculatorPtr;

@@ -7,8 +7,8 @@
 
 namespace TALVO::NOISE_CANCELLER {
 
-GatedCleaner::GatedCleaner(WEIGHTS::ModelPtr model, CleanerParams params, float logFloor)
-    : SpectralCleaner(std::move(model), std::move(params)), logFloor_(logFloor) {
+GatedCleaner::GatedCleaner(WEIGHTS::ModelPtr model, CleanerParams params)
+    : SpectralCleaner(std::move(model), std::move(params)) {
     BackgroundSpeakerSettings const& fix = params_.settings.backgroundSpeaker;
     if (fix.enabled)
         backgroundSpeakerFixPtr_ = std::make_unique<UTILS::BackgroundSpeakerFix>(
@@ -27,7 +27,7 @@ void GatedCleaner::calcFeatures(float const* frame) {
     NOISE_CLEANER_FUNCTIONS::calcRescaleAbsAndFiltr(spectrum_, features_, rescaleFactor(frame), params_);
     NOISE_CLEANER_FUNCTIONS::vectorSizeReducer(features_, params_.settings.compressRate + 1);
     for (float& value : features_)
-        value = std::log(value + logFloor_);
+        value = std::log(value + params_.logFloor);
     normaliseWithHistory();
 }
 

@@ -11,8 +11,7 @@ namespace TALVO::NOISE_CANCELLER {
 /// network that may rest in silence, and a gain and the background speaker fix on the result.
 class GatedCleaner : public SpectralCleaner {
   protected:
-    /// `logFloor` is added to the energies before the logarithm.
-    GatedCleaner(WEIGHTS::ModelPtr model, CleanerParams params, float logFloor);
+    GatedCleaner(WEIGHTS::ModelPtr model, CleanerParams params);
 
     void inputArrived(std::vector<float> const& input) override;
     void calcFeatures(float const* frame) override;
@@ -26,7 +25,6 @@ class GatedCleaner : public SpectralCleaner {
 
   private:
     bool skipNow = false;
-    float logFloor_;
     std::unique_ptr<UTILS::BackgroundSpeakerFix> backgroundSpeakerFixPtr_;
 };
 

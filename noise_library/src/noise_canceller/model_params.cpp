@@ -7,8 +7,9 @@
 namespace TALVO::NOISE_CANCELLER {
 namespace {
 
-/// Longer frames than any rate and duration can have would only cost memory before they fail.
-constexpr std::size_t longestFrame = 1 << 16;
+/// What is longer than any rate and duration can ask for would only cost memory before it fails.
+constexpr std::size_t longestFrame = 1 << 13;
+constexpr std::size_t longestHistory = 1 << 12;
 
 /// The shared object under a key; the one made here stays the caller's own if the key holds
 /// something else, which a control file can bring about.
@@ -41,7 +42,7 @@ ModelParams::ModelParams(WEIGHTS::Weight const& weight, std::size_t inputFrameMi
       inputFrameDuration(inputFrameMilliseconds) {
     TALVO_ASSERT(filterRangeStart < filterRangeEnd, "filterRangeStart < filterRangeEnd");
     if (frameLength > longestFrame || step > longestFrame || coefficientNumber > longestFrame ||
-        filterRangeEnd > longestFrame || previewFrames > longestFrame)
+        filterRangeEnd > longestFrame || previewFrames > longestHistory)
         TALVO_THROW("the model's sizes are out of any range");
 }
 

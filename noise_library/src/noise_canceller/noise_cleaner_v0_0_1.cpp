@@ -29,7 +29,10 @@ CleanerParams readParams(WEIGHTS::Model& model, std::size_t inputFrameDuration) 
 } // namespace
 
 NoiseCleaner_v0_0_1::NoiseCleaner_v0_0_1(WEIGHTS::ModelPtr model, std::size_t inputFrameDuration)
-    : NoiseFeedbackCleaner(model, readParams(*model, inputFrameDuration)) {}
+    : NoiseFeedbackCleaner(model, readParams(*model, inputFrameDuration)) {
+    TALVO_ASSERT(params_.synthesisWindowPtr, "params_.triangleWindowPtr");
+    TALVO_ASSERT(params_.analysisWindowPtr, "params_.hammingWindowPtr");
+}
 
 void NoiseCleaner_v0_0_1::synthesise(float const* frame, std::vector<float>& out) {
     if (!params_.settings.clipFix) {

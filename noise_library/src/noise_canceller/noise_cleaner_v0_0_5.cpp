@@ -3,8 +3,6 @@
 namespace TALVO::NOISE_CANCELLER {
 namespace {
 
-constexpr float logFloor = 1000.0f;
-
 CleanerParams readParams(WEIGHTS::Model& model, std::size_t inputFrameDuration) {
     CleanerParams params(*model.first, inputFrameDuration);
     SettingReader const reader(model, "TALVO_", "_v0_0_5");
@@ -17,6 +15,7 @@ CleanerParams readParams(WEIGHTS::Model& model, std::size_t inputFrameDuration) 
     // This key alone kept the older prefix.
     params.settings.readCompressRate(SettingReader(model, "NIMBA_", "_v0_0_5"));
     params.settings.backgroundSpeaker.read(reader);
+    params.logFloor = 1000.0f;
     shareVorbisWindow(params, model);
     return params;
 }
@@ -24,7 +23,7 @@ CleanerParams readParams(WEIGHTS::Model& model, std::size_t inputFrameDuration) 
 } // namespace
 
 NoiseCleaner_v0_0_5::NoiseCleaner_v0_0_5(WEIGHTS::ModelPtr model, std::size_t inputFrameDuration)
-    : GatedCleaner(model, readParams(*model, inputFrameDuration), logFloor), network_(weight()),
+    : GatedCleaner(model, readParams(*model, inputFrameDuration)), network_(weight()),
       state(network_.stateSize, 0.0f) {}
 
 void NoiseCleaner_v0_0_5::runNetwork() {

@@ -16,6 +16,7 @@ CleanerParams readParams(WEIGHTS::Model& model, std::size_t inputFrameDuration) 
     params.settings.readRescale(reader, reader.flag("ENABLE_RESCALE", true));
     params.settings.readCompressRate(reader);
     params.settings.backgroundSpeaker.read(reader);
+    params.logFloor = model.first->getReference<float>("LpsEps");
     shareVorbisWindow(params, model);
     return params;
 }
@@ -36,9 +37,8 @@ void normaliseLayer(std::vector<float>& x, std::vector<float> const& gain, std::
 } // namespace
 
 NoiseCleaner_v0_0_6::NoiseCleaner_v0_0_6(WEIGHTS::ModelPtr model, std::size_t inputFrameDuration)
-    : GatedCleaner(model, readParams(*model, inputFrameDuration),
-                   model->first->getReference<float>("LpsEps")),
-      network_(weight()), state(network_.stateSize, 0.0f) {}
+    : GatedCleaner(model, readParams(*model, inputFrameDuration)), network_(weight()),
+      state(network_.stateSize, 0.0f) {}
 
 void NoiseCleaner_v0_0_6::calcRMForwardProp_GRU_Layernorm(std::vector<float>& memory,
                                                           std::vector<float>& inOut) {

@@ -5,8 +5,6 @@
 namespace TALVO::NOISE_CANCELLER {
 namespace {
 
-constexpr float logFloor = 1000.0f;
-
 CleanerParams readParams(WEIGHTS::Model& model, std::size_t inputFrameDuration) {
     CleanerParams params(*model.first, inputFrameDuration);
     SettingReader const reader(model, "NIMBA_", "_v0_0_5");
@@ -17,6 +15,7 @@ CleanerParams readParams(WEIGHTS::Model& model, std::size_t inputFrameDuration) 
     params.settings.readRmThreshold(reader);
     params.settings.readRescale(reader, reader.flag("ENABLE_RESCALE", true));
     params.settings.readCompressRate(reader);
+    params.logFloor = 1000.0f;
     shareVorbisWindow(params, model);
     return params;
 }
@@ -24,7 +23,7 @@ CleanerParams readParams(WEIGHTS::Model& model, std::size_t inputFrameDuration) 
 } // namespace
 
 NoiseDBCleaner_v0_0_1::NoiseDBCleaner_v0_0_1(WEIGHTS::ModelPtr model, std::size_t inputFrameDuration)
-    : GatedCleaner(model, readParams(*model, inputFrameDuration), logFloor), network_(weight()),
+    : GatedCleaner(model, readParams(*model, inputFrameDuration)), network_(weight()),
       state(network_.stateSize, 0.0f) {}
 
 bool NoiseDBCleaner_v0_0_1::cleanNoise(std::vector<float>& inOutVector) {

@@ -85,7 +85,8 @@ bool TalvoAudioInstanceT::readModel(WEIGHTS::Model& model, std::wstring const& p
     if (extension == L"cfg")
         return readControlledModel(model, path, weightName);
     if (extension == L"nmw" || extension == L"tw") {
-        std::cout << "WEIGHT " << UTILS::toUtf8(path) << std::endl;
+        std::string const narrow = UTILS::toUtf8(path);
+        std::cout << "WEIGHT " << narrow << std::endl;
         std::tie(model.first, weightName) = readAndCheckWeight(UTILS::Path(path));
     }
     return true;

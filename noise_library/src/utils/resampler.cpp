@@ -18,7 +18,8 @@ Resampler::Resampler(std::size_t inCount, std::size_t outCount)
 void Resampler::open() {
     // Closed first: two filter tables at once would be needless.
     handle_.reset();
-    handle_.reset(resample_open(1, ratio_, ratio_));
+    if (ratio_ != 1.0)
+        handle_.reset(resample_open(1, ratio_, ratio_));
 }
 
 int Resampler::resample(std::vector<float> const& in, std::vector<float>& out) {

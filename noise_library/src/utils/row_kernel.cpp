@@ -58,8 +58,8 @@ void addRowsBaseline(float const* v, std::size_t rows, float const* m, std::size
     addRows(v, rows, m, cols, out);
 }
 
-[[gnu::target("avx512f,prefer-vector-width=512")]] void
-addRowsAvx512(float const* v, std::size_t rows, float const* m, std::size_t cols, float* out) {
+[[gnu::target("avx512f")]] void addRowsAvx512(float const* v, std::size_t rows, float const* m,
+                                              std::size_t cols, float* out) {
     addRows(v, rows, m, cols, out);
 }
 #endif

@@ -67,6 +67,7 @@ class Resampler:
             return samples
         expected = int(self.ratio * samples.size)
         self.buffer = np.concatenate([self.buffer, np.zeros(self.SPARE + expected, f32)])[: self.SPARE + expected]
+        # After a reset the carry still stands: the first frame goes behind it, and is taken from the front.
         produced = self._process(samples, self.buffer[self.carry :])
         if self.first:
             # The converter starts late: silence leads, and one sample stays behind as slack.

@@ -83,7 +83,8 @@ def read_settings(weights, environment, version, prefix):
         s.threshold = source.real("RM_THRESHOLD", 0.5)
         if not 0 < s.threshold <= 1:
             s.threshold = f32(0.5)
-    s.window_after = source.text("WINDOW_AFTER") or "TRIANGL"
+    if number == 1:
+        s.window_after = source.text("WINDOW_AFTER") or "TRIANGL"
     if number >= 3:
         key = "BRELLIN_NIMBA_ENABLE_RESCALE_v0_0_4" if number == 4 else None
         s.rescale = source.switch("ENABLE_RESCALE", True, weight_key=key)

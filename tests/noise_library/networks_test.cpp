@@ -1,0 +1,64 @@
+#include "noise_canceller/forward_pass.hpp"
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using namespace TALVO::NOISE_CANCELLER::NOISE_CLEANER_FUNCTIONS;
+using TALVO::CONTAINERS::Matrix;
+using testing::ElementsAre;
+
+// The passes are compared with the reference through the interface; here stands what that can't show.
+
+struct Params {
+    std::vector<Matrix> weight_wl, weight_wnl;
+    std::vector<std::vector<float>> weight_bl, weight_bnl, weight_headenMultiplier, weight_headenReducer;
+    Matrix weight_wgru{2, 1, {0, 0}};
+    std::vector<float> weight_bgru{0};
+};
+
+Params outputLayerOnly() {
+    Params params;
+    params.weight_wnl = {Matrix(2, 1, {100, -100})};
+    params.weight_bnl = {{0}};
+    return params;
+}
+
+TEST(GatedPass, WithoutHiddenLayersNeverChangesItsState) {
+    Params const params = outputLayerOnly();
+    PassBuffers buffers;
+    std::vector<float> state{0.5f};
+    for (auto const& [input, output] : {std::pair{0.5f, 0.5f}, {50.0f, 0.0f}, {-50.0f, 1.0f}}) {
+        std::vector<float> x{input};
+        calcRMForwardProp_GRU_Modify(state, x, params, buffers);
+        EXPECT_THAT(x, ElementsAre(output));
+        EXPECT_THAT(state, ElementsAre(0.5f));
+    }
+}
+
+TEST(PassesDeathTest, EndOnSizesThatDontFit) {
+    PassBuffers buffers;
+    std::vector<float> state{0.5f};
+    std::vector<float> two{1, 2};
+    std::vector<float> one{1};
+    Params params = outputLayerOnly();
+    EXPECT_DEATH(
+        calcRMForwardProp_GRU_Modify(state, two, params, buffers),
+        "params.weight_wgru.rowSize\\(\\) == inOut.size\\(\\) && params.weight_wgru.colSize\\(\\) == "
+        "params.weight_bgru.size\\(\\)");
+    EXPECT_DEATH(calcRMForwardProp_GRU_VAD_Modify(state, one, params, buffers),
+                 "i==params.weight_wl.size\\(\\)-1");
+    EXPECT_DEATH(
+        calcRMForwardProp_DNN(one, params, buffers),
+        "params.weight_wl.size\\(\\) == params.weight_wnl.size\\(\\) && params.weight_wl.size\\(\\) == "
+        "params.weight_bl.size\\(\\)");
+    params.weight_bl = {{0}};
+    EXPECT_DEATH(calcRMForwardProp_RNN(state, one, params, buffers),
+                 "params.weight_wnl.size\\(\\)-1 <= params.weight_wl.size\\(\\)");
+    params.weight_wnl.insert(params.weight_wnl.begin(), Matrix(2, 2));
+    params.weight_bnl.insert(params.weight_bnl.begin(), {0, 0});
+    params.weight_wl = {Matrix(2, 1)};
+    EXPECT_DEATH(calcRMForwardProp_RNN(state, one, params, buffers), "weight_wnl\\[i\\].colSize");
+}
+
+} // namespace

@@ -1,0 +1,87 @@
+#include "noise_library/support/library_scope.hpp"
+
+#include "utils/fft.hpp"
+
+#include <atomic>
+#include <cmath>
+#include <gmock/gmock.h>
+#include <thread>
+
+namespace {
+
+using namespace noise_test;
+
+constexpr int frames = 60;
+
+std::vector<float> cleanAll(void* session, std::vector<float> const& speech) {
+    std::vector<float> out(static_cast<std::size_t>(frames) * 160);
+    for (std::size_t at = 0; at < out.size(); at += 160)
+        EXPECT_EQ(talvoAudioNcCleanAmbientNoiseFloat(session, speech.data() + at, 160, out.data() + at, 160),
+                  0);
+    return out;
+}
+
+void* open(char const* model) {
+    return talvoAudioNcCreateSession(samplingRate(16000), samplingRate(16000), frameDuration(10), model);
+}
+
+TEST(Threads, SessionsOfOneModelRunBesideEachOtherAndBesideChanges) {
+    LibraryScope const library;
+    ASSERT_EQ(library.setModel("shared", makeModel("0.0.5")), 0);
+    std::string const another = makeModel("0.0.3").plain();
+    std::vector<float> const speech = makeSpeech(16000, 1.0);
+    std::vector<float> const expected = cleanAll(open("shared"), speech);
+
+    std::vector<std::vector<float>> results(16);
+    std::atomic<int> running = 16;
+    testing::internal::CaptureStderr(); // the foreign handle's complaints
+    std::vector<std::thread> threads;
+    for (std::vector<float>& result : results)
+        threads.emplace_back([&] {
+            void* const session = open("shared");
+            result = cleanAll(session, speech);
+            EXPECT_EQ(talvoAudioNcCloseSession(session), 0);
+            --running;
+        });
+    threads.emplace_back([&] {
+        for (int i = 0; i < 200 && running > 0; ++i) {
+            std::string const name = "model" + std::to_string(i);
+            auto const path = library.folder().write(name + ".nmw", another);
+            EXPECT_EQ(talvoAudioSetModel(path.wstring().c_str(), name.c_str()), 0);
+            EXPECT_EQ(talvoAudioNcCloseSession(open(name.c_str())), 0);
+        }
+    });
+    threads.emplace_back([&] {
+        int foreign = 0;
+        std::array<float, 160> frame{};
+        while (running > 0)
+            EXPECT_EQ(talvoAudioNcCleanAmbientNoiseFloat(&foreign, frame.data(), 160, frame.data(), 160), 2);
+    });
+    for (std::thread& thread : threads)
+        thread.join();
+    testing::internal::GetCapturedStderr();
+    EXPECT_THAT(results, testing::Each(expected));
+}
+
+TEST(Threads, ShareATransform) {
+    auto const fft = TALVO::UTILS::FFT::create(512);
+    std::vector<std::thread> threads;
+    std::vector<int> wrong(16);
+    for (unsigned t = 0; t < wrong.size(); ++t)
+        threads.emplace_back([&, t] {
+            std::vector<float> in = makeSpeech(16000, 0.032);
+            in[100] += static_cast<float>(t);
+            std::vector<std::complex<float>> spectrum;
+            std::vector<float> back;
+            for (int turn = 0; turn < 200; ++turn) {
+                fft->computeForward(in, spectrum);
+                fft->computeBackward(spectrum, back);
+                wrong[t] += std::abs(back[100] - in[100]) > 1e-4f ? 1 : 0;
+            }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_THAT(wrong, testing::Each(0));
+}
+
+} // namespace
