@@ -21,7 +21,7 @@ namespace {
 using PublicStatus = CorvantaSdkVideoRequestStatus;
 
 #ifdef CORVANTA_LONG_FORM
-constexpr int writesPerThread = 2000;
+constexpr int writesPerThread = 800;
 #else
 constexpr int writesPerThread = 60;
 #endif
