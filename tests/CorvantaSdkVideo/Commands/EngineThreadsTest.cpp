@@ -66,20 +66,31 @@ struct ThreadsBench {
     CorvantaSdkVideoRequestBuilder requests{store, merge, nullptr, nullptr};
 };
 
+// "" or the error's name. The error stays on the threads that the sanitizer can follow it on: the standard
+// library counts an exception's owners out of its sight.
+Task<std::string> outcomeOf(RequestPointer request) {
+    try {
+        co_await request->process();
+    } catch (const std::exception& error) {
+        co_return error.what();
+    }
+    co_return "";
+}
+
 // The end of such a run comes on another thread while the starting one still stores the session's id.
 TEST(EngineThreads, EndRunsThatEndAtOnceWithoutAProcessId) {
     ThreadsBench bench;
     const ScopedVariable ffmpeg("CORVANTA_FFMPEG", "/nonexistent/ffmpeg");
     asio::thread_pool pool(4);
-    std::vector<std::pair<UUID, std::future<CorvantaSdkVideoRequest::Result>>> runs;
+    std::vector<std::pair<UUID, std::future<std::string>>> runs;
     // Each prints why it could not be started.
     ::testing::internal::CaptureStdout();
     for (int run = 0; run < 150; ++run) {
         const UUID id = bench.insertRow();
-        runs.emplace_back(id, asio::co_spawn(pool, bench.fetch(id)->process(), asio::use_future));
+        runs.emplace_back(id, asio::co_spawn(pool, outcomeOf(bench.fetch(id)), asio::use_future));
     }
     for (auto& [id, result] : runs) {
-        EXPECT_EQ(failureOf([&result = result] { result.get(); }), "mergeFailed");
+        EXPECT_EQ(result.get(), "mergeFailed");
         const auto row = bench.store->getRequest(id);
         EXPECT_EQ(row->status, Stored::error);
         EXPECT_EQ(row->processId, std::nullopt);
@@ -91,10 +102,10 @@ TEST(EngineThreads, CancelRunsOfOtherThreads) {
     ThreadsBench bench;
     const FakeProgram ffmpeg("CORVANTA_FFMPEG", "exec sleep 600\n");
     asio::thread_pool pool(4);
-    std::vector<std::pair<UUID, std::future<CorvantaSdkVideoRequest::Result>>> runs;
+    std::vector<std::pair<UUID, std::future<std::string>>> runs;
     for (int run = 0; run < 8; ++run) {
         const UUID id = bench.insertRow();
-        runs.emplace_back(id, asio::co_spawn(pool, bench.fetch(id)->process(), asio::use_future));
+        runs.emplace_back(id, asio::co_spawn(pool, outcomeOf(bench.fetch(id)), asio::use_future));
     }
     std::vector<std::jthread> cancellers;
     for (const auto& [id, result] : runs) {
@@ -103,7 +114,7 @@ TEST(EngineThreads, CancelRunsOfOtherThreads) {
         });
     }
     for (auto& [id, result] : runs) {
-        EXPECT_EQ(failureOf([&result = result] { result.get(); }), "mergeFailed");
+        EXPECT_EQ(result.get(), "mergeFailed");
     }
     cancellers.clear();
     for (const auto& [id, result] : runs) {
@@ -118,13 +129,13 @@ TEST(EngineThreads, GiveOneResultToManyCallers) {
     const FakeProgram ffmpeg("CORVANTA_FFMPEG", "exit 0\n");
     asio::thread_pool pool(4);
     const RequestPointer request = bench.fetch(bench.insertRow());
-    std::vector<std::future<CorvantaSdkVideoRequest::Result>> calls;
+    std::vector<std::future<std::string>> calls;
     for (int call = 0; call < 32; ++call) {
-        calls.push_back(asio::co_spawn(pool, request->process(), asio::use_future));
+        calls.push_back(asio::co_spawn(pool, outcomeOf(request), asio::use_future));
     }
     int successes = 0;
     for (auto& call : calls) {
-        const std::string failure = failureOf([&] { call.get(); });
+        const std::string failure = call.get();
         EXPECT_TRUE(failure.empty() || failure == "operationStillsInProgress") << failure;
         successes += failure.empty() ? 1 : 0;
     }
