@@ -5,6 +5,9 @@
 #include <boost/asio/use_future.hpp>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
 #include <thread>
 
 namespace corvanta {
@@ -95,7 +98,41 @@ TEST(EngineThreads, EndRunsThatEndAtOnceWithoutAProcessId) {
         EXPECT_EQ(row->status, Stored::error);
         EXPECT_EQ(row->processId, std::nullopt);
     }
+    pool.join();
     ::testing::internal::GetCapturedStdout();
+}
+
+/// Holds the second update, that of the session's id, back until the run's failure is told, or a moment.
+class HoldingLog : public SharedCorvantaSdkLogSink {
+  public:
+    void addLog(const SharedCorvantaSdkLog& record) override {
+        std::unique_lock lock(mutex_);
+        if (record.tag == "event_video_merge_request") {
+            failed_ = true;
+            changed_.notify_all();
+        } else if (record.tag == "event_video_request_update" && ++updates_ == 2) {
+            changed_.wait_for(lock, std::chrono::milliseconds(200), [this] { return failed_; });
+        }
+    }
+
+  private:
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    int updates_ = 0;
+    bool failed_ = false;
+};
+
+TEST(EngineThreads, SettleTheRowAfterTheSessionsIdIsStored) {
+    ThreadsBench bench;
+    SharedCorvantaSdkCommonKt::sdk_common().setLog(std::make_shared<HoldingLog>());
+    const FakeProgram ffmpeg("CORVANTA_FFMPEG", "exit 1\n");
+    asio::thread_pool pool(2);
+    const UUID id = bench.insertRow();
+    EXPECT_EQ(asio::co_spawn(pool, outcomeOf(bench.fetch(id)), asio::use_future).get(), "mergeFailed");
+    pool.join();
+    const auto row = bench.store->getRequest(id);
+    EXPECT_EQ(row->status, Stored::error);
+    EXPECT_EQ(row->processId, std::nullopt);
 }
 
 TEST(EngineThreads, CancelRunsOfOtherThreads) {
@@ -117,6 +154,7 @@ TEST(EngineThreads, CancelRunsOfOtherThreads) {
         EXPECT_EQ(result.get(), "mergeFailed");
     }
     cancellers.clear();
+    pool.join();
     for (const auto& [id, result] : runs) {
         const auto row = bench.store->getRequest(id);
         EXPECT_EQ(row->status, Stored::cancelled);
@@ -139,6 +177,7 @@ TEST(EngineThreads, GiveOneResultToManyCallers) {
         EXPECT_TRUE(failure.empty() || failure == "operationStillsInProgress") << failure;
         successes += failure.empty() ? 1 : 0;
     }
+    pool.join();
     EXPECT_GE(successes, 1);
     EXPECT_TRUE(request->outputPath());
 }
