@@ -3,6 +3,7 @@
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
 #include <platform/AssetReader.hpp>
 #include <platform/FileManager.hpp>
 
@@ -18,18 +19,6 @@ using Error = CorvantaSdkVideoError;
 bool isValidPosition(double position, const URL& video) {
     const double duration = AssetReader(video).duration();
     return position >= 0 && position < duration;
-}
-
-// ffmpeg's image writer reads "%d" as a frame number and cuts a name of 1024 bytes or more.
-bool isPlainImageName(const std::string& path) {
-    for (std::size_t percent = path.find('%'); percent != std::string::npos;
-         percent = path.find('%', percent + 1)) {
-        const std::size_t conversion = path.find_first_not_of("0123456789", percent + 1);
-        if (conversion != std::string::npos && path[conversion] == 'd') {
-            return false;
-        }
-    }
-    return path.size() < 1024;
 }
 
 // The command holds the input as the bare text of its URL, which only a "file" URL may have escapes in.

@@ -24,6 +24,7 @@ int main(int argumentCount, char** arguments) {
     Command command;
     addInfoCommand(app, command);
     addThumbnailCommand(app, command);
+    addEditCommand(app, command);
     try {
         app.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {
