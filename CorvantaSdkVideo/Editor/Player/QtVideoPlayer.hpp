@@ -4,6 +4,7 @@
 
 #include <QAudioOutput>
 #include <QMediaPlayer>
+#include <QTimer>
 
 #include <memory>
 #include <optional>
@@ -13,6 +14,7 @@ class QVideoSink;
 namespace corvanta {
 
 /// Plays with Qt Multimedia. Silent on a machine without an audio device, where the volume is still kept.
+/// Seeks that come faster than frames are left out, all but the last one.
 class QtVideoPlayer : public VideoPlayer {
     Q_OBJECT
 
@@ -34,13 +36,20 @@ class QtVideoPlayer : public VideoPlayer {
   private:
     void mediaStatusChanged(QMediaPlayer::MediaStatus status);
     void positionChanged(qint64 milliseconds);
+    void becomeReady();
+    void startSeek();
+    void endSeek();
 
     std::unique_ptr<QAudioOutput> audioOutput_;
-    QMediaPlayer player_;
+    std::unique_ptr<QMediaPlayer> player_;
     float volume_ = 1;
     bool isLoaded_ = false;
+    bool isReady_ = false;
     bool shouldPlay_ = false;
-    std::optional<qint64> pendingSeek_;
+    /// Milliseconds.
+    std::optional<qint64> wantedPosition_;
+    /// Runs from a seek to its frame, at the longest.
+    QTimer frameWait_;
     qint64 observedSecond_ = 0;
 };
 
