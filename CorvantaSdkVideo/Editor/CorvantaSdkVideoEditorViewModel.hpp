@@ -262,7 +262,6 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     const bool isAuthenticated_;
     /// Empty once the editor has ended.
     Completion completion_;
-    const std::unique_ptr<VideoPlayer> videoPlayer_;
 
     double screenWidth_ = 0;
     double screenHeight_ = 0;
@@ -306,6 +305,9 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     CORVANTA_OBSERVABLE(bool, isTrimming, false)
     CORVANTA_OBSERVABLE(std::optional<CorvantaSdkVideoError>, error, std::nullopt)
 #undef CORVANTA_OBSERVABLE
+
+    /// Goes first, since it may still emit.
+    const std::unique_ptr<VideoPlayer> videoPlayer_;
 };
 
 } // namespace corvanta

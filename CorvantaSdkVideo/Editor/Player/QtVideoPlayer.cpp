@@ -36,6 +36,12 @@ QtVideoPlayer::QtVideoPlayer(const URL& url) {
     player_->setSource(QUrl::fromLocalFile(QString::fromStdString(url.path())));
 }
 
+// Stopping, Qt's player tells of its last states, which nobody here is there to hear.
+QtVideoPlayer::~QtVideoPlayer() {
+    setVideoSink(nullptr);
+    disconnect(player_.get(), nullptr, this, nullptr);
+}
+
 std::unique_ptr<VideoPlayer> QtVideoPlayer::make(const URL& url) {
     return std::make_unique<QtVideoPlayer>(url);
 }

@@ -21,6 +21,7 @@ class QtVideoPlayer : public VideoPlayer {
   public:
     /// Throws PlayerUnavailable. A file that can't be played shows nothing and never ends.
     explicit QtVideoPlayer(const URL& url);
+    ~QtVideoPlayer() override;
 
     static std::unique_ptr<VideoPlayer> make(const URL& url);
 
