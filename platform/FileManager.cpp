@@ -25,6 +25,11 @@ bool isEndless(const std::string& path) {
     return type == fs::file_type::fifo || type == fs::file_type::socket || type == fs::file_type::character;
 }
 
+bool isSameFile(const std::string& left, const std::string& right) {
+    std::error_code ignored;
+    return isName(left) && isName(right) && fs::equivalent(left, right, ignored);
+}
+
 bool createFile(const std::string& path, std::string_view contents) {
     if (!isName(path)) {
         return false;

@@ -13,6 +13,9 @@ bool fileExists(const std::string& path);
 /// Whether reading `path` could wait for somebody else: a pipe, a socket or a character device.
 bool isEndless(const std::string& path);
 
+/// Whether both paths lead to one existing file, links included.
+bool isSameFile(const std::string& left, const std::string& right);
+
 /// Writes `contents` to `path`, replacing what is there. False if that failed.
 bool createFile(const std::string& path, std::string_view contents = {});
 

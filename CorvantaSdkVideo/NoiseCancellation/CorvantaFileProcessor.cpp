@@ -4,7 +4,9 @@
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
 #include <platform/AssetReader.hpp>
+#include <platform/FileManager.hpp>
 
 #include <string>
 #include <utility>
@@ -52,7 +54,9 @@ Task<> CorvantaFileProcessor::mergeVideoWithAudio(URL videoURL, URL audioURL, UR
     if (!AssetReader(audioURL).hasAudioTrack()) {
         throw CorvantaSdkVideoError(CorvantaSdkVideoError::unableToProcessOutput);
     }
-    if (!isQuotable(videoURL.path()) || !isQuotable(audioURL.path()) || !isQuotable(outputURL.path())) {
+    // Writing over the very video would destroy it.
+    if (FileManager::isSameFile(videoURL.path(), outputURL.path()) || !isWritableQuoted(videoURL.path()) ||
+        !isWritableQuoted(audioURL.path()) || !isWritableQuoted(outputURL.path())) {
         const PlatformError error("FFMPEGCommand", 1);
         Logger::logError(Event::mergeVideoAndAudioFailed, EventMessage::mergeVideoAndAudioFailed(error));
         throw CorvantaSdkVideoError(CorvantaSdkVideoError::unableToProcessOutput);

@@ -5,6 +5,7 @@
 #include <CorvantaSdkVideo/NoiseCancellation/CorvantaNoiseProcessor.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
 #include <platform/AudioFile.hpp>
 #include <platform/Bundle.hpp>
 #include <platform/Directories.hpp>
@@ -151,7 +152,7 @@ Task<URL> CorvantaNoiseCancellationEngine::extractAudioForFile(URL at) {
     const URL audio = CorvantaSdkVideoUtils::outputURL(uuidString(makeUUID()), "wav");
     std::string command = commandGenerator_.generateExtractAudioCommandFor(at, audio);
     try {
-        if (!isQuotable(at.path()) || !isQuotable(audio.path())) {
+        if (!isWritableQuoted(at.path()) || !isWritableQuoted(audio.path())) {
             throw Error(Error::unableToProcessInput);
         }
         co_await commandExecutor_->executeFFMPEGCommand(std::move(command));

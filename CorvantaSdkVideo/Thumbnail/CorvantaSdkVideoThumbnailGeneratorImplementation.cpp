@@ -3,10 +3,10 @@
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
 #include <platform/AssetReader.hpp>
 #include <platform/FileManager.hpp>
 
-#include <filesystem>
 #include <system_error>
 #include <utility>
 
@@ -21,34 +21,12 @@ bool isValidPosition(double position, const URL& video) {
     return position >= 0 && position < duration;
 }
 
-// ffmpeg's image writer reads "%d" as a frame number and cuts a name of 1024 bytes or more. Ahead of it, a
-// relative path is read as an option if it begins with a dash, and its first part as a protocol up to a
-// colon.
-bool isPlainImageName(const std::string& path) {
-    if (path.starts_with('-') || path.substr(0, path.find('/')).find(':') != std::string::npos) {
-        return false;
-    }
-    for (std::size_t percent = path.find('%'); percent != std::string::npos;
-         percent = path.find('%', percent + 1)) {
-        const std::size_t conversion = path.find_first_not_of("0123456789", percent + 1);
-        if (conversion != std::string::npos && path[conversion] == 'd') {
-            return false;
-        }
-    }
-    return path.size() < 1024;
-}
-
-bool isSameFile(const std::string& left, const std::string& right) {
-    std::error_code ignored;
-    return std::filesystem::equivalent(left, right, ignored);
-}
-
 // The command holds the input as the bare text of its URL, which only a "file" URL may have escapes in. The
 // input itself is no older thumbnail to be replaced.
 bool isWritable(const URL& input, const std::string& outputPath) {
     const bool bareText = input.isFileURL() || input.absoluteString() == input.path();
-    return bareText && input.path().find('\0') == std::string::npos && isQuotable(outputPath) &&
-           isPlainImageName(outputPath) && !isSameFile(input.path(), outputPath);
+    return bareText && input.path().find('\0') == std::string::npos && isWritableQuoted(outputPath) &&
+           isPlainImageName(outputPath) && !FileManager::isSameFile(input.path(), outputPath);
 }
 
 void removeOlderThumbnail(const std::string& path) {

@@ -1,7 +1,7 @@
 #include <CorvantaSdkVideo/TracksManager/TracksManager.hpp>
 
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
-#include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
 #include <platform/Errors.hpp>
 #include <platform/FFmpegKit.hpp>
 #include <platform/FileManager.hpp>
@@ -15,13 +15,6 @@ namespace corvanta {
 namespace {
 
 URL temporaryURL() { return CorvantaSdkVideoUtils::outputURL(uuidString(makeUUID()), "mp4"); }
-
-// Whether ffmpeg reads a word as the name of a file: neither as an option nor as "protocol:".
-bool isFileName(std::string_view path) {
-    return !path.empty() && path.front() != '-' && path.substr(0, path.find('/')).find(':') == path.npos;
-}
-
-bool isWritableQuoted(const URL& url) { return isFileName(url.path()) && isQuotable(url.path()); }
 
 // Of a bare word the runner decodes "file" URLs; every other text must be the path itself.
 bool isWritableBare(const URL& url) {
@@ -61,7 +54,8 @@ TracksManager::TracksManager(std::shared_ptr<FFMPEGCommandExecutor> commandExecu
 Task<> TracksManager::addVideoTrack(URL inputPath, URL outputPath, std::int64_t duration, std::int64_t width,
                                     std::int64_t height) const {
     const URL temporary = temporaryURL();
-    require(isWritableQuoted(inputPath) && isWritableQuoted(temporary) && isWritableQuoted(outputPath));
+    require(isWritableQuoted(inputPath.path()) && isWritableQuoted(temporary.path()) &&
+            isWritableQuoted(outputPath.path()));
     std::string create = commandGenerator_.createVideoTrackCommand(temporary, duration, width, height);
     std::string add =
         commandGenerator_.generateAddVideoTrackCommand(inputPath.path(), temporary.path(), outputPath.path());
@@ -70,7 +64,8 @@ Task<> TracksManager::addVideoTrack(URL inputPath, URL outputPath, std::int64_t 
 
 Task<> TracksManager::addAudioTrack(URL inputPath, URL outputPath, std::int64_t duration) const {
     const URL temporary = temporaryURL();
-    require(isWritableQuoted(inputPath) && isWritableQuoted(temporary) && isWritableQuoted(outputPath));
+    require(isWritableQuoted(inputPath.path()) && isWritableQuoted(temporary.path()) &&
+            isWritableQuoted(outputPath.path()));
     std::string create = commandGenerator_.createAudioTrackCommand(temporary, duration);
     std::string add =
         commandGenerator_.generateAddAudioTrackCommand(inputPath.path(), temporary.path(), outputPath.path());
@@ -79,7 +74,7 @@ Task<> TracksManager::addAudioTrack(URL inputPath, URL outputPath, std::int64_t 
 
 Task<> TracksManager::removeVideoTrack(URL inputPath, URL outputPath) const {
     const auto executor = commandExecutor_;
-    require(isWritableQuoted(inputPath) && isWritableQuoted(outputPath));
+    require(isWritableQuoted(inputPath.path()) && isWritableQuoted(outputPath.path()));
     std::string command = commandGenerator_.generateRemoveVideoTrackCommand(inputPath, outputPath);
     co_await executor->executeFFMPEGCommand(std::move(command));
 }

@@ -13,6 +13,7 @@
 using Command = std::function<void(Console&)>;
 
 /// Each adds one subcommand, which puts its work into `chosen` when it is on the command line.
+void addEditCommand(CLI::App& app, Command& chosen);
 void addInfoCommand(CLI::App& app, Command& chosen);
 void addThumbnailCommand(CLI::App& app, Command& chosen);
 void addCanConcatCommand(CLI::App& app, Command& chosen);

@@ -23,7 +23,7 @@ int main(int argumentCount, char** arguments) {
 
     Command command;
     for (const auto add : {addInfoCommand, addThumbnailCommand, addCanConcatCommand, addConcatCommand,
-                           addMergeCommand, addEncodeCommand, addCleanCommand, addTracksCommand,
+                           addMergeCommand, addEncodeCommand, addEditCommand, addCleanCommand, addTracksCommand,
                            addRequestsCommand, addWatchCommand, addProcessCommand}) {
         add(app, command);
     }

@@ -3,6 +3,9 @@
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 
+#include <platform/FileManager.hpp>
+
+#include <algorithm>
 #include <chrono>
 #include <exception>
 
@@ -27,7 +30,11 @@ void saveRequest(const CorvantaSdkVideoRequest& request, const StoredOperation& 
     if (!outputURL) {
         return;
     }
-    if (operation.placeholder) {
+    // An output that is one of the inputs is refused by the run; until then the file must not be lost.
+    const bool isInput = std::ranges::any_of(operation.inputFiles, [&](const URL& input) {
+        return FileManager::isSameFile(input.path(), outputURL->path());
+    });
+    if (operation.placeholder && !isInput) {
         CorvantaSdkVideoUtils::createEmptyFile(*outputURL);
     }
     const LocalVideoRequest record{.id = request.id,
@@ -47,7 +54,9 @@ void saveRequest(const CorvantaSdkVideoRequest& request, const StoredOperation& 
         Logger::logError(Event::insertRequest, EventMessage::insertRequestFailed(error));
         return;
     }
-    CorvantaSdkVideoUtils::deleteFileIfExists(*outputURL);
+    if (!isInput) {
+        CorvantaSdkVideoUtils::deleteFileIfExists(*outputURL);
+    }
 }
 
 } // namespace corvanta

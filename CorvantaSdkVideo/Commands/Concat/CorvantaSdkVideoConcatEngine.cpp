@@ -42,7 +42,7 @@ CorvantaSdkVideoConcatEngine::process(std::shared_ptr<CorvantaSdkVideoRequest> r
     auto information = co_await videosInformationGenerator_.generateAssetsMetadata(videos);
     co_await inputValidator_.validateVideosForConcat(videos);
     try {
-        co_await join(request->id, std::move(information), outputURL->path());
+        co_await join(request->id, videos, std::move(information), outputURL->path());
     } catch (const std::exception&) {
         markFailed(request->id);
         throw Error(Error::concatFailed);
@@ -51,18 +51,20 @@ CorvantaSdkVideoConcatEngine::process(std::shared_ptr<CorvantaSdkVideoRequest> r
     co_return CorvantaSdkVideoRequestResult{*outputURL};
 }
 
-Task<> CorvantaSdkVideoConcatEngine::join(UUID id, std::vector<CorvantaSdkVideoInformation> information,
+Task<> CorvantaSdkVideoConcatEngine::join(UUID id, std::vector<URL> videos,
+                                          std::vector<CorvantaSdkVideoInformation> information,
                                           std::string outputPath) {
     const ConcatInputLinks links(std::move(information));
     const URL listURL = CorvantaSdkVideoUtils::outputURL(uuidString(makeUUID()), "txt");
     const FFMPEGCommand command =
         commandGenerator_.generateConcatCommandFor(links.inputs(), listURL, outputPath);
     markProcessing(id);
+    validateOutput(outputPath, videos);
     // The command holds the list file's path as a bare word.
     if (!isBarePath(listURL.path())) {
         throw std::system_error(std::make_error_code(std::errc::invalid_argument), listURL.path());
     }
-    co_await run(id, command.script, std::move(outputPath));
+    co_await run(id, command.script);
     for (const std::string& path : command.inputFilesListFilePaths) {
         commandGenerator_.deleteInputFilesListFile(path);
     }

@@ -27,7 +27,8 @@ class CorvantaSdkVideoConcatEngine : public StoredRequestEngine {
     Task<CorvantaSdkVideoRequestResult> process(std::shared_ptr<CorvantaSdkVideoRequest> request) override;
 
   private:
-    Task<> join(UUID id, std::vector<CorvantaSdkVideoInformation> information, std::string outputPath);
+    Task<> join(UUID id, std::vector<URL> videos, std::vector<CorvantaSdkVideoInformation> information,
+                std::string outputPath);
 
     FFMPEGCommandGenerator commandGenerator_;
     ConcatInputValidator inputValidator_;

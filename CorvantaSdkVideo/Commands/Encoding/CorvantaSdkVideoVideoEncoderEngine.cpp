@@ -73,8 +73,9 @@ Task<> CorvantaSdkVideoVideoEncoderEngine::encode(UUID id, VideoEncodingData dat
         commandGenerator_.generateCommand(information, data.width, data.height, mergeTracks(data.videoTracks),
                                           mergeTracks(data.audioTracks), data.framesRate, outputURL.path());
     markProcessing(id);
+    validateOutput(outputURL.path(), {data.inputFileURL});
     CorvantaSdkVideoUtils::deleteFileIfExists(outputURL);
-    co_await run(id, std::move(command.script), outputURL.path());
+    co_await run(id, std::move(command.script));
 }
 
 } // namespace corvanta

@@ -1,8 +1,10 @@
 #include <CorvantaSdkVideo/Commands/Helpers/StoredRequestEngine.hpp>
 
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
-#include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
+#include <platform/FileManager.hpp>
 
+#include <algorithm>
 #include <charconv>
 #include <exception>
 #include <iostream>
@@ -75,10 +77,15 @@ void StoredRequestEngine::updateRequestRequest(const UUID& id, Fields withFields
     }
 }
 
-Task<> StoredRequestEngine::run(UUID id, std::string script, std::string outputPath) {
-    if (!isQuotable(outputPath)) {
+void StoredRequestEngine::validateOutput(const std::string& outputPath, const std::vector<URL>& inputs) {
+    const bool isInput = std::ranges::any_of(
+        inputs, [&](const URL& input) { return FileManager::isSameFile(input.path(), outputPath); });
+    if (isInput || !isWritableQuoted(outputPath)) {
         throw std::system_error(std::make_error_code(std::errc::invalid_argument), outputPath);
     }
+}
+
+Task<> StoredRequestEngine::run(UUID id, std::string script) {
     FFMPEGCommandExecutor::OnUpdateSessionId onUpdateSessionId = [weak = weak_from_this(),
                                                                   id](std::int64_t sessionId) {
         if (const auto self = weak.lock()) {

@@ -36,9 +36,12 @@ class StoredRequestEngine : public CorvantaSdkVideoRequestEngine,
     /// Best effort: a failure is printed, so that it doesn't stop a run.
     void updateRequestRequest(const UUID& id, Fields withFields) const;
 
-    /// Runs a script; the session's id goes to the row as soon as there is one. Throws the executor's error,
-    /// and one of its own without running anything if `outputPath` can't be written in a command.
-    Task<> run(UUID id, std::string script, std::string outputPath);
+    /// Throws std::system_error for an output that is one of the inputs, or whose path no command can hold: a
+    /// run would destroy the one, or write another file.
+    static void validateOutput(const std::string& outputPath, const std::vector<URL>& inputs);
+
+    /// Runs a script; the session's id goes to the row as soon as there is one. Throws the executor's error.
+    Task<> run(UUID id, std::string script);
 
     void markProcessing(const UUID& id) const;
     void markComplete(const UUID& id) const;

@@ -52,7 +52,8 @@ CorvantaSdkVideoMergeEngine::process(std::shared_ptr<CorvantaSdkVideoRequest> re
                                           data.audioTracks, data.framesRate, outputURL->path());
     markProcessing(request->id);
     try {
-        co_await run(request->id, command.script, outputURL->path());
+        validateOutput(outputURL->path(), data.videos);
+        co_await run(request->id, command.script);
     } catch (const std::exception& error) {
         Logger::logError(Event::mergeRequest, EventMessage::mergeRequestFailed(error));
         markFailed(request->id);

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <platform/URL.hpp>
+
+#include <cstdint>
+
+namespace corvanta {
+
+/// One edit of a video.
+struct CorvantaSdkVideoEditorInput {
+    URL videoURL;
+    /// Replaced if it exists. Its extension chooses the container; "mp4" and "mov" can hold a turn.
+    URL outputURL;
+    /// Seconds in the source, 0 or more.
+    double startPosition = 0;
+    /// Seconds in the source, above `startPosition`, at most the source's duration.
+    double endPosition = 0;
+    /// The turn to record, in degrees clockwise: a multiple of 90 from -540 to 540; any other angle counts
+    /// as 0. It takes the place of the source's own turn.
+    std::int64_t rotationAngle = 0;
+    /// Factor for the sound: 0 is silence, 1 leaves it as loud as it is.
+    float volumen = 1;
+};
+
+} // namespace corvanta

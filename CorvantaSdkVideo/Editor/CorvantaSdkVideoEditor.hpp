@@ -1,0 +1,54 @@
+#pragma once
+
+#include <CorvantaSdkVideo/CorvantaSdkVideoEditorInput.hpp>
+#include <CorvantaSdkVideo/CorvantaSdkVideoEditorResult.hpp>
+#include <platform/Task.hpp>
+
+#include <cstdint>
+#include <optional>
+
+namespace corvanta {
+
+/// Carries out edits and makes the small pictures of a trimmer strip. Safe from any thread; an editor must
+/// outlive its tasks.
+class CorvantaSdkVideoEditor {
+  public:
+    virtual ~CorvantaSdkVideoEditor() = default;
+
+    /// Writes the kept range with its turn and volume to `outputURL`. Nothing of the picture is encoded anew,
+    /// so an edit is quick and lossless, and bound to what the source's coding allows. With ffmpeg 5.1:
+    ///
+    /// - The picture starts at the source's next key frame at or after `startPosition`; the sound starts at
+    ///   `startPosition`, and until the key frame there is sound alone.
+    /// - A source with B-frames loses its first group of pictures even when `startPosition` is 0. A clip of
+    ///   one group loses its picture altogether, and the edit still succeeds.
+    /// - A turn is recorded as a display matrix in mp4 and mov: 90 reads back as -90, 180 as -180, and 0
+    ///   leaves no matrix. Matroska keeps none.
+    /// - The turn is recorded in the opposite sense to how a probe states it: a phone's clip at -90 that is
+    ///   edited with the -90 of its probe comes out at +90, upside down. To keep it upright pass 90.
+    /// - mp4 takes h264, hevc, mpeg4, vp9 and av1 pictures; vp8 (most older webm files), theora, wmv and flv
+    ///   are refused with `trimFailed`.
+    /// - A failed or refused edit leaves a broken file, or none, where an older output was.
+    ///
+    /// A host that wants exact cuts from any source encodes the file first with an encoding request: that
+    /// leaves no B-frames and a key frame every 12 frames. A host that wants an older output kept writes to a
+    /// new place and moves the file when the edit has succeeded.
+    ///
+    /// Throws `userNotAuthenticated`, `notFoundVideo` or `invalidFile` for the source, `invalidTrimRange`, or
+    /// `trimFailed`, whose cause goes to the log. `trimFailed` without a run, and with the output untouched,
+    /// means that a path can't be written into a command (a double quote, a percent escape or a "{trimStart}"
+    /// in it), or that the output is the source itself.
+    virtual Task<CorvantaSdkVideoEditorResult> edit(CorvantaSdkVideoEditorInput video) = 0;
+
+    /// Writes the frame `interval` seconds before the end of the file as a JPEG file in the documents
+    /// directory. Sizes are pixels; an absent one keeps the aspect. The new file is the caller's, to remove
+    /// when it has been read. Past the last frame of a picture that is shorter than its sound there is
+    /// nothing to write, and no file lies at the URL.
+    ///
+    /// Throws `userNotAuthenticated`, `notFoundVideo` or `invalidFile`, `invalidTrimRange` for an interval
+    /// longer than the file, or `trimFailed`.
+    virtual Task<URL> getThumbnailForVideo(URL at, double interval, std::optional<std::int64_t> width,
+                                           std::optional<std::int64_t> height) = 0;
+};
+
+} // namespace corvanta

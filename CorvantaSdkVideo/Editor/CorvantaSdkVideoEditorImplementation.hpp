@@ -1,0 +1,37 @@
+#pragma once
+
+#include <CorvantaSdkVideo/CredentialsManager/CorvantaCredentialsManager.hpp>
+#include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditor.hpp>
+#include <CorvantaSdkVideo/Shared/CorvantaSdkVideoFileValidator.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/FFMPEGCommandExecutor.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/FFMPEGCommandGenerator.hpp>
+
+#include <memory>
+
+namespace corvanta {
+
+/// Edits with one ffmpeg run each. Keeps no state between calls. Two edits with one output race for the file.
+class CorvantaSdkVideoEditorImplementation : public CorvantaSdkVideoEditor {
+  public:
+    explicit CorvantaSdkVideoEditorImplementation(
+        std::shared_ptr<CorvantaCredentialsManager> credentialsManager =
+            std::make_shared<CorvantaCredentialsManagerImp>(),
+        std::shared_ptr<FFMPEGCommandExecutor> commandExecutor =
+            std::make_shared<FFMPEGCommandExecutorImplementation>(),
+        FFMPEGCommandGenerator commandGenerator = {}, CorvantaSdkVideoFileValidator videoValidator = {});
+
+    Task<CorvantaSdkVideoEditorResult> edit(CorvantaSdkVideoEditorInput video) override;
+    Task<URL> getThumbnailForVideo(URL at, double interval, std::optional<std::int64_t> width,
+                                   std::optional<std::int64_t> height) override;
+
+  private:
+    void validateTrimRange(const URL& url, double trimStart, double trimEnd) const;
+    void validateThumbnailPosition(const URL& url, double interval) const;
+
+    std::shared_ptr<CorvantaCredentialsManager> credentialsManager_;
+    std::shared_ptr<FFMPEGCommandExecutor> commandExecutor_;
+    FFMPEGCommandGenerator commandGenerator_;
+    CorvantaSdkVideoFileValidator videoValidator_;
+};
+
+} // namespace corvanta

@@ -1,0 +1,129 @@
+#include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorViewModel.hpp>
+
+#include <CorvantaSdkVideo/Editor/EditorTasks.hpp>
+#include <CorvantaSdkVideo/Editor/QtExecutor.hpp>
+#include <CorvantaSdkVideo/Logger/Logger.hpp>
+#include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
+#include <platform/UUID.hpp>
+
+#include <boost/asio/post.hpp>
+
+#include <exception>
+#include <utility>
+
+namespace corvanta {
+
+namespace {
+
+URL locationFor(const std::optional<CorvantaSdkVideoFileDescriptor>& output) {
+    const std::string_view fileExtension = FileExtension(FileExtension::mp4).rawValue();
+    if (const auto chosen = output ? output->url(fileExtension) : std::nullopt) {
+        return *chosen;
+    }
+    return CorvantaSdkVideoUtils::outputURL(uuidString(makeUUID()), fileExtension);
+}
+
+Task<CorvantaSdkVideoEditorResult> edited(std::shared_ptr<CorvantaSdkVideoEditor> editor,
+                                          CorvantaSdkVideoEditorInput input) {
+    co_return co_await editor->edit(std::move(input));
+}
+
+} // namespace
+
+CorvantaSdkVideoEditorViewModel::CorvantaSdkVideoEditorViewModel(
+    std::shared_ptr<CorvantaSdkVideoEditor> editor, VideosInformationGenerator videosInformationGenerator,
+    const std::shared_ptr<CorvantaCredentialsManager>& credentialsManager, const CorvantaSdkVideoFile& input,
+    const std::optional<CorvantaSdkVideoFileDescriptor>& output, Completion completion,
+    const MakeVideoPlayer& makeVideoPlayer)
+    : editor_(std::move(editor)), videosInformationGenerator_(std::move(videosInformationGenerator)),
+      videoURL_(input.url()), outputURL_(locationFor(output)),
+      isAuthenticated_(credentialsManager->isUserAuthenticated()),
+      completion_(completion ? std::move(completion) : [](const CorvantaSdkVideoEditorResult&) {}),
+      videoPlayer_(makeVideoPlayer(videoURL_)) {
+    connect(videoPlayer_.get(), &VideoPlayer::didPlayToEndTime, this, &ViewModel::onDidFinishPlaying);
+    connect(videoPlayer_.get(), &VideoPlayer::timeObserved, this, [this](double seconds) {
+        if (seconds >= stopAt()) {
+            onDidFinishPlaying();
+        }
+    });
+}
+
+void CorvantaSdkVideoEditorViewModel::showTrimmer() { showTab(true, false, false); }
+
+void CorvantaSdkVideoEditorViewModel::showSound() { showTab(false, true, false); }
+
+void CorvantaSdkVideoEditorViewModel::showRotation() { showTab(false, false, true); }
+
+void CorvantaSdkVideoEditorViewModel::showTab(bool trimmer, bool sound, bool rotation) {
+    isTrimmerVisible_ = trimmer;
+    isSoundVisible_ = sound;
+    isRotationVisible_ = rotation;
+}
+
+void CorvantaSdkVideoEditorViewModel::trimVideo(Handler handler) {
+    if (isTrimming() || isClosing_ || hasEnded()) {
+        return;
+    }
+    isTrimming_ = true;
+    CorvantaSdkVideoEditorInput input{videoURL_,
+                                      outputURL_,
+                                      trimmerStart(),
+                                      stopAt(),
+                                      videoRotation() + currentRotation_,
+                                      videoPlayer_->volume()};
+    startOnQtThread(runEdit(this, editor_, std::move(input), std::move(handler)));
+}
+
+Task<> CorvantaSdkVideoEditorViewModel::runEdit(QPointer<ViewModel> model,
+                                                std::shared_ptr<CorvantaSdkVideoEditor> editor,
+                                                CorvantaSdkVideoEditorInput input, Handler handler) {
+    std::optional<CorvantaSdkVideoEditorResult> result;
+    try {
+        result = co_await onEditorWorker(edited(std::move(editor), std::move(input)));
+    } catch (const std::exception&) {
+        // Whatever the cause was, the user reads one text.
+    }
+    if (!model) {
+        co_return;
+    }
+    if (result) {
+        model->end(*result, handler);
+    } else {
+        model->error_ = CorvantaSdkVideoError(CorvantaSdkVideoError::trimFailed);
+    }
+    if (model) {
+        model->isTrimming_ = false;
+    }
+}
+
+void CorvantaSdkVideoEditorViewModel::closeTrimmer(Handler handler) {
+    if (isTrimming() || isClosing_ || hasEnded()) {
+        return;
+    }
+    isClosing_ = true;
+    Logger::addLog(Event::editVideo, EventMessage::closeEditVideoScreen());
+    const CorvantaSdkVideoEditorResult withoutEdit;
+    boost::asio::post(QtExecutor(), [model = QPointer(this), withoutEdit, handler = std::move(handler)] {
+        if (model) {
+            model->end(withoutEdit, handler);
+        }
+    });
+}
+
+void CorvantaSdkVideoEditorViewModel::end(const CorvantaSdkVideoEditorResult& result,
+                                          const Handler& handler) {
+    const QPointer<ViewModel> self = this;
+    std::exchange(completion_, nullptr)(result);
+    // The handler closes the screen, which has gone with the view model.
+    if (self && handler) {
+        handler();
+    }
+}
+
+QString CorvantaSdkVideoEditorViewModel::errorDescription() const {
+    const auto present = error();
+    const std::string_view text = present ? present->description() : std::string_view();
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+} // namespace corvanta

@@ -1,0 +1,313 @@
+#pragma once
+
+#include <CorvantaSdkVideo/CorvantaSdkVideoFile.hpp>
+#include <CorvantaSdkVideo/CorvantaSdkVideoFileDescriptor.hpp>
+#include <CorvantaSdkVideo/CredentialsManager/CorvantaCredentialsManager.hpp>
+#include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditor.hpp>
+#include <CorvantaSdkVideo/Editor/Player/VideoPlayer.hpp>
+#include <CorvantaSdkVideo/Editor/Views/CorvantaColor.hpp>
+#include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
+#include <CorvantaSdkVideo/Shared/VideosInformationGenerator.hpp>
+
+#include <QColor>
+#include <QImage>
+#include <QList>
+#include <QObject>
+#include <QPointF>
+#include <QPointer>
+#include <QProperty>
+#include <QRectF>
+#include <QSizeF>
+#include <QString>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace corvanta {
+
+/// Which part of the trimmer's frame a touch is on.
+enum class TrimEdge { right, left, center, none };
+
+/// The editor's whole state and all its rules; the screen shows the properties and forwards gestures.
+///
+/// Lives on the Qt application's thread and is used there alone. Lengths are in points, times in seconds.
+/// Destroying it ends its thumbnails quietly; an edit that runs then is finished, and nobody is told.
+class CorvantaSdkVideoEditorViewModel : public QObject {
+    Q_OBJECT
+
+    // The trimmer
+    Q_PROPERTY(QSizeF trimmerSize READ trimmerSize NOTIFY trimmerSizeChanged)
+    Q_PROPERTY(QSizeF thumbnailSize READ thumbnailSize NOTIFY thumbnailSizeChanged)
+    Q_PROPERTY(double trimmerXOffset READ trimmerXOffset NOTIFY trimmerXOffsetChanged)
+    Q_PROPERTY(double leftSpaceSize READ leftSpaceSize NOTIFY leftSpaceSizeChanged)
+    Q_PROPERTY(double rightSpaceSize READ rightSpaceSize NOTIFY rightSpaceSizeChanged)
+    Q_PROPERTY(bool showRightWhiteSpace READ showRightWhiteSpace NOTIFY showRightWhiteSpaceChanged)
+    Q_PROPERTY(QColor trimmerBorderColor READ trimmerBorderColor NOTIFY trimmerBorderColorChanged)
+    Q_PROPERTY(QList<QImage> thumbnails READ thumbnails NOTIFY thumbnailsChanged)
+    Q_PROPERTY(QString trimmerRange READ trimmerRange NOTIFY trimmerRangeChanged)
+    Q_PROPERTY(double trimmerStart READ trimmerStart NOTIFY trimmerStartChanged)
+    Q_PROPERTY(double stopAt READ stopAt NOTIFY stopAtChanged)
+    Q_PROPERTY(bool isTrimmerRangeVisible READ isTrimmerRangeVisible NOTIFY isTrimmerRangeVisibleChanged)
+
+    // Playback, sound and rotation
+    Q_PROPERTY(bool didFinishPlaying READ didFinishPlaying NOTIFY didFinishPlayingChanged)
+    Q_PROPERTY(bool isPlaying READ isPlaying NOTIFY isPlayingChanged)
+    Q_PROPERTY(bool videoIsInPortraitMode READ videoIsInPortraitMode NOTIFY videoIsInPortraitModeChanged)
+    Q_PROPERTY(QString soundIcon READ soundIcon NOTIFY soundIconChanged)
+    Q_PROPERTY(QColor soundIconColor READ soundIconColor NOTIFY soundIconColorChanged)
+    Q_PROPERTY(QColor soundBackgroundColor READ soundBackgroundColor NOTIFY soundBackgroundColorChanged)
+    Q_PROPERTY(int videoRotation READ videoRotation NOTIFY videoRotationChanged)
+    Q_PROPERTY(double videoAspectRatio READ videoAspectRatio NOTIFY videoAspectRatioChanged)
+    Q_PROPERTY(double volumeHeight READ volumeHeight NOTIFY volumeHeightChanged)
+
+    // Tabs and the course of the editor
+    Q_PROPERTY(bool isTrimmerVisible READ isTrimmerVisible NOTIFY isTrimmerVisibleChanged)
+    Q_PROPERTY(bool isSoundVisible READ isSoundVisible NOTIFY isSoundVisibleChanged)
+    Q_PROPERTY(bool isRotationVisible READ isRotationVisible NOTIFY isRotationVisibleChanged)
+    Q_PROPERTY(bool isTrimming READ isTrimming NOTIFY isTrimmingChanged)
+    Q_PROPERTY(bool isAuthenticated READ isAuthenticated CONSTANT)
+    Q_PROPERTY(bool hasError READ hasError NOTIFY errorChanged)
+    Q_PROPERTY(QString errorDescription READ errorDescription NOTIFY errorChanged)
+
+  public:
+    static constexpr int thumbnailCount = 8;
+    static constexpr int trimmerHeight = 64;
+    static constexpr int trimmerHorizontalPadding = 16;
+    static constexpr double thumbnailListHorizontalPadding = 24;
+    static constexpr double thumbnailHorizontalPadding = 24;
+    static constexpr double spacing = 20;
+    static constexpr double tabOptionsHeight = 20;
+    static constexpr double spacersMinimumHeight = 20;
+    static constexpr double playerActionButtonSize = 50;
+    static constexpr double initialVolumeHeight = 192;
+
+    using Completion = std::function<void(const CorvantaSdkVideoEditorResult&)>;
+    using Handler = std::function<void()>;
+
+    /// Without `output`, or if it gives no URL, a new file in the documents directory is written.
+    /// `completion` is called at most once, on the Qt thread; it may destroy the view model, and must not
+    /// throw. Throws what `makeVideoPlayer` throws.
+    CorvantaSdkVideoEditorViewModel(std::shared_ptr<CorvantaSdkVideoEditor> editor,
+                                    VideosInformationGenerator videosInformationGenerator,
+                                    const std::shared_ptr<CorvantaCredentialsManager>& credentialsManager,
+                                    const CorvantaSdkVideoFile& input,
+                                    const std::optional<CorvantaSdkVideoFileDescriptor>& output,
+                                    Completion completion, const MakeVideoPlayer& makeVideoPlayer);
+
+    /// Lays the trimmer out for the size that the screen has, and starts to read the file and to make its
+    /// thumbnails. What can't be read leaves blank thumbnails and a duration of 0.
+    Q_INVOKABLE void setupTrimmer(const QSizeF& forScreenSize);
+
+    /// Each change of a drag on the strip: where the pointer is, in the strip's own coordinates, and the
+    /// strip's own rectangle. A location outside of it, its right and lower sides included, is ignored.
+    Q_INVOKABLE void applyTrimming(const QPointF& location, const QRectF& strip);
+
+    Q_INVOKABLE void handleAction();
+
+    Q_INVOKABLE void showTrimmer();
+    Q_INVOKABLE void showSound();
+    Q_INVOKABLE void showRotation();
+
+    /// Each change of a drag on the sound bar, likewise; `translation` is the movement since it began.
+    Q_INVOKABLE void changeVolume(const QPointF& location, const QSizeF& translation, const QRectF& bar);
+    Q_INVOKABLE void muteVideo();
+
+    Q_INVOKABLE void rotateLeft();
+    Q_INVOKABLE void rotateRight();
+
+    /// Confirms: runs the edit, and then `completion` and `handler`. A failure sets `error` and leaves the
+    /// editor as it is. Does nothing while an edit runs and after the editor has ended.
+    void trimVideo(Handler handler);
+
+    /// Cancels: calls `completion` without a URL and then `handler`, from the event loop. Does nothing while
+    /// an edit runs and after the editor has ended.
+    void closeTrimmer(Handler handler);
+
+    /// For the alert that has shown `error`.
+    Q_INVOKABLE void clearError() { error_ = std::nullopt; }
+
+    QSizeF trimmerSize() const { return trimmerSize_; }
+    QSizeF thumbnailSize() const { return thumbnailSize_; }
+    double trimmerXOffset() const { return trimmerXOffset_; }
+    double leftSpaceSize() const { return leftSpaceSize_; }
+    double rightSpaceSize() const { return rightSpaceSize_; }
+    bool showRightWhiteSpace() const { return showRightWhiteSpace_; }
+    QColor trimmerBorderColor() const { return trimmerBorderColor_; }
+    QList<QImage> thumbnails() const { return thumbnails_; }
+    QString trimmerRange() const { return trimmerRange_; }
+    double trimmerStart() const { return trimmerStart_; }
+    double stopAt() const { return stopAt_; }
+    bool isTrimmerRangeVisible() const { return isTrimmerRangeVisible_; }
+
+    double screenWidth() const { return screenWidth_; }
+    double screenHeight() const { return screenHeight_; }
+    /// The centres of the grab handles, 12 points inside the frame's outer sides.
+    double leftEdgePosition() const { return leftEdgePosition_; }
+    double rightEdgePosition() const { return rightEdgePosition_; }
+    double trimmerRightEdgePosition() const { return trimmerRightEdgePosition_; }
+    double videoDuration() const { return videoDuration_; }
+    QSizeF videoResolution() const { return videoResolution_; }
+    std::optional<Orientation> videoOrientation() const { return videoOrientation_; }
+
+    static constexpr int totalTrimmerHorizontalPadding() { return 2 * trimmerHorizontalPadding; }
+    static constexpr double totalThumbnailListHorizontalPadding() {
+        return 2 * thumbnailListHorizontalPadding;
+    }
+    double trimmerInitialWidth() const { return screenWidth_ - totalTrimmerHorizontalPadding(); }
+    double trimmerCenter() const { return trimmerXOffset() + trimmerSize().width() / 2; }
+
+    bool didFinishPlaying() const { return didFinishPlaying_; }
+    bool isPlaying() const { return isPlaying_; }
+    bool videoIsInPortraitMode() const { return videoIsInPortraitMode_; }
+    /// The symbol's name.
+    QString soundIcon() const { return soundIcon_; }
+    QColor soundIconColor() const { return soundIconColor_; }
+    QColor soundBackgroundColor() const { return soundBackgroundColor_; }
+    /// Degrees clockwise, chosen by the user; negative if the user went to the left.
+    int videoRotation() const { return videoRotation_; }
+    /// Width over height.
+    double videoAspectRatio() const { return videoAspectRatio_; }
+    double volumeHeight() const { return volumeHeight_; }
+    /// Degrees, as the file's probe states them.
+    std::int64_t currentRotation() const { return currentRotation_; }
+
+    bool isTrimmerVisible() const { return isTrimmerVisible_; }
+    bool isSoundVisible() const { return isSoundVisible_; }
+    bool isRotationVisible() const { return isRotationVisible_; }
+    bool isTrimming() const { return isTrimming_; }
+    bool isAuthenticated() const { return isAuthenticated_; }
+    std::optional<CorvantaSdkVideoError> error() const { return error_; }
+    bool hasError() const { return error().has_value(); }
+    QString errorDescription() const;
+
+    const URL& videoURL() const { return videoURL_; }
+    const URL& outputURL() const { return outputURL_; }
+    VideoPlayer& videoPlayer() const { return *videoPlayer_; }
+
+  Q_SIGNALS:
+    void trimmerSizeChanged();
+    void thumbnailSizeChanged();
+    void trimmerXOffsetChanged();
+    void leftSpaceSizeChanged();
+    void rightSpaceSizeChanged();
+    void showRightWhiteSpaceChanged();
+    void trimmerBorderColorChanged();
+    void thumbnailsChanged();
+    void trimmerRangeChanged();
+    void trimmerStartChanged();
+    void stopAtChanged();
+    void isTrimmerRangeVisibleChanged();
+    void didFinishPlayingChanged();
+    void isPlayingChanged();
+    void videoIsInPortraitModeChanged();
+    void soundIconChanged();
+    void soundIconColorChanged();
+    void soundBackgroundColorChanged();
+    void videoRotationChanged();
+    void videoAspectRatioChanged();
+    void volumeHeightChanged();
+    void isTrimmerVisibleChanged();
+    void isSoundVisibleChanged();
+    void isRotationVisibleChanged();
+    void isTrimmingChanged();
+    void errorChanged();
+
+  private:
+    using ViewModel = CorvantaSdkVideoEditorViewModel;
+
+    void setupInitialUI();
+    void updateUIforTrimmingIfNeeded();
+    TrimEdge getTrimEdge(const QPointF& location) const;
+    void moveRightEdge(double position);
+    void moveLeftEdge(double position);
+    void moveTrimmerCenter(double position);
+    double calculateLeftSpaceSize(double position) const;
+    double calculateRightSpaceSize(double position) const;
+    void setLeftEdgePosition(double position);
+    void setRightEdgePosition(double position);
+    void setRightSpaceSize(double size);
+    void setTrimmerStart(double seconds);
+    void setStopAt(double seconds);
+    void updateRange();
+    double secondsAt(double position) const;
+
+    void generateThumbnails();
+    void setThumbnail(int index, const QImage& image);
+
+    void play();
+    void pause();
+    void seek(double seconds);
+    void onDidFinishPlaying();
+    void setVolumeHeight(double height);
+    void checkVideoOrientation();
+    void showTab(bool trimmer, bool sound, bool rotation);
+
+    bool hasEnded() const { return !completion_; }
+    /// The view model may be gone afterwards.
+    void end(const CorvantaSdkVideoEditorResult& result, const Handler& handler);
+
+    // These hold the view model weakly, and look at it on the Qt thread alone.
+    static Task<> readVideo(QPointer<ViewModel> model, VideosInformationGenerator generator, URL video);
+    static Task<> makeThumbnails(QPointer<ViewModel> model, std::shared_ptr<CorvantaSdkVideoEditor> editor,
+                                 URL video, double duration, std::int64_t width);
+    static Task<> runEdit(QPointer<ViewModel> model, std::shared_ptr<CorvantaSdkVideoEditor> editor,
+                          CorvantaSdkVideoEditorInput input, Handler handler);
+
+    const std::shared_ptr<CorvantaSdkVideoEditor> editor_;
+    const VideosInformationGenerator videosInformationGenerator_;
+    const URL videoURL_;
+    const URL outputURL_;
+    const bool isAuthenticated_;
+    /// Empty once the editor has ended.
+    Completion completion_;
+
+    double screenWidth_ = 0;
+    double screenHeight_ = 0;
+    double leftEdgePosition_ = 0;
+    double rightEdgePosition_ = 0;
+    double trimmerRightEdgePosition_ = 0;
+    double videoDuration_ = 0;
+    QSizeF videoResolution_{0, 0};
+    std::optional<Orientation> videoOrientation_;
+    std::int64_t currentRotation_ = 0;
+    double previousVolumeHeight_ = 0;
+    bool isClosing_ = false;
+
+// Assigning to one of these emits its signal if the value has changed.
+#define CORVANTA_OBSERVABLE(Type, property, start)                                                           \
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(ViewModel, Type, property##_, start, &ViewModel::property##Changed)
+    CORVANTA_OBSERVABLE(QSizeF, trimmerSize, QSizeF(0, 0))
+    CORVANTA_OBSERVABLE(QSizeF, thumbnailSize, QSizeF(0, 0))
+    CORVANTA_OBSERVABLE(double, trimmerXOffset, 0)
+    CORVANTA_OBSERVABLE(double, leftSpaceSize, 0)
+    CORVANTA_OBSERVABLE(double, rightSpaceSize, 0)
+    CORVANTA_OBSERVABLE(bool, showRightWhiteSpace, false)
+    CORVANTA_OBSERVABLE(QColor, trimmerBorderColor, CorvantaColor::gray)
+    CORVANTA_OBSERVABLE(QList<QImage>, thumbnails, QList<QImage>(thumbnailCount))
+    CORVANTA_OBSERVABLE(QString, trimmerRange, QString())
+    CORVANTA_OBSERVABLE(double, trimmerStart, 0)
+    CORVANTA_OBSERVABLE(double, stopAt, 0)
+    CORVANTA_OBSERVABLE(bool, isTrimmerRangeVisible, false)
+    CORVANTA_OBSERVABLE(bool, didFinishPlaying, false)
+    CORVANTA_OBSERVABLE(bool, isPlaying, false)
+    CORVANTA_OBSERVABLE(bool, videoIsInPortraitMode, true)
+    CORVANTA_OBSERVABLE(QString, soundIcon, QStringLiteral("speaker.wave.3"))
+    CORVANTA_OBSERVABLE(QColor, soundIconColor, QColor(Qt::white))
+    CORVANTA_OBSERVABLE(QColor, soundBackgroundColor, CorvantaColor::gray)
+    CORVANTA_OBSERVABLE(int, videoRotation, 0)
+    CORVANTA_OBSERVABLE(double, videoAspectRatio, 0.5)
+    CORVANTA_OBSERVABLE(double, volumeHeight, initialVolumeHeight)
+    CORVANTA_OBSERVABLE(bool, isTrimmerVisible, true)
+    CORVANTA_OBSERVABLE(bool, isSoundVisible, false)
+    CORVANTA_OBSERVABLE(bool, isRotationVisible, false)
+    CORVANTA_OBSERVABLE(bool, isTrimming, false)
+    CORVANTA_OBSERVABLE(std::optional<CorvantaSdkVideoError>, error, std::nullopt)
+#undef CORVANTA_OBSERVABLE
+
+    /// Goes first, since it may still emit.
+    const std::unique_ptr<VideoPlayer> videoPlayer_;
+};
+
+} // namespace corvanta

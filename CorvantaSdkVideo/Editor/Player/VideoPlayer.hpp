@@ -1,0 +1,36 @@
+#pragma once
+
+#include <platform/URL.hpp>
+
+#include <QObject>
+
+#include <functional>
+#include <memory>
+
+namespace corvanta {
+
+/// What the editor needs of a player for one file. Paused at first, with a volume of 1. Used on the Qt
+/// thread.
+class VideoPlayer : public QObject {
+    Q_OBJECT
+
+  public:
+    virtual void play() = 0;
+    virtual void pause() = 0;
+    /// `seconds` is finite and not negative.
+    virtual void seek(double seconds) = 0;
+
+    /// 0 to 1.
+    virtual float volume() const = 0;
+    virtual void setVolume(float volume) = 0;
+
+  Q_SIGNALS:
+    /// About once in each second of the file while it plays.
+    void timeObserved(double seconds);
+    void didPlayToEndTime();
+};
+
+/// Makes the player for a file.
+using MakeVideoPlayer = std::function<std::unique_ptr<VideoPlayer>(const URL&)>;
+
+} // namespace corvanta

@@ -1,0 +1,342 @@
+#include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorImplementation.hpp>
+
+#include "support/MediaFixtures.hpp"
+
+#include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
+#include <platform/AssetReader.hpp>
+#include <platform/Directories.hpp>
+#include <platform/SharedCorvantaSdkCommon.hpp>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+
+namespace corvanta {
+namespace {
+
+namespace fs = std::filesystem;
+using Error = CorvantaSdkVideoError;
+using test::Clip;
+using test::makeClip;
+using test::TemporaryDirectory;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class RecordingExecutor : public FFMPEGCommandExecutorImplementation {
+  public:
+    Task<> executeFFMPEGCommand(std::string command, OnUpdateSessionId onUpdateSessionId) override {
+        commands.push_back(command);
+        return FFMPEGCommandExecutorImplementation::executeFFMPEGCommand(std::move(command),
+                                                                         std::move(onUpdateSessionId));
+    }
+
+    std::vector<std::string> commands;
+};
+
+class RecordingLog : public SharedCorvantaSdkLogSink {
+  public:
+    void addLog(const SharedCorvantaSdkLog& record) override {
+        const bool failed = record.severity == SharedCorvantaSdkLogSeverity::error;
+        tags.push_back((failed ? "error " : "") + record.tag);
+    }
+
+    std::vector<std::string> tags;
+};
+
+struct FixedLogin : CorvantaCredentialsManager {
+    bool isUserAuthenticated() override { return loggedIn; }
+    bool loggedIn = true;
+};
+
+class CorvantaSdkVideoEditorTest : public testing::Test {
+  protected:
+    CorvantaSdkVideoEditorTest() {
+        setenv("XDG_DATA_HOME", directory_.file("data").c_str(), 1);
+        SharedCorvantaSdkCommonKt::sdk_common().setLog(log_);
+    }
+
+    std::optional<Error> edit(const CorvantaSdkVideoEditorInput& input) {
+        executor_->commands.clear();
+        log_->tags.clear();
+        try {
+            EXPECT_EQ(runBlocking(editor_.edit(input)).editedVideoURL, input.outputURL);
+        } catch (const Error& error) {
+            return error;
+        }
+        return std::nullopt;
+    }
+
+    std::optional<Error> thumbnail(const URL& video, double interval, std::optional<std::int64_t> width = 45,
+                                   std::optional<std::int64_t> height = 64) {
+        executor_->commands.clear();
+        log_->tags.clear();
+        try {
+            image_ = runBlocking(editor_.getThumbnailForVideo(video, interval, width, height)).path();
+        } catch (const Error& error) {
+            return error;
+        }
+        return std::nullopt;
+    }
+
+    URL output(const std::string& name = "out.mp4") const { return URL::fromFilePath(directory_.file(name)); }
+
+    TemporaryDirectory directory_;
+    std::shared_ptr<FixedLogin> login_ = std::make_shared<FixedLogin>();
+    std::shared_ptr<RecordingExecutor> executor_ = std::make_shared<RecordingExecutor>();
+    std::shared_ptr<RecordingLog> log_ = std::make_shared<RecordingLog>();
+    CorvantaSdkVideoEditorImplementation editor_{login_, executor_};
+    std::string image_;
+};
+
+struct PictureTrack {
+    int packets = 0;
+    double firstAt = 0;
+};
+
+PictureTrack pictureTrack(const std::string& path) {
+    const std::string times =
+        test::runTool("ffprobe", {"-v", "error", "-select_streams", "v", "-show_entries", "packet=pts_time",
+                                  "-of", "csv=p=0", path});
+    const std::vector<std::string> words = test::wordsOf(times);
+    PictureTrack track{static_cast<int>(words.size()), 0};
+    if (!words.empty()) {
+        track.firstAt = std::stod(words.front());
+    }
+    return track;
+}
+
+double loudness(const std::string& path) {
+    const std::string bytes =
+        test::runTool("ffmpeg", {"-v", "error", "-i", path, "-map", "0:a", "-f", "f32le", "-"});
+    double sum = 0;
+    for (std::size_t offset = 0; offset + sizeof(float) <= bytes.size(); offset += sizeof(float)) {
+        float sample = 0;
+        std::memcpy(&sample, bytes.data() + offset, sizeof(sample));
+        sum += static_cast<double>(sample) * static_cast<double>(sample);
+    }
+    return std::sqrt(sum / (static_cast<double>(bytes.size()) / sizeof(float)));
+}
+
+constexpr const char* withBFrames = "-c:v libx264 -g 30 -pix_fmt yuv420p -c:a aac";
+
+// What stream copy makes of each source: the header tells hosts of it.
+TEST_F(CorvantaSdkVideoEditorTest, KeepsTheRangeAsFarAsTheSourceCanBeCut) {
+    struct Case {
+        std::string name;
+        Clip clip;
+        double start;
+        double end;
+        int packets;
+        double firstPictureAt;
+    };
+    const std::vector<Case> cases = {
+        {"from the start", {.seconds = 3}, 0, 3, 90, 0},
+        {"to the middle", {.seconds = 3}, 0, 1.5, 45, 0},
+        {"from a key frame", {.seconds = 3}, 1, 2, 30, 0},
+        {"from between key frames", {.seconds = 3}, 0.4, 3, 60, 0.6},
+        {"B-frames lose the first group", {.seconds = 3, .codecs = withBFrames}, 0, 3, 60, 1},
+        {"B-frames in one group lose the picture", {.seconds = 1, .codecs = withBFrames}, 0, 1, 0, 0},
+        {"without sound", {.seconds = 2, .sounds = {}}, 0, 2, 60, 0},
+        {"without picture",
+         {.seconds = 2, .pictures = {}, .container = "m4a", .codecs = "-c:a aac"},
+         0.5,
+         2,
+         0,
+         0},
+        {"vp9 in webm",
+         {.seconds = 2, .container = "webm", .codecs = "-c:v libvpx-vp9 -deadline realtime -c:a libopus"},
+         0,
+         2,
+         60,
+         0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const URL clip = URL::fromFilePath(makeClip(c.clip));
+        ASSERT_EQ(edit({clip, output("an output.mp4"), c.start, c.end}), std::nullopt);
+        EXPECT_THAT(log_->tags, ElementsAre("event_video_edit"));
+        const std::string written = output("an output.mp4").path();
+        const PictureTrack track = pictureTrack(written);
+        EXPECT_EQ(track.packets, c.packets);
+        EXPECT_NEAR(track.firstAt, c.firstPictureAt, 0.02);
+        EXPECT_NEAR(AssetReader(output("an output.mp4")).duration(), c.end - c.start, 0.05);
+        EXPECT_EQ(test::probed(written).hasAudio(), !c.clip.sounds.empty());
+    }
+}
+
+TEST_F(CorvantaSdkVideoEditorTest, RecordsTheTurn) {
+    struct Case {
+        int sourceRotation;
+        std::int64_t angle;
+        std::string container;
+        std::int64_t rotation;
+    };
+    const std::vector<Case> cases = {
+        {0, 90, "mp4", -90},   {0, 270, "mp4", 90},  {0, 180, "mov", -180}, {0, 0, "mp4", 0},
+        {0, -90, "mov", 90},   {0, 450, "mp4", -90}, {0, 45, "mp4", 0},     {0, 90, "mkv", 0},
+        {-90, -90, "mp4", 90}, {-90, 0, "mp4", 0},   {-90, 90, "mp4", -90}, {90, 90, "mov", -90},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::to_string(c.sourceRotation) + " + " + std::to_string(c.angle) + " " + c.container);
+        const URL clip = URL::fromFilePath(makeClip({.rotation = c.sourceRotation}));
+        const URL written = output("turned." + c.container);
+        ASSERT_EQ(edit({clip, written, 0, 1, c.angle}), std::nullopt);
+        EXPECT_EQ(test::probed(written.path()).rotation(), c.rotation);
+    }
+}
+
+TEST_F(CorvantaSdkVideoEditorTest, SetsTheVolume) {
+    const URL clip = URL::fromFilePath(makeClip({.pictures = {}, .container = "m4a", .codecs = "-c:a aac"}));
+    const double whole = loudness(clip.path());
+    for (const float volume : {0.0F, 0.5F, 1.0F, 2.0F}) {
+        ASSERT_EQ(edit({clip, output(), 0, 1, 0, volume}), std::nullopt);
+        EXPECT_NEAR(loudness(output().path()) / whole, static_cast<double>(volume), 0.03);
+    }
+}
+
+TEST_F(CorvantaSdkVideoEditorTest, ChecksBeforeItRuns) {
+    const URL clip = URL::fromFilePath(makeClip({}));
+    const double duration = AssetReader(clip).duration();
+    const double beyond = std::nextafter(duration, 2 * duration);
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const URL missing = URL::fromFilePath(directory_.file("missing.mp4"));
+    const URL text = URL::fromFilePath(directory_.file("notes.txt"));
+    const URL garbage = URL::fromFilePath(directory_.file("garbage.mp4"));
+    std::ofstream(text.path()) << "text";
+    std::ofstream(garbage.path()) << "no video";
+
+    struct Case {
+        URL video;
+        double start;
+        double end;
+        std::optional<Error::Case> error;
+    };
+    for (const Case& c : std::vector<Case>{{missing, 0, 1, Error::notFoundVideo},
+                                           {text, 0, 1, Error::invalidFile},
+                                           {garbage, 0, 1, Error::invalidFile},
+                                           {clip, 0, 0, Error::invalidTrimRange},
+                                           {clip, 0.5, 0.5, Error::invalidTrimRange},
+                                           {clip, 0.5, 0.4, Error::invalidTrimRange},
+                                           {clip, -0.001, 1, Error::invalidTrimRange},
+                                           {clip, 0, beyond, Error::invalidTrimRange},
+                                           {clip, nan, 1, Error::invalidTrimRange},
+                                           {clip, 0, nan, Error::invalidTrimRange},
+                                           {clip, 0, duration, std::nullopt}}) {
+        SCOPED_TRACE(c.video.path() + " " + std::to_string(c.start) + " " + std::to_string(c.end));
+        const auto error = edit({c.video, output(), c.start, c.end});
+        EXPECT_EQ(error ? std::optional(error->kind()) : std::nullopt, c.error);
+        EXPECT_EQ(executor_->commands.empty(), error.has_value());
+        EXPECT_THAT(log_->tags, ElementsAre("event_video_edit"));
+    }
+
+    struct Position {
+        URL video;
+        double interval;
+        std::optional<Error::Case> error;
+        bool runs;
+    };
+    for (const Position& p : std::vector<Position>{{missing, 1, Error::notFoundVideo, false},
+                                                   {text, 1, Error::invalidFile, false},
+                                                   {garbage, 1, Error::invalidFile, false},
+                                                   {clip, beyond, Error::invalidTrimRange, false},
+                                                   {clip, nan, Error::invalidTrimRange, false},
+                                                   {clip, -1, Error::trimFailed, true},
+                                                   {clip, duration, std::nullopt, true}}) {
+        SCOPED_TRACE(p.video.path() + " " + std::to_string(p.interval));
+        const auto error = thumbnail(p.video, p.interval);
+        EXPECT_EQ(error ? std::optional(error->kind()) : std::nullopt, p.error);
+        EXPECT_EQ(!executor_->commands.empty(), p.runs);
+        EXPECT_THAT(log_->tags, IsEmpty());
+    }
+
+    login_->loggedIn = false;
+    EXPECT_EQ(edit({missing, output(), 0, 1}), Error(Error::userNotAuthenticated));
+    EXPECT_EQ(thumbnail(missing, 1), Error(Error::userNotAuthenticated));
+}
+
+TEST_F(CorvantaSdkVideoEditorTest, TellsOfAFailedRunOnce) {
+    const URL webm = URL::fromFilePath(
+        makeClip({.container = "webm", .codecs = "-c:v libvpx -deadline realtime -c:a libvorbis"}));
+    EXPECT_EQ(edit({webm, output(), 0, 0.5}), Error(Error::trimFailed));
+    EXPECT_THAT(log_->tags, ElementsAre("event_video_edit", "error event_video_edit"));
+
+    const URL clip = URL::fromFilePath(makeClip({}));
+    EXPECT_EQ(edit({clip, output("no folder/out.mp4"), 0, 0.5}), Error(Error::trimFailed));
+    EXPECT_EQ(executor_->commands.size(), 1U);
+}
+
+std::string contentsOf(const std::string& path) {
+    std::ifstream stream(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+TEST_F(CorvantaSdkVideoEditorTest, TakesEveryPathThatACommandCanCarryAndNoOther) {
+    const std::string clip = makeClip({});
+    for (const std::string name : {"a b'c;$(d).mp4", "\xC3\xA9t\xC3\xA9 {inputFile}.mp4", "100%.mp4"}) {
+        SCOPED_TRACE(name);
+        const URL video = URL::fromFilePath(directory_.file(name));
+        fs::copy_file(clip, video.path());
+        EXPECT_EQ(edit({video, output("{trimStart} " + name), 0, 1}), std::nullopt);
+        EXPECT_GT(pictureTrack(output("{trimStart} " + name).path()).packets, 0);
+        EXPECT_EQ(thumbnail(video, 0.5), std::nullopt);
+        EXPECT_TRUE(fs::exists(image_));
+    }
+
+    const std::string contents = contentsOf(clip);
+    const auto refuses = [&](const URL& video, const URL& target) {
+        SCOPED_TRACE(video.path() + " to " + target.path());
+        EXPECT_EQ(edit({video, target, 0, 1}), Error(Error::trimFailed));
+        EXPECT_THAT(log_->tags, ElementsAre("event_video_edit", "error event_video_edit"));
+        EXPECT_THAT(executor_->commands, IsEmpty());
+        EXPECT_TRUE(contentsOf(video.path()) == contents);
+    };
+    for (const std::string name : {"a\"b.mp4", "%41.mp4", "{trimEnd}.mp4", "{outputFile}.mp4"}) {
+        const URL video = URL::fromFilePath(directory_.file(name));
+        fs::copy_file(clip, video.path());
+        refuses(video, output());
+    }
+    const URL video = URL::fromFilePath(directory_.file("clip.mp4"));
+    fs::copy_file(clip, video.path());
+    fs::create_symlink(video.path(), directory_.file("symlink.mp4"));
+    fs::create_hard_link(video.path(), directory_.file("hardlink.mp4"));
+    for (const std::string name : {"a\"b c.mp4", "%41%42.mp4", "clip.mp4", "symlink.mp4", "hardlink.mp4"}) {
+        refuses(video, output(name));
+    }
+    refuses(video, *URL::parse("-out.mp4"));
+
+    setenv("XDG_DATA_HOME", directory_.file("%d").c_str(), 1);
+    EXPECT_EQ(thumbnail(video, 0.5), Error(Error::trimFailed));
+    EXPECT_THAT(executor_->commands, IsEmpty());
+}
+
+TEST_F(CorvantaSdkVideoEditorTest, WritesTheFrameAtADistanceFromTheEnd) {
+    const std::string clip = directory_.file("red, then blue.mp4");
+    test::runTool("ffmpeg", {"-v", "error", "-f", "lavfi", "-i", "color=red:s=128x96:r=30:d=1", "-f", "lavfi",
+                             "-i", "color=blue:s=128x96:r=30:d=1", "-filter_complex", "concat=n=2", clip});
+    const test::Colour red{254, 0, 0};
+    const test::Colour blue{0, 0, 254};
+    const std::vector<std::pair<double, test::Colour>> frames = {
+        {2, red}, {1.5, red}, {0.75, blue}, {0.1, blue}};
+    for (const auto& [interval, colour] : frames) {
+        SCOPED_TRACE(interval);
+        ASSERT_EQ(thumbnail(URL::fromFilePath(clip), interval), std::nullopt);
+        const test::Frame frame = test::frameAt(image_, 0);
+        EXPECT_PRED3(test::isNear, frame.mean(), colour, 24);
+        EXPECT_EQ(frame.width, 45);
+        EXPECT_EQ(frame.height, 64);
+        EXPECT_EQ(fs::path(image_).parent_path(), Directories::documents().path());
+        EXPECT_EQ(fs::path(image_).extension(), ".jpg");
+        EXPECT_THAT(log_->tags, IsEmpty());
+    }
+    ASSERT_EQ(thumbnail(URL::fromFilePath(clip), 1, 64, std::nullopt), std::nullopt);
+    EXPECT_EQ(test::frameAt(image_, 0).height, 48);
+}
+
+} // namespace
+} // namespace corvanta

@@ -1,0 +1,268 @@
+#include "CorvantaSdkVideo/Editor/EditorFixture.hpp"
+
+#include <platform/AssetReader.hpp>
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+
+namespace corvanta {
+namespace {
+
+using test::Clip;
+using test::makeClip;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class TrimmerModelTest : public test::EditorFixture {
+  protected:
+    static constexpr double height = 64;
+
+    void drag(double x, double y = 30) {
+        model_->applyTrimming(QPointF(x, y), QRectF(0, 0, model_->trimmerInitialWidth(), height));
+    }
+
+    // What must hold after any drags, whatever they were.
+    void expectConsistent() const {
+        const auto& m = *model_;
+        const double width = m.trimmerInitialWidth();
+        const double duration = m.videoDuration();
+        const double left = m.leftEdgePosition();
+        const double right = m.rightEdgePosition();
+        ASSERT_DOUBLE_EQ(m.trimmerStart(), duration * ((left - 12) / width));
+        ASSERT_DOUBLE_EQ(m.stopAt(), duration * ((right + 12) / width));
+        ASSERT_EQ(m.trimmerXOffset(), left - 12);
+        ASSERT_EQ(m.trimmerRightEdgePosition(), right + 12);
+        ASSERT_NEAR(m.trimmerSize().width(), right - left + 24, 1e-6);
+        ASSERT_GE(left, 12);
+        ASSERT_LE(right + 12, width);
+        ASSERT_GE(right - left, 64 - 1e-6);
+        ASSERT_GE(m.trimmerStart(), 0);
+        ASSERT_LE(m.stopAt(), duration);
+        ASSERT_LE(m.leftSpaceSize(), 24);
+        ASSERT_LE(m.rightSpaceSize(), 24);
+        ASSERT_EQ(m.showRightWhiteSpace(), m.rightSpaceSize() == 24);
+    }
+};
+
+TEST_F(TrimmerModelTest, LaysOutTheStripAndReadsTheFile) {
+    const std::string clip =
+        makeClip({.seconds = 2, .pictures = {{.width = 160, .height = 120}}, .rotation = -90});
+    open(clip);
+    EXPECT_EQ(model_->trimmerSize(), QSizeF(0, 0));
+    EXPECT_EQ(model_->trimmerBorderColor(), QColor::fromRgbF(0.3804F, 0.3804F, 0.3804F));
+    EXPECT_EQ(model_->thumbnails().size(), 8);
+    EXPECT_EQ(readyThumbnails(), 0);
+    EXPECT_EQ(model_->trimmerRange(), "");
+
+    model_->setupTrimmer(QSizeF(375, 600));
+    EXPECT_EQ(model_->trimmerSize(), QSizeF(343, 64));
+    EXPECT_EQ(model_->thumbnailSize(), QSizeF(36.875, 64));
+    EXPECT_EQ(model_->leftEdgePosition(), 12);
+    EXPECT_EQ(model_->rightEdgePosition(), 331);
+    EXPECT_EQ(model_->trimmerRightEdgePosition(), 343);
+    EXPECT_EQ(model_->trimmerCenter(), 171.5);
+    drag(60);
+    EXPECT_EQ(model_->trimmerStart(), 0);
+    EXPECT_EQ(model_->stopAt(), 0);
+    EXPECT_EQ(model_->trimmerRange(), "00:00 - 00:00");
+
+    model_->setupTrimmer(QSizeF(375, 600));
+    ASSERT_TRUE(eventually([&] { return readyThumbnails() == 8; }));
+    const double duration = AssetReader(URL::fromFilePath(clip)).duration();
+    EXPECT_EQ(model_->videoDuration(), duration);
+    EXPECT_EQ(model_->stopAt(), duration);
+    EXPECT_EQ(model_->trimmerRange(), "00:00 - 00:02");
+    EXPECT_EQ(model_->videoAspectRatio(), 120.0 / 160.0);
+    EXPECT_EQ(model_->videoResolution(), QSizeF(120, 160));
+    EXPECT_EQ(model_->videoOrientation(), Orientation::portrait);
+    EXPECT_EQ(model_->currentRotation(), -90);
+}
+
+TEST_F(TrimmerModelTest, AsksForEightThumbnailsFromTheEnd) {
+    openAndLayOut(makeClip({.seconds = 2}));
+    ASSERT_TRUE(eventually([&] { return readyThumbnails() == 8; }));
+    const auto calls = fakeEditor_->thumbnailCalls();
+    ASSERT_EQ(calls.size(), 8U);
+    for (std::size_t index = 0; index < calls.size(); ++index) {
+        EXPECT_DOUBLE_EQ(calls[index].interval,
+                         model_->videoDuration() * (1 - static_cast<double>(index) / 8));
+        EXPECT_EQ(calls[index].width, 45);
+        EXPECT_EQ(calls[index].height, 64);
+        EXPECT_EQ(model_->thumbnails().at(static_cast<qsizetype>(index)).pixelColor(0, 0).red(),
+                  static_cast<int>(index));
+    }
+}
+
+TEST_F(TrimmerModelTest, StopsQuietlyAtAThumbnailThatFails) {
+    for (const bool unreadable : {false, true}) {
+        auto editor = std::make_shared<test::FakeEditor>();
+        (unreadable ? editor->unreadableThumbnail : editor->failingThumbnail) = 3;
+        editor_ = editor;
+        openAndLayOut(makeClip({.seconds = 2}));
+        ASSERT_TRUE(eventually([&] { return editor->thumbnailCalls().size() == 4; }));
+        settle();
+        EXPECT_EQ(editor->thumbnailCalls().size(), 4U);
+        EXPECT_EQ(readyThumbnails(), 3);
+        EXPECT_FALSE(model_->hasError());
+    }
+}
+
+TEST_F(TrimmerModelTest, FollowsEachPartOfTheFrame) {
+    openAndLayOut(makeClip({.seconds = 2}));
+    const double duration = model_->videoDuration();
+    struct Case {
+        double x;
+        double left;
+        double right;
+        double leftSpace;
+        double rightSpace;
+        bool seeks;
+    };
+    // W is 343. Each drag goes on from where the one before has left the frame.
+    const std::vector<Case> cases = {
+        {100, 12, 331, 0, 0, false},       // between the zones
+        {12, 12, 331, 0, 0, false},        // the left edge stops short of the start
+        {331, 12, 331, 0, 0, false},       // and the right one of the end
+        {171.5, 12, 331, 24, 24, true},    // the centre, without room to move
+        {160, 12, 331, 24, 24, false},     // too far to the left for the whole frame
+        {12.5, 12.5, 331, 12.5, 24, true}, // the left edge's space is that of the touch
+        {60, 60, 331, 24, 24, true},       // at most 24
+        {300, 60, 300, 24, 24, false},     // the right drag doesn't seek
+        {325, 60, 325, 24, 18, false},     // its space is what is left of the strip
+        {277, 60, 277, 24, 24, false},     // 48 away still counts
+        {229, 60, 229, 24, 24, false},     //
+        {181, 60, 181, 24, 24, false},     //
+        {136, 75.5, 196.5, 24, 24, true},  // the centre moves both, by 15.5
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.x);
+        player_->takeCalls();
+        drag(c.x);
+        EXPECT_EQ(model_->leftEdgePosition(), c.left);
+        EXPECT_EQ(model_->rightEdgePosition(), c.right);
+        EXPECT_EQ(model_->leftSpaceSize(), c.leftSpace);
+        EXPECT_EQ(model_->rightSpaceSize(), c.rightSpace);
+        EXPECT_EQ(player_->takeCalls().size(), c.seeks ? 1U : 0U);
+        EXPECT_DOUBLE_EQ(model_->trimmerStart(), duration * (c.left - 12) / 343);
+        EXPECT_DOUBLE_EQ(model_->stopAt(), duration * (c.right + 12) / 343);
+    }
+}
+
+TEST_F(TrimmerModelTest, LightsUpAtTheFirstDragInsideTheStrip) {
+    openAndLayOut(makeClip({.seconds = 2}));
+    for (const auto& [x, y] :
+         std::vector<std::pair<double, double>>{{-1, 30}, {60, -0.5}, {60, 64}, {343, 30}, {NAN, 30}}) {
+        drag(x, y);
+        EXPECT_EQ(model_->leftEdgePosition(), 12);
+        EXPECT_FALSE(model_->isTrimmerRangeVisible());
+        EXPECT_EQ(model_->trimmerBorderColor(), CorvantaColor::gray);
+    }
+    drag(100);
+    EXPECT_TRUE(model_->isTrimmerRangeVisible());
+    EXPECT_EQ(model_->trimmerBorderColor(), QColor::fromRgbF(1.0F, 0.7569F, 0.0275F));
+    model_->setupTrimmer(QSizeF(375, 600));
+    EXPECT_TRUE(model_->isTrimmerRangeVisible());
+}
+
+TEST_F(TrimmerModelTest, HoldsItsBoundsInDragsAlongTheWholeStrip) {
+    const std::string clip = makeClip({.seconds = 2});
+    for (const double screenWidth : {320.0, 333.0, 375.0, 414.0, 768.0, 1024.0, 1280.0}) {
+        openAndLayOut(clip, screenWidth);
+        const double width = model_->trimmerInitialWidth();
+        for (int sweep = 0; sweep < 4; ++sweep) {
+            for (double step = 0; step < width; ++step) {
+                drag(sweep % 2 == 0 ? step : width - 1 - step);
+                expectConsistent();
+                // Whole and half points are exact.
+                ASSERT_GE(model_->rightEdgePosition() - model_->leftEdgePosition(), 64);
+                ASSERT_EQ(model_->trimmerSize().width(),
+                          model_->trimmerRightEdgePosition() - model_->trimmerXOffset());
+            }
+        }
+        EXPECT_LT(model_->stopAt() - model_->trimmerStart(), model_->videoDuration());
+    }
+}
+
+TEST_F(TrimmerModelTest, HoldsTheFormulaAfterRandomDrags) {
+    const std::string clip = makeClip({.seconds = 2});
+    for (const unsigned seed : {1U, 2U, 3U}) {
+        std::mt19937 random(seed);
+        const double screenWidth = std::uniform_real_distribution(320.0, 1280.0)(random);
+        openAndLayOut(clip, screenWidth);
+        const double width = model_->trimmerInitialWidth();
+        std::uniform_real_distribution<double> anywhere(-20, width + 20);
+        std::normal_distribution<double> nearby(0, 12);
+        int moves = 0;
+        for (int count = 0; count < 10'000; ++count) {
+            const double before = model_->trimmerXOffset() + model_->trimmerRightEdgePosition();
+            const std::array grips{model_->leftEdgePosition(), model_->rightEdgePosition(),
+                                   model_->trimmerCenter()};
+            drag(count % 4 == 3 ? anywhere(random)
+                                : grips[static_cast<std::size_t>(count % 4)] + nearby(random));
+            ASSERT_NO_FATAL_FAILURE(expectConsistent());
+            moves += before != model_->trimmerXOffset() + model_->trimmerRightEdgePosition() ? 1 : 0;
+        }
+        EXPECT_GT(moves, 5000);
+    }
+}
+
+TEST_F(TrimmerModelTest, ReadsFilesOfEveryKind) {
+    useRealEditor();
+    struct Case {
+        std::string name;
+        Clip clip;
+        std::string range;
+        double aspect;
+        int thumbnails;
+    };
+    const std::string tiny = "-c:v mpeg4 -g 60 -c:a aac";
+    const std::vector<Case> cases = {
+        {"over an hour",
+         {.seconds = 3725,
+          .pictures = {{.source = "color=c=red", .width = 128, .height = 128, .rate = "1"}},
+          .sounds = {},
+          .codecs = tiny},
+         "00:00 - 62:05",
+         1,
+         8},
+        {"without sound", {.seconds = 2, .sounds = {}}, "00:00 - 00:02", 160.0 / 120.0, 8},
+        {"without picture",
+         {.seconds = 2, .pictures = {}, .container = "m4a", .codecs = "-c:a aac"},
+         "00:00 - 00:02",
+         0.5,
+         0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        openAndLayOut(makeClip(c.clip));
+        ASSERT_TRUE(eventually([&] { return readyThumbnails() == c.thumbnails; }));
+        EXPECT_EQ(model_->trimmerRange().toStdString(), c.range);
+        EXPECT_DOUBLE_EQ(model_->videoAspectRatio(), c.aspect);
+        model_->trimVideo([this] { ++handled_; });
+        ASSERT_TRUE(eventually([&] { return !model_->isTrimming(); }));
+        ASSERT_FALSE(model_->hasError());
+        EXPECT_NEAR(AssetReader(model_->outputURL()).duration(), model_->videoDuration(), 0.05);
+    }
+    // The pictures are gone when they have been read; what is left are the edited files.
+    const auto left = std::distance(std::filesystem::directory_iterator(documents()), {});
+    EXPECT_EQ(left, static_cast<std::ptrdiff_t>(cases.size()));
+}
+
+TEST_F(TrimmerModelTest, StaysBlankForAFileThatCannotBeRead) {
+    open(directory_.file("missing.mp4"));
+    model_->setupTrimmer(QSizeF(375, 600));
+    settle();
+    EXPECT_EQ(model_->videoDuration(), 0);
+    EXPECT_EQ(model_->videoAspectRatio(), 0.5);
+    EXPECT_FALSE(model_->hasError());
+    EXPECT_THAT(fakeEditor_->thumbnailCalls(), IsEmpty());
+    drag(60);
+    EXPECT_EQ(model_->leftEdgePosition(), 60);
+    EXPECT_EQ(model_->trimmerStart(), 0);
+}
+
+} // namespace
+} // namespace corvanta
