@@ -1,0 +1,24 @@
+#pragma once
+
+/// The module's public entry: the one header that a host includes.
+
+#include <CorvantaSdkVideo/CI.hpp>
+#include <CorvantaSdkVideo/CorvantaSdkVideoInterface.hpp>
+#include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
+#include <platform/FFmpegKit.hpp>
+#include <platform/SharedCorvantaSdkCommon.hpp>
+#include <platform/Task.hpp>
+
+namespace corvanta {
+
+/// Builds the module at its first use, once, safely from any thread. It lives until the process ends.
+class CorvantaSdkVideoEntry {
+  public:
+    CorvantaSdkVideoInterface* operator->() const;
+    CorvantaSdkVideoInterface& operator*() const { return *operator->(); }
+};
+
+/// The module: `CorvantaSdkVideo->getVideosInformation(files)`.
+inline constexpr CorvantaSdkVideoEntry CorvantaSdkVideo;
+
+} // namespace corvanta

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <platform/URL.hpp>
+#include <platform/UUID.hpp>
+
+#include <exception>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace corvanta {
+
+/// The text of a log record. A URL prints as its absolute text, an error as its default description, a status
+/// by the name of its case.
+class EventMessage {
+  public:
+    static EventMessage getRequestsBy(std::string_view status);
+    static EventMessage clearNoise(const URL& videoPath, const URL& resultPath);
+    static EventMessage clearNoiseFailed(const URL& videoPath, const std::exception& error);
+    static EventMessage compare(const std::vector<URL>& videoPaths);
+    static EventMessage compareFailed(const std::exception& error);
+    static EventMessage getInfo(const URL& videoPath);
+    static EventMessage getInfoFailed(const URL& videoPath, const std::exception& error);
+    static EventMessage createThumbnail(const URL& videoPath);
+    static EventMessage createThumbnailFailed(const URL& videoPath, const std::exception& error);
+    static EventMessage editVideo(const URL& videoPath);
+    static EventMessage editVideoFailed(const std::exception& error);
+    static EventMessage insertRequest(const UUID& id);
+    static EventMessage updateRequest(const UUID& id);
+    static EventMessage getRequestBy(const UUID& id);
+    static EventMessage streamRequestsBy(std::optional<std::string_view> status);
+    static EventMessage streamRequest(const UUID& id);
+    static EventMessage processRequest(const UUID& id);
+    static EventMessage cancelRequest(const UUID& id);
+    static EventMessage mergeRequestFailed(const std::exception& error);
+    static EventMessage mergeVideoAndAudioFailed(const std::exception& error);
+    static EventMessage insertRequestFailed(const std::exception& error);
+    /// Prints the error's own text instead of its description.
+    static EventMessage processRequestFailed(const std::exception& error);
+    static EventMessage initVideoModule();
+    static EventMessage initEditVideoScreen();
+    static EventMessage closeEditVideoScreen();
+    static EventMessage createMergeBuilder();
+    static EventMessage createConcatBuilder();
+    static EventMessage createEncodeBuilder();
+    static EventMessage notAuthenticated();
+
+    const std::string& message() const { return text_; }
+
+  private:
+    explicit EventMessage(std::string text) : text_(std::move(text)) {}
+
+    std::string text_;
+};
+
+} // namespace corvanta

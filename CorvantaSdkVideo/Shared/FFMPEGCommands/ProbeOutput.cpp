@@ -1,0 +1,155 @@
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/ProbeOutput.hpp>
+
+#include <platform/Errors.hpp>
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+namespace corvanta {
+
+namespace {
+
+using nlohmann::json;
+
+const json* member(const json& object, const char* key) {
+    const auto found = object.find(key);
+    return found != object.end() ? &*found : nullptr;
+}
+
+std::string text(const json& object, const char* key, const char* fallback = "") {
+    const json* value = member(object, key);
+    return value != nullptr && value->is_string() ? value->get<std::string>() : fallback;
+}
+
+std::optional<std::int64_t> optionalInteger(const json& object, const char* key) {
+    const json* value = member(object, key);
+    if (value == nullptr || !value->is_number_integer() ||
+        (value->is_number_unsigned() &&
+         value->get<std::uint64_t>() >
+             static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()))) {
+        return std::nullopt;
+    }
+    return value->get<std::int64_t>();
+}
+
+std::int64_t integer(const json& object, const char* key) { return optionalInteger(object, key).value_or(0); }
+
+// Converts a whole text or gives 0; "inf", "nan" and what is too large for a double convert.
+double toDouble(const std::string& text) {
+    const char* begin = text.data();
+    const char* const end = begin + text.size();
+    if (text.size() > 1 && text[0] == '+' && text[1] != '-') {
+        ++begin;
+    }
+    double value = 0;
+    const auto [last, error] = std::from_chars(begin, end, value);
+    if (last != end || error == std::errc::invalid_argument) {
+        return 0;
+    }
+    // Out of range leaves the value alone; strtod tells whether it was too large or too small.
+    return error == std::errc::result_out_of_range ? std::strtod(text.c_str(), nullptr) : value;
+}
+
+std::int64_t toInteger(const std::string& text) {
+    const char* begin = text.data();
+    const char* const end = begin + text.size();
+    if (text.size() > 1 && text[0] == '+' && text[1] != '-') {
+        ++begin;
+    }
+    std::int64_t value = 0;
+    const auto [last, error] = std::from_chars(begin, end, value);
+    return last == end && error == std::errc() ? value : 0;
+}
+
+double duration(const json& object) { return toDouble(text(object, "duration", "0")); }
+
+bool isListOfObjects(const json* value) {
+    return value != nullptr && value->is_array() &&
+           std::ranges::all_of(*value, [](const json& entry) { return entry.is_object(); });
+}
+
+// The last entry that states a rotation wins.
+std::int64_t rotation(const json& stream) {
+    std::int64_t degrees = 0;
+    if (const json* entries = member(stream, "side_data_list"); isListOfObjects(entries)) {
+        for (const json& entry : *entries) {
+            degrees = optionalInteger(entry, "rotation").value_or(degrees);
+        }
+    }
+    return degrees;
+}
+
+std::vector<CorvantaSdkVideoTrackInformation> mapVideoTracks(const json& streams) {
+    std::vector<CorvantaSdkVideoTrackInformation> tracks;
+    for (const json& stream : streams) {
+        if (text(stream, "codec_type") == "video") {
+            tracks.emplace_back(integer(stream, "index"), integer(stream, "width"), integer(stream, "height"),
+                                text(stream, "codec_name"), text(stream, "codec_tag_string"),
+                                text(stream, "pix_fmt"), toInteger(text(stream, "bit_rate", "0")),
+                                text(stream, "r_frame_rate"), rotation(stream),
+                                millisecondsFromSeconds(duration(stream)));
+        }
+    }
+    return tracks;
+}
+
+std::vector<CorvantaSdkVideoAudioTrackInformation> mapAudioTracks(const json& streams) {
+    std::vector<CorvantaSdkVideoAudioTrackInformation> tracks;
+    for (const json& stream : streams) {
+        if (text(stream, "codec_type") == "audio") {
+            tracks.push_back({.index = integer(stream, "index"),
+                              .codec = text(stream, "codec_name"),
+                              .codecTag = text(stream, "codec_tag_string"),
+                              .sampleFormat = text(stream, "sample_fmt"),
+                              .bitRate = toInteger(text(stream, "bit_rate", "0")),
+                              .sampleRate = toInteger(text(stream, "sample_rate", "0")),
+                              .channels = integer(stream, "channels"),
+                              .channelLayout = text(stream, "channel_layout"),
+                              .durationMillis = millisecondsFromSeconds(duration(stream))});
+        }
+    }
+    return tracks;
+}
+
+} // namespace
+
+std::optional<ProbeOutput> parseProbeOutput(std::string_view output) {
+    const json root = json::parse(output, nullptr, false);
+    if (!root.is_object()) {
+        return std::nullopt;
+    }
+    const json* format = member(root, "format");
+    const json* streams = member(root, "streams");
+    if (format == nullptr || !format->is_object() || !isListOfObjects(streams)) {
+        return std::nullopt;
+    }
+    ProbeOutput parsed;
+    parsed.size = toInteger(text(*format, "size", "0"));
+    parsed.duration = duration(*format);
+    parsed.format = text(*format, "format_name");
+    parsed.videos = mapVideoTracks(*streams);
+    parsed.audios = mapAudioTracks(*streams);
+    return parsed;
+}
+
+std::int64_t millisecondsFromSeconds(double seconds) {
+    const double milliseconds = seconds * 1000.0;
+    if (!std::isfinite(milliseconds)) {
+        fatalError("Double value cannot be converted to Int64 because it is either infinite or NaN");
+    }
+    if (milliseconds <= -9223372036854777856.0) {
+        fatalError(
+            "Double value cannot be converted to Int64 because the result would be less than Int64.min");
+    }
+    if (milliseconds >= 9223372036854775808.0) {
+        fatalError(
+            "Double value cannot be converted to Int64 because the result would be greater than Int64.max");
+    }
+    return static_cast<std::int64_t>(milliseconds);
+}
+
+} // namespace corvanta

@@ -1,0 +1,111 @@
+#include <CorvantaSdkVideo/Thumbnail/CorvantaSdkVideoThumbnailGeneratorImplementation.hpp>
+
+#include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
+#include <CorvantaSdkVideo/Logger/Logger.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
+#include <platform/AssetReader.hpp>
+#include <platform/FileManager.hpp>
+
+#include <system_error>
+#include <utility>
+
+namespace corvanta {
+
+namespace {
+
+using Error = CorvantaSdkVideoError;
+
+bool isValidPosition(double position, const URL& video) {
+    const double duration = AssetReader(video).duration();
+    return position >= 0 && position < duration;
+}
+
+// ffmpeg's image writer reads "%d" as a frame number and cuts a name of 1024 bytes or more.
+bool isPlainImageName(const std::string& path) {
+    for (std::size_t percent = path.find('%'); percent != std::string::npos;
+         percent = path.find('%', percent + 1)) {
+        const std::size_t conversion = path.find_first_not_of("0123456789", percent + 1);
+        if (conversion != std::string::npos && path[conversion] == 'd') {
+            return false;
+        }
+    }
+    return path.size() < 1024;
+}
+
+// The command holds the input as the bare text of its URL, which only a "file" URL may have escapes in.
+bool isWritable(const URL& input, const std::string& outputPath) {
+    const bool bareText = input.isFileURL() || input.absoluteString() == input.path();
+    return bareText && input.path().find('\0') == std::string::npos && isQuotable(outputPath) &&
+           isPlainImageName(outputPath);
+}
+
+void removeOlderThumbnail(const std::string& path) {
+    if (!FileManager::fileExists(path)) {
+        return;
+    }
+    try {
+        FileManager::removeItem(path);
+    } catch (const std::system_error&) {
+        throw Error(Error::unableToDeleteExistingThumbnail);
+    }
+}
+
+Task<> run(std::shared_ptr<FFMPEGCommandExecutor> executor, std::string command, std::string outputPath) {
+    co_await executor->executeFFMPEGCommand(std::move(command));
+    // Past the last frame ffmpeg succeeds and writes nothing.
+    if (!FileManager::fileExists(outputPath)) {
+        throw std::system_error(std::make_error_code(std::errc::no_such_file_or_directory), outputPath);
+    }
+}
+
+} // namespace
+
+CorvantaSdkVideoThumbnailGeneratorImplementation::CorvantaSdkVideoThumbnailGeneratorImplementation(
+    FFMPEGCommandGenerator commandGenerator, std::shared_ptr<FFMPEGCommandExecutor> commandExecutor,
+    std::shared_ptr<CorvantaCredentialsManager> credentialsManager)
+    : commandGenerator_(commandGenerator), commandExecutor_(std::move(commandExecutor)),
+      credentialsManager_(std::move(credentialsManager)) {}
+
+Task<CorvantaSdkVideoThumbnailResult> CorvantaSdkVideoThumbnailGeneratorImplementation::generateThumbnail(
+    CorvantaSdkVideoThumbnailInputVideo video) {
+    const URL input = video.input().url();
+    Logger::addLog(Event::createThumbnail, EventMessage::createThumbnail(input));
+    if (!credentialsManager_->isUserAuthenticated()) {
+        throw Error(Error::userNotAuthenticated);
+    }
+    if (!FileManager::fileExists(input.path())) {
+        throw Error(Error::notFoundVideo);
+    }
+    if (video.width().value_or(0) < 0) {
+        throw Error(Error::invalidThumbnailWidth);
+    }
+    if (video.height().value_or(0) < 0) {
+        throw Error(Error::invalidThumbnailHeight);
+    }
+    if (!isValidPosition(video.position(), input)) {
+        throw Error(Error::invalidPositionInVideo);
+    }
+    const auto output = video.output().url(FileExtension(FileExtension::jpg).rawValue());
+    if (!output) {
+        throw Error(Error::notFoundVideo);
+    }
+    const std::string outputPath = output->path();
+    const bool writable = isWritable(input, outputPath);
+    // What can't succeed doesn't cost an older thumbnail.
+    if (writable) {
+        removeOlderThumbnail(outputPath);
+    }
+    std::string command = commandGenerator_.generateThumbnailGenerationCommandFor(video, *output);
+    try {
+        if (!writable) {
+            throw std::system_error(std::make_error_code(std::errc::invalid_argument), outputPath);
+        }
+        co_await run(commandExecutor_, std::move(command), outputPath);
+    } catch (const std::exception& error) {
+        Logger::logError(Event::createThumbnail, EventMessage::createThumbnailFailed(input, error));
+        throw Error(Error::thumbnailGenerationFailed);
+    }
+    co_return CorvantaSdkVideoThumbnailResult{*output};
+}
+
+} // namespace corvanta

@@ -1,0 +1,6 @@
+find_package(Boost 1.81 REQUIRED COMPONENTS url)
+find_package(nlohmann_json REQUIRED)
+find_package(PkgConfig REQUIRED)
+find_package(spdlog REQUIRED)
+find_package(Threads REQUIRED)
+pkg_check_modules(LIBAV REQUIRED IMPORTED_TARGET libavformat libavutil)

@@ -1,0 +1,117 @@
+#include "Commands.hpp"
+#include "Run.hpp"
+
+#include <nlohmann/json.hpp>
+
+#include <memory>
+
+using namespace corvanta;
+using json = nlohmann::ordered_json;
+
+namespace {
+
+const char* orientationName(Orientation orientation) {
+    return orientation == Orientation::portrait ? "portrait" : "landscape";
+}
+
+json toJson(const CorvantaSdkVideoTrackInformation& track) {
+    return {{"index", track.index},
+            {"width", track.width},
+            {"height", track.height},
+            {"rotatedWidth", track.rotatedWidth},
+            {"rotatedHeight", track.rotatedHeight},
+            {"codec", track.codec},
+            {"codecTag", track.codecTag},
+            {"pixelFormat", track.pixelFormat},
+            {"bitRate", track.bitRate},
+            {"frameRate", track.frameRate},
+            {"rotation", track.rotation},
+            {"durationMillis", track.durationMillis}};
+}
+
+json toJson(const CorvantaSdkVideoAudioTrackInformation& track) {
+    return {{"index", track.index},
+            {"codec", track.codec},
+            {"codecTag", track.codecTag},
+            {"sampleFormat", track.sampleFormat},
+            {"bitRate", track.bitRate},
+            {"sampleRate", track.sampleRate},
+            {"channels", track.channels},
+            {"channelLayout", track.channelLayout},
+            {"durationMillis", track.durationMillis}};
+}
+
+template <typename Record>
+json toJsonList(const std::vector<Record>& records);
+
+json toJson(const CorvantaSdkVideoInformation& file) {
+    return {{"path", file.path},
+            {"size", file.size},
+            {"durationMillis", file.durationMillis},
+            {"format", file.format},
+            {"videos", toJsonList(file.videos)},
+            {"audios", toJsonList(file.audios)},
+            {"url", file.url.absoluteString()},
+            {"orientation", orientationName(file.orientation)},
+            {"videoSize", {{"width", file.videoSize.width}, {"height", file.videoSize.height}}},
+            {"videoCodec", file.videoCodec()},
+            {"audioCodec", file.audioCodec()},
+            {"audioSampleRates", file.audioSampleRates()},
+            {"frameRate", file.frameRate().rawValue()},
+            {"hasAudio", file.hasAudio()},
+            {"rotation", file.rotation()}};
+}
+
+template <typename Record>
+json toJsonList(const std::vector<Record>& records) {
+    json list = json::array();
+    for (const Record& record : records) {
+        list.push_back(toJson(record));
+    }
+    return list;
+}
+
+std::string seconds(std::int64_t millis) { return fmt::format("{}.{:03} s", millis / 1000, millis % 1000); }
+
+std::string bitRate(std::int64_t bitsPerSecond) {
+    return bitsPerSecond == 0 ? "" : fmt::format("  {} kbit/s", bitsPerSecond / 1000);
+}
+
+void printTable(Console& console, const CorvantaSdkVideoInformation& file) {
+    console.print("{}\n", file.url.path());
+    console.print("  {:<9}{}  {}  {} bytes\n", "file", file.format, seconds(file.durationMillis), file.size);
+    if (!file.videos.empty()) {
+        console.print("  {:<9}{:.0f}x{:.0f} {}\n", "shown", file.videoSize.width, file.videoSize.height,
+                      orientationName(file.orientation));
+    }
+    for (const auto& track : file.videos) {
+        console.print("  #{} {:<6}{} ({}) {}  {}x{}  {} fps  rotation {}  {}{}\n", track.index, "video",
+                      track.codec, track.codecTag, track.pixelFormat, track.width, track.height,
+                      track.frameRate, track.rotation, seconds(track.durationMillis), bitRate(track.bitRate));
+    }
+    for (const auto& track : file.audios) {
+        console.print("  #{} {:<6}{} ({}) {}  {} Hz  {} channels {}  {}{}\n", track.index, "audio",
+                      track.codec, track.codecTag, track.sampleFormat, track.sampleRate, track.channels,
+                      track.channelLayout, seconds(track.durationMillis), bitRate(track.bitRate));
+    }
+}
+
+void info(Console& console, const std::vector<std::string>& paths) {
+    const auto files = runInterruptible(CorvantaSdkVideo->getVideosInformation(inputFiles(paths)));
+    if (console.json()) {
+        console.print(toJsonList(files));
+        return;
+    }
+    for (const CorvantaSdkVideoInformation& file : files) {
+        printTable(console, file);
+    }
+}
+
+} // namespace
+
+void addInfoCommand(CLI::App& app, Command& chosen) {
+    auto* command = app.add_subcommand("info", "Show what is known of video files");
+    const auto paths = std::make_shared<std::vector<std::string>>();
+    command->add_option("FILE", *paths, "Video files")->required();
+    command->callback([&chosen, paths] { chosen = [paths](Console& console) { info(console, *paths); }; });
+}

@@ -1,0 +1,50 @@
+#include <platform/Bundle.hpp>
+
+#include <platform/FileManager.hpp>
+
+#include <cstdlib>
+#include <filesystem>
+
+#include <dlfcn.h>
+
+namespace corvanta::Bundle {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+fs::path installedResources() {
+    Dl_info library{};
+    if (dladdr(reinterpret_cast<const void*>(&pathForResource), &library) == 0 ||
+        library.dli_fname == nullptr) {
+        return {};
+    }
+    std::error_code ignored;
+    const fs::path file = fs::canonical(library.dli_fname, ignored);
+    // Debian's libraries lie one level deeper, in lib/<multiarch>.
+    for (const fs::path& prefix :
+         {file.parent_path().parent_path(), file.parent_path().parent_path().parent_path()}) {
+        if (fs::path candidate = prefix / "share/corvanta-sdk-video"; fs::is_directory(candidate, ignored)) {
+            return candidate;
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+std::optional<std::string> pathForResource(const std::string& name, const std::string& type) {
+    const std::string file = name + "." + type;
+    if (const char* chosen = std::getenv("CORVANTA_RESOURCES"); chosen != nullptr && *chosen != '\0') {
+        const fs::path path = fs::path(chosen) / file;
+        return FileManager::fileExists(path) ? std::optional(path.string()) : std::nullopt;
+    }
+    for (const fs::path& directory : {installedResources(), fs::path(CORVANTA_SOURCE_RESOURCES)}) {
+        if (const fs::path path = directory / file; !directory.empty() && FileManager::fileExists(path)) {
+            return path.string();
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace corvanta::Bundle

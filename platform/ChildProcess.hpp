@@ -1,0 +1,56 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <sys/types.h>
+
+namespace corvanta {
+
+/// Owns a file descriptor.
+class FileDescriptor {
+  public:
+    explicit FileDescriptor(int descriptor = -1) : descriptor_(descriptor) {}
+    FileDescriptor(FileDescriptor&& other) noexcept : descriptor_(other.release()) {}
+    FileDescriptor& operator=(FileDescriptor&& other) noexcept;
+    ~FileDescriptor();
+
+    int get() const { return descriptor_; }
+    int release();
+
+  private:
+    int descriptor_;
+};
+
+/// A child process that leads a process group of its own and dies with the thread that started it.
+///
+/// The caller drains the three read ends and, once `exited` is readable, calls `reap`. One thread at a time.
+class ChildProcess {
+  public:
+    /// Starts `program` (a path, or a name looked up in PATH) with `arguments` behind it. Its standard input
+    /// is empty; standard output, standard error and descriptor 3 are pipes to here. Throws std::system_error
+    /// if it can't.
+    ChildProcess(const std::string& program, const std::vector<std::string>& arguments);
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+    /// Kills the group and waits, if the child was not reaped.
+    ~ChildProcess();
+
+    /// Sends `signal` to the whole group; nothing after `reap`.
+    void signalGroup(int signal) const;
+
+    /// Waits for the child's end, kills what it left in its group, and gives its exit status: 255 after a
+    /// signal.
+    int reap();
+
+    FileDescriptor standardOutput;
+    FileDescriptor standardError;
+    FileDescriptor progress;
+    /// Readable when the child has ended.
+    FileDescriptor exited;
+
+  private:
+    pid_t pid_ = -1;
+};
+
+} // namespace corvanta

@@ -1,0 +1,202 @@
+#include <platform/CommandRun.hpp>
+
+#include <boost/asio/post.hpp>
+
+#include <charconv>
+#include <chrono>
+#include <csignal>
+#include <system_error>
+
+namespace corvanta {
+
+namespace asio = boost::asio;
+
+namespace {
+
+// ffmpeg needs 0.2 s to close its file; one that doesn't react at all is killed after this.
+constexpr std::chrono::seconds killAfter{10};
+
+// A grandchild that left the group could hold a pipe open for ever.
+constexpr std::chrono::seconds drainAfterExit{2};
+
+// A line without end is handed on in pieces.
+constexpr std::size_t longestLine = 65536;
+
+// Calls `onLine` for every line of `bytes`; what has no end yet waits in `rest`.
+template <typename OnLine>
+void splitLines(std::string& rest, std::string_view bytes, OnLine onLine) {
+    for (const char character : bytes) {
+        if (character == '\n' || character == '\r' || rest.size() == longestLine) {
+            if (!rest.empty()) {
+                onLine(std::string_view(rest));
+                rest.clear();
+            }
+        }
+        if (character != '\n' && character != '\r') {
+            rest += character;
+        }
+    }
+}
+
+template <typename Number>
+void readNumber(std::string_view text, Number& number) {
+    text.remove_prefix(std::min(text.size(), text.find_first_not_of(' ')));
+    std::from_chars(text.data(), text.data() + text.size(), number);
+}
+
+} // namespace
+
+CommandRun::CommandRun(asio::io_context& context, std::shared_ptr<Session> session, CommandPlan plan,
+                       std::function<void()> onEnd)
+    : strand_(asio::make_strand(context)), session_(std::move(session)), plan_(std::move(plan)),
+      onEnd_(std::move(onEnd)), killTimer_(strand_), drainTimer_(strand_) {
+    statistics_.sessionId = session_->getSessionId();
+}
+
+void CommandRun::start() {
+    asio::post(strand_, [self = shared_from_this()] { self->spawn(); });
+}
+
+void CommandRun::cancel() {
+    if (!cancelled_.exchange(true)) {
+        asio::post(strand_, [self = shared_from_this()] { self->terminate(); });
+    }
+}
+
+void CommandRun::spawn() {
+    if (cancelled_) {
+        end(SessionState::completed, ReturnCode::cancelled);
+        return;
+    }
+    try {
+        child_ = std::make_unique<ChildProcess>(plan_.program, plan_.arguments);
+    } catch (const std::system_error& error) {
+        if (plan_.onLog) {
+            plan_.onLog(
+                Log(session_->getSessionId(), plan_.program + " could not be started: " + error.what()));
+        }
+        end(SessionState::failed, ReturnCode::notStarted);
+        return;
+    }
+    {
+        const std::lock_guard lock(session_->mutex_);
+        session_->state_ = SessionState::running;
+    }
+    drain(child_->standardOutput, [this](std::string_view bytes) {
+        if (plan_.keepOutput && output_.size() < Session::outputLimit) {
+            output_ += bytes;
+        }
+    });
+    drain(child_->standardError, [this](std::string_view bytes) { consumeLog(bytes); });
+    drain(child_->progress, [this](std::string_view bytes) { consumeProgress(bytes); });
+    waitForExit();
+}
+
+void CommandRun::drain(FileDescriptor& source, Consumer consumer) {
+    auto made = std::make_shared<Drain>(strand_, source.release(), std::move(consumer));
+    drains_.push_back(made);
+    ++openDrains_;
+    readMore(made);
+}
+
+void CommandRun::readMore(const std::shared_ptr<Drain>& drain) {
+    drain->source.async_read_some(
+        asio::buffer(drain->buffer),
+        [self = shared_from_this(), drain](const boost::system::error_code& error, std::size_t count) {
+            drain->consume(std::string_view(drain->buffer.data(), count));
+            if (!error) {
+                self->readMore(drain);
+                return;
+            }
+            --self->openDrains_;
+            self->endIfDone();
+        });
+}
+
+void CommandRun::waitForExit() {
+    exited_.emplace(strand_, child_->exited.release());
+    exited_->async_wait(Descriptor::wait_read, [self = shared_from_this()](const boost::system::error_code&) {
+        self->exitStatus_ = self->child_->reap();
+        self->killTimer_.cancel();
+        self->drainTimer_.expires_after(drainAfterExit);
+        self->drainTimer_.async_wait([self](const boost::system::error_code& error) {
+            if (!error) {
+                for (const auto& drain : self->drains_) {
+                    if (const auto open = drain.lock()) {
+                        open->source.close();
+                    }
+                }
+            }
+        });
+        self->endIfDone();
+    });
+}
+
+// One SIGTERM lets ffmpeg close its file; a second one would make it give up at once.
+void CommandRun::terminate() {
+    if (child_ == nullptr || exitStatus_) {
+        return;
+    }
+    child_->signalGroup(SIGTERM);
+    killTimer_.expires_after(killAfter);
+    killTimer_.async_wait([self = shared_from_this()](const boost::system::error_code& error) {
+        if (!error && !self->exitStatus_) {
+            self->child_->signalGroup(SIGKILL);
+        }
+    });
+}
+
+void CommandRun::endIfDone() {
+    if (exitStatus_ && openDrains_ == 0) {
+        drainTimer_.cancel();
+        consumeLog("\n");
+        end(SessionState::completed, *exitStatus_);
+    }
+}
+
+void CommandRun::end(SessionState state, int returnCode) {
+    {
+        const std::lock_guard lock(session_->mutex_);
+        session_->state_ = state;
+        session_->returnCode_ = ReturnCode(returnCode);
+        if (plan_.keepOutput) {
+            session_->output_ = std::move(output_);
+        }
+    }
+    exited_.reset();
+    onEnd_();
+    if (plan_.onComplete) {
+        plan_.onComplete(session_);
+    }
+    plan_ = {};
+}
+
+void CommandRun::consumeLog(std::string_view bytes) {
+    splitLines(logLine_, bytes, [this](std::string_view line) {
+        if (plan_.onLog) {
+            plan_.onLog(Log(session_->getSessionId(), std::string(line)));
+        }
+    });
+}
+
+// Blocks of "key=value" lines, each closed by the key "progress".
+void CommandRun::consumeProgress(std::string_view bytes) {
+    splitLines(progressLine_, bytes, [this](std::string_view line) {
+        const std::size_t equals = std::min(line.size(), line.find('='));
+        const std::string_view key = line.substr(0, equals);
+        const std::string_view value = line.substr(std::min(line.size(), equals + 1));
+        if (key == "frame") {
+            readNumber(value, statistics_.frame);
+        } else if (key == "out_time_us") {
+            std::int64_t microseconds = 0;
+            readNumber(value, microseconds);
+            statistics_.timeMillis = microseconds / 1000;
+        } else if (key == "speed") {
+            readNumber(value, statistics_.speed);
+        } else if (key == "progress" && plan_.onStatistics) {
+            plan_.onStatistics(statistics_);
+        }
+    });
+}
+
+} // namespace corvanta

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <platform/ChildProcess.hpp>
+#include <platform/FFmpegKit.hpp>
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/posix/stream_descriptor.hpp>
+#include <boost/asio/steady_timer.hpp>
+#include <boost/asio/strand.hpp>
+
+#include <array>
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace corvanta {
+
+/// What to run, and whom to tell.
+struct CommandPlan {
+    std::string program;
+    std::vector<std::string> arguments;
+    bool keepOutput = false;
+    CompleteCallback onComplete;
+    LogCallback onLog;
+    StatisticsCallback onStatistics;
+};
+
+/// The life of one session: starts the child, drains it, waits for its end, and tells so once.
+/// Everything but the constructor, `start` and `cancel` runs on the strand.
+class CommandRun : public std::enable_shared_from_this<CommandRun> {
+  public:
+    CommandRun(boost::asio::io_context& context, std::shared_ptr<Session> session, CommandPlan plan,
+               std::function<void()> onEnd);
+
+    void start();
+    void cancel();
+
+  private:
+    using Descriptor = boost::asio::posix::stream_descriptor;
+    using Consumer = std::function<void(std::string_view)>;
+    struct Drain {
+        Drain(boost::asio::strand<boost::asio::io_context::executor_type> strand, int descriptor,
+              Consumer consumer)
+            : source(strand, descriptor), consume(std::move(consumer)) {}
+        Descriptor source;
+        Consumer consume;
+        std::array<char, 16384> buffer{};
+    };
+
+    void spawn();
+    void drain(FileDescriptor& source, Consumer consumer);
+    void readMore(const std::shared_ptr<Drain>& drain);
+    void waitForExit();
+    void terminate();
+    void endIfDone();
+    void end(SessionState state, int returnCode);
+
+    void consumeLog(std::string_view bytes);
+    void consumeProgress(std::string_view bytes);
+
+    boost::asio::strand<boost::asio::io_context::executor_type> strand_;
+    std::shared_ptr<Session> session_;
+    CommandPlan plan_;
+    std::function<void()> onEnd_;
+    std::atomic<bool> cancelled_ = false;
+
+    std::unique_ptr<ChildProcess> child_;
+    std::optional<Descriptor> exited_;
+    boost::asio::steady_timer killTimer_;
+    boost::asio::steady_timer drainTimer_;
+    std::vector<std::weak_ptr<Drain>> drains_;
+    std::size_t openDrains_ = 0;
+    std::optional<int> exitStatus_;
+
+    std::string output_;
+    std::string logLine_;
+    std::string progressLine_;
+    Statistics statistics_;
+};
+
+} // namespace corvanta

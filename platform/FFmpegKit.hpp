@@ -1,0 +1,132 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+/// Runs ffmpeg and ffprobe as child processes with numeric session ids.
+///
+/// A child gets no shell, an empty standard input, a process group of its own and no descriptor of the
+/// host's; it is killed when the host dies. What it writes is always drained. The programs come from PATH, or
+/// from the environment variables CORVANTA_FFMPEG and CORVANTA_FFPROBE, read at each start.
+///
+/// Callbacks come on the runner's threads, for one session one after the other, the completion callback last
+/// and exactly once. They must not throw.
+namespace corvanta {
+
+enum class SessionState { created, running, failed, completed };
+
+class ReturnCode {
+  public:
+    /// What a cancelled run, and one that died by a signal, ends with.
+    static constexpr std::int32_t cancelled = 255;
+    /// What a session ends with whose program could not be started.
+    static constexpr std::int32_t notStarted = 127;
+
+    explicit ReturnCode(std::int32_t value) : value_(value) {}
+
+    std::int32_t getValue() const { return value_; }
+    bool isValueSuccess() const { return value_ == 0; }
+    bool isValueCancel() const { return value_ == cancelled; }
+
+  private:
+    std::int32_t value_;
+};
+
+/// One run of a command. All operations may be called from any thread.
+class Session {
+  public:
+    explicit Session(std::int64_t id) : id_(id) {}
+
+    /// From 1 upwards, unique within the process.
+    std::int64_t getSessionId() const { return id_; }
+    /// Absent until the session has ended.
+    std::optional<ReturnCode> getReturnCode() const;
+    /// `failed` means that the program could not be started; a program that ran is `completed`, whatever it
+    /// returned.
+    SessionState getState() const;
+    /// What ffprobe wrote to its standard output, at most `outputLimit` bytes; absent before the end, and for
+    /// ffmpeg.
+    std::optional<std::string> getOutput() const;
+
+    static constexpr std::size_t outputLimit = std::size_t{64} << 20U;
+
+  private:
+    friend class CommandRun;
+
+    const std::int64_t id_;
+    mutable std::mutex mutex_;
+    SessionState state_ = SessionState::created;
+    std::optional<ReturnCode> returnCode_;
+    std::optional<std::string> output_;
+};
+
+/// One line of ffmpeg's log.
+class Log {
+  public:
+    Log(std::int64_t sessionId, std::string message) : sessionId_(sessionId), message_(std::move(message)) {}
+
+    std::int64_t getSessionId() const { return sessionId_; }
+    const std::string& getMessage() const { return message_; }
+
+  private:
+    std::int64_t sessionId_;
+    std::string message_;
+};
+
+/// How far a running ffmpeg has come.
+struct Statistics {
+    std::int64_t sessionId = 0;
+    /// Video frames written.
+    std::int64_t frame = 0;
+    /// Milliseconds of output written.
+    std::int64_t timeMillis = 0;
+    /// Output time per real time; 0 as long as it isn't known.
+    double speed = 0;
+};
+
+using CompleteCallback = std::function<void(const std::shared_ptr<Session>&)>;
+using LogCallback = std::function<void(const Log&)>;
+using StatisticsCallback = std::function<void(const Statistics&)>;
+
+class FFmpegKit {
+  public:
+    /// Starts ffmpeg with a whole command text and returns at once. Words are separated by blanks; double
+    /// quotes group, and nothing else is special. An unquoted word that is a "file" URL is passed on as its
+    /// decoded path. Callbacks may be empty.
+    static std::shared_ptr<Session> executeAsync(const std::string& command, CompleteCallback onComplete,
+                                                 LogCallback onLog, StatisticsCallback onStatistics);
+
+    /// Asks the running session of that id, of ffmpeg or ffprobe, to stop. Returns at once; an unknown or
+    /// ended id, and a second call, do nothing. ffmpeg closes its output file properly.
+    static void cancel(std::int64_t sessionId);
+
+    /// Asks all running sessions to stop.
+    static void cancel();
+};
+
+class FFprobeKit {
+  public:
+    /// The same for ffprobe.
+    static std::shared_ptr<Session> executeAsync(const std::string& command, CompleteCallback onComplete);
+};
+
+/// Process-wide settings. Safe from any thread; they count for sessions started afterwards.
+class FFmpegKitConfig {
+  public:
+    /// "CREATED", "RUNNING", "FAILED" or "COMPLETED"
+    static std::optional<std::string> sessionStateToString(SessionState state);
+
+    /// One of ffmpeg's names ("quiet", "error", "warning", "info", "debug"); absent leaves ffmpeg's own
+    /// default.
+    static void setLogLevel(std::optional<std::string> level);
+
+    /// Called for every ffmpeg session, after the session's own callback. Empty turns it off.
+    static void enableStatisticsCallback(StatisticsCallback callback);
+    static void enableLogCallback(LogCallback callback);
+};
+
+} // namespace corvanta
