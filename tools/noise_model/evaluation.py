@@ -30,7 +30,7 @@ class TestClips:
 
     def __init__(self, folder, count, split="test"):
         mixer = mixing.Mixer(folder, split, 11, SECONDS)
-        self.tracks = [(mixer._speech_track(), mixer._noise_track()) for _ in range(count)]
+        self.tracks = [(mixer.speech_track(), mixer.noise_track()) for _ in range(count)]
         self.random = np.random.default_rng(12)
 
     def at(self, distance, level=None):

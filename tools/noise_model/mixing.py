@@ -102,7 +102,7 @@ class Mixer:
             at += clip.size + int(pause * RATE)
         return out
 
-    def _speech_track(self):
+    def speech_track(self):
         random = self.random
         tempo = np.exp(random.uniform(np.log(0.8), np.log(1.42))) if random.random() < 0.8 else 1.0
         dry = self._utterances(int(self.count * tempo) // 1280 * 1280)
@@ -114,7 +114,7 @@ class Mixer:
         speech = np.fft.irfft(spectrum, self.count)
         return speech / (active_level(speech) + 1e-12)
 
-    def _noise_track(self):
+    def noise_track(self):
         random = self.random
         out = np.zeros(self.count)
         for _ in range(1 if random.random() < 0.65 else 2):
@@ -130,17 +130,16 @@ class Mixer:
         held = self.tracks[which]
         if len(held) == held.maxlen and self.random.random() < self.reuse:
             return np.roll(held[self.random.integers(len(held))], self.random.integers(self.count) if which else 0)
-        held.append((self._speech_track, self._noise_track)[which]())
+        held.append((self.speech_track, self.noise_track)[which]())
         return held[-1]
 
     def _steps(self, spread_db):
-        """A gain that jumps once or twice."""
-        random, db = self.random, np.zeros(self.count)
-        for at in random.integers(self.count // 8, self.count, random.integers(1, 3)):
-            db[at:] += np.clip(random.normal(0, spread_db), -25, 25)
-        db = np.clip(db, -30, 25)
-        edge = np.ones(640) / 640
-        return gain(np.convolve(np.pad(db, 640, "edge"), edge, "same")[640:-640])
+        """A gain that jumps once or twice, within 40 ms."""
+        random, jumps = self.random, self.random.integers(1, 3)
+        at = np.sort(random.integers(self.count // 8, self.count, jumps))
+        db = np.clip(np.cumsum(random.normal(0, spread_db, jumps)), -30, 25)
+        places = np.stack([at, at + 640], axis=1).ravel()
+        return gain(np.interp(np.arange(self.count), places, np.repeat(np.append(0, db), 2)[1:-1]))
 
     def scene(self):
         """(what a microphone hears, what should be left of it), on the 16-bit scale."""

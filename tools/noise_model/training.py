@@ -17,6 +17,7 @@ import scenes
 from network import Network
 
 BATCH, PART = 16, 125  # sequences of 8 s, and the frames after which the gradient is cut
+KEPT_BATCHES = 24  # batches that are trained on once more, later
 RATE_HIGH, RATE_LOW, WARM_UP = 1.0e-3, 1e-5, 300
 CLIP, DECAY, AVERAGE = 0.5, 1e-4, 0.999
 SNR_WEIGHT, SNR_CEILING = 0.02, 1e-5
@@ -50,7 +51,7 @@ class Development:
         mixer = mixing.Mixer(folder, "development", 1, DEVELOPMENT_SECONDS)
         random, self.shape, self.clips = np.random.default_rng(2), shape, []
         for _ in range(DEVELOPMENT_CLIPS):
-            speech, noise = mixer._speech_track(), mixer._noise_track()
+            speech, noise = mixer.speech_track(), mixer.noise_track()
             level, distance = random.uniform(-45, -15), random.uniform(0, 12)
             clean = speech * (32768 * mixing.gain(level))
             mix = np.clip(np.rint(clean + noise * (32768 * mixing.gain(level - distance))), -32768, 32767)
@@ -129,6 +130,15 @@ class Trainer:
             for mean, value in zip(self.average.parameters(), self.network.parameters()):
                 mean.lerp_(value, 1 - keep)
 
+    def _batches(self):
+        """New batches, and each a second time after some others, since mixing takes as long as training."""
+        kept = []
+        while True:
+            kept.append(self.source.next())
+            yield kept[-1]
+            if len(kept) > KEPT_BATCHES:
+                yield kept.pop(0)
+
     def _train_on(self, batch):
         tensors = scenes.Scene(*map(torch.from_numpy, batch))
         state, before, losses = self.network.start(BATCH), None, []
@@ -167,8 +177,10 @@ class Trainer:
     def run(self, report_minutes=6.0):
         losses, reported, last = [], time.time(), time.time()
         try:
-            while self.elapsed < self.hours * 3600:
-                losses.append(self._train_on(self.source.next()))
+            for batch in self._batches():
+                if self.elapsed >= self.hours * 3600:
+                    break
+                losses.append(self._train_on(batch))
                 now = time.time()
                 self.elapsed, last = self.elapsed + now - last, now
                 if len(losses) % 10 == 0:
