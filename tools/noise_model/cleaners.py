@@ -102,7 +102,6 @@ WEBRTC_SOURCE = r"""
 extern "C" int clean(short* samples, int count)
 {
     std::unique_ptr<webrtc::AudioProcessing> processing(webrtc::AudioProcessing::Create());
-    processing->high_pass_filter()->Enable(true);
     processing->noise_suppression()->Enable(true);
     processing->noise_suppression()->set_level(webrtc::NoiseSuppression::kHigh);
     webrtc::AudioFrame frame;

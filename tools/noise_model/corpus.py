@@ -19,7 +19,7 @@ from audio_files import RATE, AudioError, read_audio
 
 SPLITS = voices.SPLITS
 NOISE_SECONDS = {"train": 4 * 3600, "development": 600, "test": 1500}
-CLIP_SECONDS = 30
+CLIP_SECONDS = 10
 
 
 class CorpusError(Exception):

@@ -10,7 +10,7 @@ import mixing
 from audio_files import RATE
 from cleaners import OurModel, peers
 
-DISTANCES = (-5, 0, 5, 10, 15, 20)
+DISTANCES = (-5, 0, 5, 10, 20)
 LEVELS = (-50, -40, -30, -20, -10, 0)
 SECONDS = 6.0
 QUIET_DB = -45  # a frame of the clean speech this far below its active level holds no word
