@@ -4,7 +4,8 @@ All bins of a band share one gain, so sums over its bins are enough to give the 
 the network can be trained without a spectrum in sight.
 """
 
-from multiprocessing import get_context
+import queue as queues
+from multiprocessing import get_context, parent_process
 from typing import NamedTuple
 
 import numpy as np
@@ -55,7 +56,15 @@ def batch(mixer, shape, size):
 def _produce(queue, folder, seed, shape, size, reuse):
     mixer = Mixer(folder, "train", seed, reuse=reuse)
     while True:
-        queue.put(batch(mixer, shape, size))
+        made = batch(mixer, shape, size)
+        while True:
+            try:
+                queue.put(made, timeout=5)
+                break
+            except queues.Full:
+                # Training that was killed leaves nobody to take anything.
+                if not parent_process().is_alive():
+                    return
 
 
 class Source:
@@ -75,7 +84,7 @@ class Source:
         while True:
             try:
                 return self.queue.get(timeout=60)
-            except Exception as error:
+            except queues.Empty as error:
                 if not all(w.is_alive() for w in self.workers):
                     raise RuntimeError("a mixing process has died") from error
 
