@@ -123,9 +123,9 @@ def _own_split(name):
     return {0: "development", 1: "test"}.get(zlib.crc32(name.encode()) % 10, "train")
 
 
-def add_recordings(folder, what, source):
+def add_recordings(folder, what, source, split=None):
     """Takes recordings in. Each folder directly in `source` is one speaker or kind of noise, and so
-    is each file there; all of one stays in one split."""
+    is each file there; all of one stays in one split, a given one or the one that its name decides."""
     source = Path(source)
     if not source.is_dir():
         raise CorpusError(f"{source} is no folder")
@@ -142,6 +142,6 @@ def add_recordings(folder, what, source):
             if samples.size >= RATE // 2 and np.abs(samples).max() > 1e-3:
                 clips.append(np.rint(samples * (0.5 * 32767 / np.abs(samples).max())).astype(np.int16))
         if clips:
-            split = _own_split(group.name)
-            _save(Path(folder) / what / split / f"own_{group.stem}.npz", clips)
-            print(f"{group.name}: {sum(c.size for c in clips) / RATE:.0f} s for {split}")
+            chosen = split or _own_split(group.name)
+            _save(Path(folder) / what / chosen / f"own_{group.stem}.npz", clips)
+            print(f"{group.name}: {sum(c.size for c in clips) / RATE:.0f} s for {chosen}")

@@ -28,8 +28,12 @@ def sixteen_bit(samples):
 class TestClips:
     """Voices, sentences and kinds of noise that neither training nor the choice of a model has seen."""
 
-    def __init__(self, folder, count, split="test"):
-        mixer = mixing.Mixer(folder, split, 11, SECONDS)
+    def __init__(self, folder, count, noise=None):
+        """`noise` is one kind's number, for clips with that alone."""
+        mixer = mixing.Mixer(folder, "test", 11, SECONDS)
+        self.voices, self.noises = ([clips.name for clips in c] for c in (mixer.voices, mixer.noises))
+        if noise is not None:
+            mixer.noise_weights = np.eye(len(self.noises))[noise]
         self.tracks = [(mixer.speech_track(), mixer.noise_track()) for _ in range(count)]
         self.random = np.random.default_rng(12)
 
@@ -114,6 +118,15 @@ def _by_level(cleaner, clips):
            ["SI-SDR before", "improvement", "STOI before", "difference"], rows)
 
 
+def _by_noise(cleaner, folder, kinds, count):
+    rows = []
+    for number, kind in enumerate(kinds):
+        m = measure(cleaner, TestClips(folder, count, number).at(5, -26))
+        rows.append((kind, f"{m.si_sdr_before:.1f}", f"{m.si_sdr - m.si_sdr_before:+.1f}",
+                     f"{m.stoi_before:.3f}", f"{m.stoi - m.stoi_before:+.3f}"))
+    _table("By the kind of noise, +5 dB", ["SI-SDR before", "improvement", "STOI before", "difference"], rows)
+
+
 def _kept(cleaner, clips):
     kept = []
     for clip in clips.at(120):
@@ -135,8 +148,9 @@ def evaluate(folder, library, model, clip_count=60):
     for line in absent:
         print(f"not measured: {line}")
     clips = TestClips(folder, clip_count)
-    print(f"{clip_count} clips of {SECONDS:g} s of synthetic speech and noise")
+    print(f"{clip_count} clips of {SECONDS:g} s; voices: {', '.join(clips.voices)}; noise: {', '.join(clips.noises)}")
     _by_distance([*others, ours], clips)
+    _by_noise(ours, folder, clips.noises, max(4, clip_count // 4))
     _by_level(ours, clips)
     kept = _kept(ours, clips)
     print(f"\nClean speech kept (SI-SDR of the output beside the input): mean {kept.mean():.1f} dB, worst {kept.min():.1f} dB")
