@@ -1,0 +1,35 @@
+"""Sound files in and out, mono at the model's rate."""
+
+import subprocess
+import wave
+
+import numpy as np
+
+RATE = 16000
+
+
+class AudioError(Exception):
+    """A file that holds no sound that can be read."""
+
+
+def read_audio(path):
+    """Any file that ffmpeg reads, as float samples between -1 and 1."""
+    try:
+        with wave.open(str(path)) as file:
+            if (file.getnchannels(), file.getsampwidth(), file.getframerate()) == (1, 2, RATE):
+                return np.frombuffer(file.readframes(file.getnframes()), "<i2").astype(np.float32) / 32768
+    except (wave.Error, EOFError):
+        pass  # not a plain one: ffmpeg may know it
+    command = ["ffmpeg", "-v", "error", "-nostdin", "-i", str(path), "-ac", "1", "-ar", str(RATE), "-f", "s16le", "-"]
+    done = subprocess.run(command, capture_output=True, check=False)
+    if done.returncode != 0:
+        raise AudioError(f"{path}: {done.stderr.decode(errors='replace').strip()}")
+    return np.frombuffer(done.stdout, "<i2").astype(np.float32) / 32768
+
+
+def write_audio(path, samples):
+    with wave.open(str(path), "wb") as file:
+        file.setnchannels(1)
+        file.setsampwidth(2)
+        file.setframerate(RATE)
+        file.writeframes(np.clip(np.rint(samples * 32768), -32768, 32767).astype("<i2").tobytes())
