@@ -6,7 +6,7 @@
 namespace corvanta {
 
 /// A command for ffmpeg. Every path in it went through fixed texts without escaping: a double quote in a path
-/// breaks them, so whoever runs a command checks its paths with `isQuotable` first.
+/// breaks them, so whoever runs a command checks its paths with `isWritableQuoted` first.
 struct FFMPEGCommand {
     /// The command line, without the program's name.
     std::string script;

@@ -1,12 +1,11 @@
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/ProbeOutput.hpp>
 
-#include <platform/Errors.hpp>
+#include <CorvantaSdkVideo/Shared/CheckedArithmetic.hpp>
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <limits>
 
 namespace corvanta {
@@ -136,20 +135,6 @@ std::optional<ProbeOutput> parseProbeOutput(std::string_view output) {
     return parsed;
 }
 
-std::int64_t millisecondsFromSeconds(double seconds) {
-    const double milliseconds = seconds * 1000.0;
-    if (!std::isfinite(milliseconds)) {
-        fatalError("Double value cannot be converted to Int64 because it is either infinite or NaN");
-    }
-    if (milliseconds <= -9223372036854777856.0) {
-        fatalError(
-            "Double value cannot be converted to Int64 because the result would be less than Int64.min");
-    }
-    if (milliseconds >= 9223372036854775808.0) {
-        fatalError(
-            "Double value cannot be converted to Int64 because the result would be greater than Int64.max");
-    }
-    return static_cast<std::int64_t>(milliseconds);
-}
+std::int64_t millisecondsFromSeconds(double seconds) { return truncatedToInteger(seconds * 1000.0); }
 
 } // namespace corvanta
