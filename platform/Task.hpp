@@ -1,9 +1,6 @@
 #pragma once
 
 #include <boost/asio/awaitable.hpp>
-#include <boost/asio/co_spawn.hpp>
-#include <boost/asio/io_context.hpp>
-#include <boost/asio/use_future.hpp>
 
 #include <optional>
 #include <type_traits>
@@ -16,22 +13,22 @@ namespace corvanta {
 template <typename T = void>
 using Task = boost::asio::awaitable<T>;
 
-/// Runs `task` on the calling thread until it ends; gives its result or throws its error.
+/// Runs `task` on the calling thread until it ends; throws its error.
 /// For hosts without an event loop of their own. Don't call it on a thread that others wait for.
+void runBlocking(Task<> task);
+
+/// Awaits `task` and keeps its result in `result`, which must outlive the wait.
 template <typename T>
-T runBlocking(Task<T> task) {
-    boost::asio::io_context context(1);
-    if constexpr (std::is_void_v<T>) {
-        auto ended = boost::asio::co_spawn(context, std::move(task), boost::asio::use_future);
-        context.run();
-        ended.get();
-    } else {
-        // `co_spawn` wants a result that can be made from nothing.
-        auto optional = [](Task<T> inner) -> Task<std::optional<T>> { co_return co_await std::move(inner); };
-        auto result = boost::asio::co_spawn(context, optional(std::move(task)), boost::asio::use_future);
-        context.run();
-        return *result.get();
-    }
+Task<> keepResult(Task<T> task, std::optional<T>* result) {
+    result->emplace(co_await std::move(task));
+}
+
+/// As above, and gives the task's result.
+template <typename T>
+requires(!std::is_void_v<T>) T runBlocking(Task<T> task) {
+    std::optional<T> result;
+    runBlocking(keepResult(std::move(task), &result));
+    return std::move(*result);
 }
 
 } // namespace corvanta

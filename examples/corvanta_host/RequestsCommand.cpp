@@ -2,9 +2,6 @@
 #include "RequestRun.hpp"
 #include "Run.hpp"
 
-#include <boost/asio/steady_timer.hpp>
-#include <boost/asio/this_coro.hpp>
-#include <boost/asio/use_awaitable.hpp>
 #include <nlohmann/json.hpp>
 
 #include <memory>
@@ -82,10 +79,7 @@ void watch(Console& console, const std::string& id) {
     const Subscription subscription = id.empty()
                                           ? CorvantaSdkVideo->streamRequests().subscribe(print)
                                           : CorvantaSdkVideo->streamRequest(parsedId(id)).subscribe(print);
-    boost::asio::io_context untilInterrupted;
-    boost::asio::signal_set signals(untilInterrupted, SIGINT, SIGTERM);
-    signals.async_wait([](const boost::system::error_code&, int) {});
-    untilInterrupted.run();
+    waitForInterrupt();
 }
 
 void process(Console& console, const std::string& id) {

@@ -2,37 +2,25 @@
 
 #include <CorvantaSdkVideo/CorvantaSdkVideo.hpp>
 
-#include <boost/asio/co_spawn.hpp>
-#include <boost/asio/io_context.hpp>
-#include <boost/asio/signal_set.hpp>
-#include <boost/asio/use_future.hpp>
-
-#include <csignal>
 #include <functional>
+#include <optional>
+#include <type_traits>
 #include <utility>
+
+inline void cancelSessions() { corvanta::FFmpegKit::cancel(); }
 
 /// Runs `task` to its end. The first Ctrl-C calls `onInterrupt`, which asks for the end; the second one kills
 /// the program as usual.
+void runInterruptible(corvanta::Task<> task, std::function<void()> onInterrupt = cancelSessions);
+
+/// As above, and gives the task's result.
 template <typename T>
-T runInterruptible(
-    corvanta::Task<T> task, std::function<void()> onInterrupt = [] { corvanta::FFmpegKit::cancel(); }) {
-    namespace asio = boost::asio;
-    asio::io_context context(1);
-    asio::signal_set signals(context, SIGINT, SIGTERM);
-    signals.async_wait([&](const boost::system::error_code& error, int) {
-        if (!error) {
-            signals.clear();
-            onInterrupt();
-        }
-    });
-    auto whole = [](corvanta::Task<T> inner, asio::signal_set& waiting) -> corvanta::Task<T> {
-        struct StopWaiting {
-            asio::signal_set& signals;
-            ~StopWaiting() { signals.cancel(); }
-        } const stopWaiting{waiting};
-        co_return co_await std::move(inner);
-    };
-    auto result = asio::co_spawn(context, whole(std::move(task), signals), asio::use_future);
-    context.run();
-    return result.get();
+requires(!std::is_void_v<T>) T
+    runInterruptible(corvanta::Task<T> task, std::function<void()> onInterrupt = cancelSessions) {
+    std::optional<T> result;
+    runInterruptible(corvanta::keepResult(std::move(task), &result), std::move(onInterrupt));
+    return std::move(*result);
 }
+
+/// Waits for the first Ctrl-C.
+void waitForInterrupt();

@@ -8,11 +8,13 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <atomic>
 #include <csignal>
 #include <thread>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -255,6 +257,11 @@ TEST(FFmpegKitTest, WithoutDescriptorsARunFailsAndLaterOnesWork) {
     const FakeProgram fake(ffmpegVariable, "exit 0");
     ASSERT_EQ(SessionProbe("").wait(), 0);
     const std::size_t before = openDescriptors();
+    // Of our own making, as the machine's limit may be more than the whole system has.
+    rlimit usual{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
+    const rlimit few{std::min<rlim_t>(usual.rlim_max, 256), usual.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
     std::vector<int> taken;
     for (int made = 0; (made = open("/dev/null", O_RDONLY | O_CLOEXEC)) >= 0;) {
         taken.push_back(made);
@@ -272,6 +279,7 @@ TEST(FFmpegKitTest, WithoutDescriptorsARunFailsAndLaterOnesWork) {
     for (const int descriptor : taken) {
         close(descriptor);
     }
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &usual), 0);
     EXPECT_TRUE(eventually([&] { return openDescriptors() == before; }));
     EXPECT_TRUE(eventually([] { return childrenOf(getpid()).empty(); }));
 }
