@@ -1,6 +1,7 @@
 #include "EngineBench.hpp"
 
 #include <boost/asio/co_spawn.hpp>
+#include <boost/asio/io_context.hpp>
 #include <boost/asio/use_future.hpp>
 #include <gtest/gtest.h>
 
