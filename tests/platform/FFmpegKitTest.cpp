@@ -254,6 +254,11 @@ TEST(FFmpegKitTest, ManyAtOnceEndOnceEachAndLeaveNothing) {
 }
 
 TEST(FFmpegKitTest, WithoutDescriptorsARunFailsAndLaterOnesWork) {
+    {
+        // The undefined-behaviour sanitizer opens a pipe when it first sees the error's type, later it can't.
+        const ScopedVariable program(ffmpegVariable, "/no/such/ffmpeg");
+        ASSERT_EQ(SessionProbe("").wait(), ReturnCode::notStarted);
+    }
     const FakeProgram fake(ffmpegVariable, "exit 0");
     ASSERT_EQ(SessionProbe("").wait(), 0);
     const std::size_t before = openDescriptors();
