@@ -1,0 +1,9 @@
+import QtQuick
+
+Alert {
+    /// The description of an error.
+    required property string error
+
+    title: "Error"
+    message: error
+}

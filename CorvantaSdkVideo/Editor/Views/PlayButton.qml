@@ -1,0 +1,11 @@
+import QtQuick
+
+GrayButton {
+    required property CorvantaSdkVideoEditorViewModel viewModel
+
+    label: "Play"
+    icon: "play"
+    diameter: 40
+    iconSize: 20
+    onClicked: viewModel.handleAction()
+}

@@ -1,0 +1,36 @@
+import QtQuick
+
+/// One end of the trimmer's frame.
+Item {
+    id: handle
+
+    required property bool isLeft
+    required property color color
+    required property real cornerRadius
+    required property real outerPadding
+
+    Accessible.role: Accessible.Slider
+    Accessible.name: isLeft ? "Start" : "End"
+    Accessible.focusable: true
+    activeFocusOnTab: true
+
+    RoundedCorner {
+        anchors.fill: parent
+        radius: handle.cornerRadius
+        corners: handle.isLeft ? RoundedCorner.TopLeft | RoundedCorner.BottomLeft
+                               : RoundedCorner.TopRight | RoundedCorner.BottomRight
+        color: handle.color
+    }
+    // The padding pushes the symbol to the frame's inner side, where its centre is what a drag takes hold of.
+    CorvantaImage {
+        anchors.verticalCenter: parent.verticalCenter
+        x: handle.isLeft ? handle.outerPadding / 2 : handle.width - handle.outerPadding / 2 - width
+        width: 8
+        height: 24
+        symbol: handle.isLeft ? "chevron.left" : "chevron.right"
+    }
+    FocusRing {
+        target: handle
+        radius: 8
+    }
+}

@@ -1,0 +1,6 @@
+import QtQuick
+
+Alert {
+    title: "Error"
+    message: "Authentication required"
+}

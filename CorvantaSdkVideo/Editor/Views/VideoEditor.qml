@@ -1,0 +1,26 @@
+import QtQuick
+
+FocusScope {
+    id: reader
+
+    required property EditorView view
+
+    readonly property OrientationManager orientationManager: view.orientationManager
+    readonly property bool isPortrait: orientationManager.isPortraitModeSupported
+    readonly property int landscapeRotationAngle:
+        orientationManager.supportedOrientation === OrientationManager.landscapeRight ? -90 : 90
+
+    Rectangle {
+        anchors.fill: parent
+        color: "black"
+    }
+    // In a host that knows landscape alone the layout stays the portrait one, turned by a quarter.
+    VideoEditorView {
+        anchors.centerIn: parent
+        width: reader.isPortrait ? reader.width : reader.height
+        height: reader.isPortrait ? reader.height : reader.width
+        rotation: reader.isPortrait ? 0 : reader.landscapeRotationAngle
+        focus: true
+        view: reader.view
+    }
+}
