@@ -18,8 +18,8 @@ namespace {
 
 constexpr int slideMilliseconds = 250;
 
-const QUrl screenFile(
-    QStringLiteral("qrc:/qt-project.org/imports/CorvantaSdkVideo/Editor/Views/CorvantaSdkVideoEditorView.qml"));
+const QUrl screenFile(QStringLiteral(
+    "qrc:/qt-project.org/imports/CorvantaSdkVideo/Editor/Views/CorvantaSdkVideoEditorView.qml"));
 
 std::unique_ptr<EditorView> makeView(QQmlEngine& engine, const QVariantMap& properties) {
     QQmlComponent component(&engine, screenFile);

@@ -22,8 +22,8 @@ Mask orientationIn(const QString& informationFile) {
     const QJsonValue listed = QJsonDocument::fromJson(file.readAll())["UISupportedInterfaceOrientations"];
     const QJsonArray orientations = listed.toArray();
     const bool isListOfTexts =
-        listed.isArray() &&
-        std::all_of(orientations.begin(), orientations.end(), [](const QJsonValue& v) { return v.isString(); });
+        listed.isArray() && std::all_of(orientations.begin(), orientations.end(),
+                                        [](const QJsonValue& v) { return v.isString(); });
     if (!isListOfTexts || orientations.contains(QStringLiteral("UIInterfaceOrientationPortrait"))) {
         return Mask::portrait;
     }

@@ -43,9 +43,9 @@ class PresentedEditor : public QObject {
 
 } // namespace
 
-bool presentCorvantaSdkVideoEditorView(
-    QWindow* presenter, const CorvantaSdkVideoFile& input, const CorvantaSdkVideoFileDescriptor& output,
-    std::function<void(const CorvantaSdkVideoEditorResult&)> onComplete) {
+bool presentCorvantaSdkVideoEditorView(QWindow* presenter, const CorvantaSdkVideoFile& input,
+                                       const CorvantaSdkVideoFileDescriptor& output,
+                                       std::function<void(const CorvantaSdkVideoEditorResult&)> onComplete) {
     if (presenter == nullptr) {
         throw std::invalid_argument("The editor needs a window to be presented by");
     }

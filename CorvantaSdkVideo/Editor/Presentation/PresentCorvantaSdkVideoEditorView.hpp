@@ -20,8 +20,8 @@ namespace corvanta {
 /// False if the presenter has an editor already: that one comes to the front, and nothing else happens.
 /// Throws std::invalid_argument without a presenter, PlayerUnavailable if this machine can't play videos, and
 /// std::runtime_error if the screen's QML modules are missing.
-bool presentCorvantaSdkVideoEditorView(
-    QWindow* presenter, const CorvantaSdkVideoFile& input, const CorvantaSdkVideoFileDescriptor& output,
-    std::function<void(const CorvantaSdkVideoEditorResult&)> onComplete);
+bool presentCorvantaSdkVideoEditorView(QWindow* presenter, const CorvantaSdkVideoFile& input,
+                                       const CorvantaSdkVideoFileDescriptor& output,
+                                       std::function<void(const CorvantaSdkVideoEditorResult&)> onComplete);
 
 } // namespace corvanta

@@ -1,4 +1,5 @@
 import QtQuick
+import CorvantaSdkVideo.Editor
 
 /// A black surface with one message on it that has to be accepted.
 FocusScope {

@@ -1,4 +1,5 @@
 import QtQuick
+import CorvantaSdkVideo.Editor
 
 Item {
     id: row
@@ -13,6 +14,8 @@ Item {
         anchors.left: parent.left
         label: "Close"
         icon: "close"
+        // It does nothing while an edit runs.
+        enabled: !row.viewModel.isTrimming
         onClicked: row.view.closeTrimmer()
     }
 

@@ -43,8 +43,8 @@ Item {
         "rotate.left.fill": { fill: turnedPage, stroke: turningArrow },
         "rotate.right.fill": { fill: turnedPage, stroke: turningArrow, mirrored: true },
         "play.fill": { fill: "M7 5.6q0-2.2 1.9-1.1l11 6.4q1.8 1.1 0 2.2l-11 6.4q-1.9 1.1-1.9-1.1z" },
-        "chevron.left": { stroke: "M15.5 4.5 8 12l7.5 7.5", width: 3.2 },
-        "chevron.right": { stroke: "M8.5 4.5 16 12l-7.5 7.5", width: 3.2 }
+        "chevron.left": { stroke: "M15.8 4.5 8.3 12l7.5 7.5", width: 3.2 },
+        "chevron.right": { stroke: "M8.2 4.5 15.7 12l-7.5 7.5", width: 3.2 }
     })
     readonly property var outline: outlines[symbol] ?? ({})
 

@@ -3,7 +3,7 @@ import CorvantaSdkVideo.Editor
 
 /// The screen: the editor, or what stands in its place.
 EditorView {
-    id: view
+    id: root
 
     Rectangle {
         anchors.fill: parent
@@ -12,24 +12,24 @@ EditorView {
     // Hidden by an error and not unloaded, so that all of it comes back.
     Loader {
         anchors.fill: parent
-        active: view.viewModel.isAuthenticated
-        visible: !view.viewModel.hasError
+        active: root.viewModel.isAuthenticated
+        visible: !root.viewModel.hasError
         focus: visible && active
-        sourceComponent: VideoEditor { view: view }
+        sourceComponent: VideoEditor { view: root }
     }
     Loader {
         anchors.fill: parent
-        active: !view.viewModel.isAuthenticated && !view.viewModel.hasError
+        active: !root.viewModel.isAuthenticated && !root.viewModel.hasError
         focus: active
-        sourceComponent: UnauthenticatedView { onComplete: view.closeTrimmer() }
+        sourceComponent: UnauthenticatedView { onComplete: root.closeTrimmer() }
     }
     Loader {
         anchors.fill: parent
-        active: view.viewModel.hasError
+        active: root.viewModel.hasError
         focus: active
         sourceComponent: ErrorView {
-            error: view.viewModel.errorDescription
-            onComplete: view.viewModel.clearError()
+            error: root.viewModel.errorDescription
+            onComplete: root.viewModel.clearError()
         }
     }
 }

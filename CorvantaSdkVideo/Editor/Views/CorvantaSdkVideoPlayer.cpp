@@ -75,11 +75,11 @@ void CorvantaSdkVideoPlayer::paint(QPainter* painter) {
     const QSize pixels(qRound(fitted.width() * toDevice.m11()), qRound(fitted.height() * toDevice.m22()));
     // A painter scales down by leaving pixels out, which glitters.
     const bool isMuchSmaller = pixels.width() * 2 < paintedImage_.width();
-    const QImage picture =
-        isMuchSmaller ? paintedImage_.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
-                      : paintedImage_;
-    const QRectF place(QPointF((bounds.width() - fitted.width()) / 2, (bounds.height() - fitted.height()) / 2),
-                       fitted);
+    const QImage picture = isMuchSmaller
+                               ? paintedImage_.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+                               : paintedImage_;
+    const QRectF place(
+        QPointF((bounds.width() - fitted.width()) / 2, (bounds.height() - fitted.height()) / 2), fitted);
     // A brush, since a clip's border is not smooth.
     QBrush brush(picture);
     brush.setTransform(QTransform::fromTranslate(place.x(), place.y())
@@ -89,7 +89,8 @@ void CorvantaSdkVideoPlayer::paint(QPainter* painter) {
     QPainterPath area;
     area.addRect(place);
     painter->setRenderHint(QPainter::SmoothPixmapTransform);
-    painter->fillPath(area.contains(bounds.adjusted(1, 1, -1, -1)) ? corners : corners.intersected(area), brush);
+    painter->fillPath(area.contains(bounds.adjusted(1, 1, -1, -1)) ? corners : corners.intersected(area),
+                      brush);
 }
 
 } // namespace corvanta

@@ -1,4 +1,5 @@
 import QtQuick
+import CorvantaSdkVideo.Editor
 
 Alert {
     /// The description of an error.

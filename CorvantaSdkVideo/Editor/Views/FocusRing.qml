@@ -1,4 +1,5 @@
 import QtQuick
+import CorvantaSdkVideo.Editor
 
 /// Shows which control the keyboard is on.
 Rectangle {

@@ -10,7 +10,7 @@ Item {
     signal clicked
 
     activeFocusOnTab: true
-    opacity: area.pressed ? 0.6 : 1
+    opacity: !enabled ? 0.5 : area.pressed ? 0.6 : 1
 
     Accessible.role: Accessible.Button
     Accessible.name: label

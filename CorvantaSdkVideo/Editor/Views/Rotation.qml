@@ -1,4 +1,5 @@
 import QtQuick
+import CorvantaSdkVideo.Editor
 
 Item {
     id: rotation

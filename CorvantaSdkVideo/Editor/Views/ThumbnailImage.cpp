@@ -4,32 +4,43 @@
 
 namespace corvanta {
 
-void ThumbnailImage::setImages(const QList<QImage>& images) {
-    images_ = images;
-    choose();
-    Q_EMIT imagesChanged();
+void ThumbnailImage::setViewModel(CorvantaSdkVideoEditorViewModel* viewModel) {
+    if (viewModel == viewModel_) {
+        return;
+    }
+    if (viewModel_) {
+        viewModel_->disconnect(this);
+    }
+    viewModel_ = viewModel;
+    if (viewModel_) {
+        connect(viewModel_, &CorvantaSdkVideoEditorViewModel::thumbnailsChanged, this,
+                &ThumbnailImage::takeImage);
+    }
+    takeImage();
+    Q_EMIT viewModelChanged();
 }
 
 void ThumbnailImage::setIndex(int index) {
-    index_ = index;
-    choose();
-    Q_EMIT indexChanged();
+    if (index != index_) {
+        index_ = index;
+        takeImage();
+        Q_EMIT indexChanged();
+    }
 }
 
-void ThumbnailImage::choose() {
-    const QImage chosen = images_.value(index_);
-    if (chosen.cacheKey() != image_.cacheKey()) {
-        image_ = chosen;
+void ThumbnailImage::takeImage() {
+    const QImage image = viewModel_ ? viewModel_->thumbnails().value(index_) : QImage();
+    if (image.cacheKey() != image_.cacheKey()) {
+        image_ = image;
         update();
     }
 }
 
 void ThumbnailImage::paint(QPainter* painter) {
-    if (image_.isNull()) {
-        return;
+    if (!image_.isNull()) {
+        painter->setRenderHint(QPainter::SmoothPixmapTransform);
+        painter->drawImage(boundingRect(), image_);
     }
-    painter->setRenderHint(QPainter::SmoothPixmapTransform);
-    painter->drawImage(boundingRect(), image_);
 }
 
 } // namespace corvanta

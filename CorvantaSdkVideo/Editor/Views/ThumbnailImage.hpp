@@ -1,33 +1,38 @@
 #pragma once
 
+#include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorViewModel.hpp>
+
 #include <QImage>
-#include <QList>
+#include <QPointer>
 #include <QQuickPaintedItem>
 #include <QtQmlIntegration/qqmlintegration.h>
 
 namespace corvanta {
 
-/// One of a list's images, fitted to the item. An absent one leaves the item empty.
+/// One of the view model's thumbnails, fitted to the item. As long as it is blank, so is the item.
 class ThumbnailImage : public QQuickPaintedItem {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(QList<QImage> images MEMBER images_ WRITE setImages NOTIFY imagesChanged)
-    Q_PROPERTY(int index MEMBER index_ WRITE setIndex NOTIFY indexChanged)
+    Q_PROPERTY(corvanta::CorvantaSdkVideoEditorViewModel* viewModel READ viewModel WRITE setViewModel NOTIFY
+                   viewModelChanged)
+    Q_PROPERTY(int index READ index WRITE setIndex NOTIFY indexChanged)
 
   public:
-    void setImages(const QList<QImage>& images);
+    CorvantaSdkVideoEditorViewModel* viewModel() const { return viewModel_; }
+    void setViewModel(CorvantaSdkVideoEditorViewModel* viewModel);
+    int index() const { return index_; }
     void setIndex(int index);
 
     void paint(QPainter* painter) override;
 
   Q_SIGNALS:
-    void imagesChanged();
+    void viewModelChanged();
     void indexChanged();
 
   private:
-    void choose();
+    void takeImage();
 
-    QList<QImage> images_;
+    QPointer<CorvantaSdkVideoEditorViewModel> viewModel_;
     int index_ = 0;
     QImage image_;
 };

@@ -1,4 +1,5 @@
 import QtQuick
+import CorvantaSdkVideo.Editor
 
 /// The trimmer's strip: thumbnails, and over them the frame around what is kept.
 Item {
@@ -6,7 +7,8 @@ Item {
 
     enum Edge { Left, Center, Right }
 
-    required property var thumbnails
+    /// Whose thumbnails these are.
+    required property CorvantaSdkVideoEditorViewModel viewModel
     required property size trimmerSize
     required property real trimmerXOffset
     required property real leftSpaceSize
@@ -25,6 +27,7 @@ Item {
     readonly property real edgesCornerRadius: 5
     readonly property real trimmerBorderSize: 4
 
+    readonly property int thumbnailCount: viewModel.thumbnailCount
     /// What lies beyond the thumbnails at each end.
     readonly property real sidePadding: totalHorizontalPadding - edgesSize
     readonly property real frameEnd: trimmerXOffset + trimmerSize.width
@@ -46,11 +49,11 @@ Item {
             (nearest, edge) => distance(edge) < distance(nearest) ? edge : nearest)
     }
 
-    implicitWidth: 2 * sidePadding + thumbnails.length * thumbnailSize.width
+    implicitWidth: 2 * sidePadding + thumbnailCount * thumbnailSize.width
     implicitHeight: trimmerSize.height
 
     Repeater {
-        model: strip.thumbnails.length
+        model: strip.thumbnailCount
 
         ThumbnailImage {
             required property int modelData
@@ -58,7 +61,7 @@ Item {
             x: strip.sidePadding + modelData * width
             width: strip.thumbnailSize.width
             height: strip.thumbnailSize.height
-            images: strip.thumbnails
+            viewModel: strip.viewModel
             index: modelData
         }
     }

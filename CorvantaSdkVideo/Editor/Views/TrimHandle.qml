@@ -1,4 +1,5 @@
 import QtQuick
+import CorvantaSdkVideo.Editor
 
 /// One end of the trimmer's frame.
 Item {
@@ -23,10 +24,12 @@ Item {
     }
     // The padding pushes the symbol to the frame's inner side, where its centre is what a drag takes hold of.
     CorvantaImage {
+        readonly property real center: (handle.width + handle.outerPadding) / 2
+
         anchors.verticalCenter: parent.verticalCenter
-        x: handle.isLeft ? handle.outerPadding / 2 : handle.width - handle.outerPadding / 2 - width
-        width: 8
-        height: 24
+        x: (handle.isLeft ? center : handle.width - center) - width / 2
+        width: 16
+        height: 16
         symbol: handle.isLeft ? "chevron.left" : "chevron.right"
     }
     FocusRing {

@@ -1,4 +1,5 @@
 import QtQuick
+import CorvantaSdkVideo.Editor
 
 Item {
     id: trimmer
@@ -25,7 +26,7 @@ Item {
         width: implicitWidth
         height: implicitHeight
         scale: trimmer.stripScale
-        thumbnails: trimmer.viewModel.thumbnails
+        viewModel: trimmer.viewModel
         trimmerSize: trimmer.viewModel.trimmerSize
         trimmerXOffset: trimmer.viewModel.trimmerXOffset
         leftSpaceSize: trimmer.viewModel.leftSpaceSize

@@ -1,4 +1,5 @@
 import QtQuick
+import CorvantaSdkVideo.Editor
 
 FocusScope {
     id: reader
@@ -7,8 +8,8 @@ FocusScope {
 
     readonly property OrientationManager orientationManager: view.orientationManager
     readonly property bool isPortrait: orientationManager.isPortraitModeSupported
-    readonly property int landscapeRotationAngle:
-        orientationManager.supportedOrientation === OrientationManager.landscapeRight ? -90 : 90
+    readonly property int landscapeRight: 8
+    readonly property int landscapeRotationAngle: orientationManager.supportedOrientation === landscapeRight ? -90 : 90
 
     Rectangle {
         anchors.fill: parent
