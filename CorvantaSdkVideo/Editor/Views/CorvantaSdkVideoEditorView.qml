@@ -15,19 +15,26 @@ EditorView {
         active: root.viewModel.isAuthenticated
         visible: !root.viewModel.hasError
         focus: visible && active
-        sourceComponent: VideoEditor { view: root }
+        sourceComponent: VideoEditor {
+            focus: true
+            view: root
+        }
     }
     Loader {
         anchors.fill: parent
         active: !root.viewModel.isAuthenticated && !root.viewModel.hasError
         focus: active
-        sourceComponent: UnauthenticatedView { onComplete: root.closeTrimmer() }
+        sourceComponent: UnauthenticatedView {
+            focus: true
+            onComplete: root.closeTrimmer()
+        }
     }
     Loader {
         anchors.fill: parent
         active: root.viewModel.hasError
         focus: active
         sourceComponent: ErrorView {
+            focus: true
             error: root.viewModel.errorDescription
             onComplete: root.viewModel.clearError()
         }

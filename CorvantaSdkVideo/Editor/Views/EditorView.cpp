@@ -5,6 +5,7 @@
 namespace corvanta {
 
 EditorView::EditorView(QQuickItem* parent) : QQuickItem(parent) {
+    setFlag(ItemIsFocusScope);
     Logger::addLog(Event::initEditVideoScreen, EventMessage::initEditVideoScreen());
 }
 

@@ -17,7 +17,9 @@ FocusScope {
     }
     // In a host that knows landscape alone the layout stays the portrait one, turned by a quarter.
     VideoEditorView {
-        anchors.centerIn: parent
+        // An anchor would round these, which shows when it is turned.
+        x: (reader.width - width) / 2
+        y: (reader.height - height) / 2
         width: reader.isPortrait ? reader.width : reader.height
         height: reader.isPortrait ? reader.height : reader.width
         rotation: reader.isPortrait ? 0 : reader.landscapeRotationAngle

@@ -16,6 +16,10 @@ Item {
     readonly property real turnedLength: Math.min(width, height / Math.min(1, aspectRatio))
     readonly property real turnedHeight: Math.min(turnedLength, turnedLength / aspectRatio)
 
+    function centered(room) {
+        return quarter > 0 ? room / 2 : Math.round(room / 2)
+    }
+
     property real quarter: viewModel.videoIsInPortraitMode ? 0 : 1
     Behavior on quarter {
         NumberAnimation { duration: 300; easing.type: Easing.InOutQuad }
@@ -24,7 +28,9 @@ Item {
     CorvantaSdkVideoPlayer {
         id: player
 
-        anchors.centerIn: parent
+        // On whole points while it stands upright, and in the very middle while it is turned.
+        x: reader.centered(reader.width - width)
+        y: reader.centered(reader.height - height)
         height: reader.uprightHeight + reader.quarter * (reader.turnedHeight - reader.uprightHeight)
         width: height * reader.aspectRatio
         radius: 32

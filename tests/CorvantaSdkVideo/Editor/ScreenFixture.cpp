@@ -92,15 +92,22 @@ std::string colourClip() {
     return path;
 }
 
-ScreenFixture::ScreenFixture() {
+ScreenFixture::ScreenFixture() { makePresenter(); }
+
+void ScreenFixture::makePresenter() {
+    presenter_ = std::make_unique<QRasterWindow>();
     presenter_->resize(375, 700);
     presenter_->show();
 }
 
-void ScreenFixture::present(const std::string& clip, const CorvantaSdkVideoFileDescriptor& output) {
+void ScreenFixture::present() {
     ASSERT_TRUE(presentCorvantaSdkVideoEditorView(
-        presenter_.get(), CorvantaSdkVideoFile(URL::fromFilePath(clip)), output,
-        [this](const CorvantaSdkVideoEditorResult& result) { results_.push_back(result); }));
+        presenter_.get(), CorvantaSdkVideoFile(URL::fromFilePath(colourClip())),
+        CorvantaSdkVideoFileDescriptor::custom(folders_.file("edited")),
+        [this](const CorvantaSdkVideoEditorResult& result) {
+            results_.push_back(result);
+            onAnswer_();
+        }));
     for (QWindow* const window : QGuiApplication::allWindows()) {
         if (window->transientParent() == presenter_.get()) {
             takeScreen(qobject_cast<QQuickWindow*>(window));

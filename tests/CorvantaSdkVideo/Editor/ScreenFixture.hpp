@@ -27,11 +27,9 @@ class ScreenFixture : public testing::Test {
   protected:
     ScreenFixture();
 
-    /// Presents the editor for `clip` and waits until it is in place.
-    void present(const std::string& clip, const CorvantaSdkVideoFileDescriptor& output);
-    void present(const std::string& clip) {
-        present(clip, CorvantaSdkVideoFileDescriptor::custom(folders_.file("edited")));
-    }
+    void makePresenter();
+    /// Presents the editor for the colour clip and waits until it is in place.
+    void present();
     /// Takes the window and the screen of an editor that was presented over `presenter`, or stands in it.
     void takeScreen(QQuickWindow* window);
     bool isFileRead();
@@ -58,10 +56,11 @@ class ScreenFixture : public testing::Test {
 
     UserFolders folders_;
     RecordedLog log_;
-    std::unique_ptr<QWindow> presenter_ = std::make_unique<QRasterWindow>();
+    std::unique_ptr<QWindow> presenter_;
     QPointer<QQuickWindow> window_;
     QPointer<QQuickItem> view_;
     std::vector<CorvantaSdkVideoEditorResult> results_;
+    std::function<void()> onAnswer_ = [] {};
 };
 
 /// Red for a second, green for one and a half, blue up to the end at four; the right half is white. A tone of
