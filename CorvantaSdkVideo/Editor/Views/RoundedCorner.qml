@@ -5,7 +5,8 @@ import QtQuick.Shapes
 Shape {
     id: shape
 
-    enum Corner { TopLeft = 1, TopRight = 2, BottomLeft = 4, BottomRight = 8 }
+    // Every item has a TopLeft and so on, with other values.
+    enum Corner { TopLeftCorner = 1, TopRightCorner = 2, BottomLeftCorner = 4, BottomRightCorner = 8 }
 
     property real radius: 0
     /// Of the corners above, joined by "|".
@@ -13,12 +14,15 @@ Shape {
     property color color: "black"
 
     function radiusOf(corner) {
-        return corners & corner ? Math.min(radius, width / 2, height / 2) : 0
+        return corners & corner ? Math.min(radius, width, height) : 0
     }
-    readonly property real topLeft: radiusOf(RoundedCorner.TopLeft)
-    readonly property real topRight: radiusOf(RoundedCorner.TopRight)
-    readonly property real bottomLeft: radiusOf(RoundedCorner.BottomLeft)
-    readonly property real bottomRight: radiusOf(RoundedCorner.BottomRight)
+    function arc(radius, x, y) {
+        return radius > 0 ? `A${radius} ${radius} 0 0 1 ${x} ${y}` : ""
+    }
+    readonly property real topLeft: radiusOf(RoundedCorner.TopLeftCorner)
+    readonly property real topRight: radiusOf(RoundedCorner.TopRightCorner)
+    readonly property real bottomLeft: radiusOf(RoundedCorner.BottomLeftCorner)
+    readonly property real bottomRight: radiusOf(RoundedCorner.BottomRightCorner)
 
     layer.enabled: GraphicsInfo.api !== GraphicsInfo.Software
     layer.samples: 4
@@ -26,21 +30,14 @@ Shape {
     ShapePath {
         strokeColor: "transparent"
         fillColor: shape.color
-        startX: shape.topLeft
-        startY: 0
 
-        PathLine { x: shape.width - shape.topRight; y: 0 }
-        PathArc { x: shape.width; y: shape.topRight; radiusX: shape.topRight; radiusY: radiusX }
-        PathLine { x: shape.width; y: shape.height - shape.bottomRight }
-        PathArc {
-            x: shape.width - shape.bottomRight
-            y: shape.height
-            radiusX: shape.bottomRight
-            radiusY: radiusX
+        PathSvg {
+            path: `M${shape.topLeft} 0H${shape.width - shape.topRight}`
+                  + shape.arc(shape.topRight, shape.width, shape.topRight)
+                  + `V${shape.height - shape.bottomRight}`
+                  + shape.arc(shape.bottomRight, shape.width - shape.bottomRight, shape.height)
+                  + `H${shape.bottomLeft}` + shape.arc(shape.bottomLeft, 0, shape.height - shape.bottomLeft)
+                  + `V${shape.topLeft}` + shape.arc(shape.topLeft, shape.topLeft, 0) + "Z"
         }
-        PathLine { x: shape.bottomLeft; y: shape.height }
-        PathArc { x: 0; y: shape.height - shape.bottomLeft; radiusX: shape.bottomLeft; radiusY: radiusX }
-        PathLine { x: 0; y: shape.topLeft }
-        PathArc { x: shape.topLeft; y: 0; radiusX: shape.topLeft; radiusY: radiusX }
     }
 }

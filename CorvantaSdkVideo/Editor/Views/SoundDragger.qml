@@ -15,6 +15,9 @@ Column {
     }
 
     spacing: 16
+    // The software renderer scales rough.
+    layer.enabled: scale < 1
+    layer.smooth: true
 
     Item {
         id: bar

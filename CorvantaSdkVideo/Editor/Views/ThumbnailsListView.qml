@@ -5,7 +5,7 @@ import CorvantaSdkVideo.Editor
 Item {
     id: strip
 
-    enum Edge { Left, Center, Right }
+    enum Edge { LeftEdge, CenterEdge, RightEdge }
 
     /// Whose thumbnails these are.
     required property CorvantaSdkVideoEditorViewModel viewModel
@@ -33,19 +33,19 @@ Item {
     readonly property real frameEnd: trimmerXOffset + trimmerSize.width
 
     /// The one that the keyboard moves: the last one that was touched.
-    property int selectedEdge: ThumbnailsListView.Left
+    property int selectedEdge: ThumbnailsListView.LeftEdge
 
     function centerOf(edge) {
         const grip = edgesSize / 2 + edgesAdditionalPadding / 2
-        return edge === ThumbnailsListView.Left ? trimmerXOffset + grip
-             : edge === ThumbnailsListView.Right ? frameEnd - grip : trimmerXOffset + trimmerSize.width / 2
+        return edge === ThumbnailsListView.LeftEdge ? trimmerXOffset + grip
+             : edge === ThumbnailsListView.RightEdge ? frameEnd - grip : trimmerXOffset + trimmerSize.width / 2
     }
     function moveSelectedEdge(distance) {
         applyTrimming(Qt.point(centerOf(selectedEdge) + distance, height / 2), Qt.rect(0, 0, width, height))
     }
     function selectEdgeAt(x) {
         const distance = edge => Math.abs(x - centerOf(edge))
-        selectedEdge = [ThumbnailsListView.Left, ThumbnailsListView.Center, ThumbnailsListView.Right].reduce(
+        selectedEdge = [ThumbnailsListView.LeftEdge, ThumbnailsListView.CenterEdge, ThumbnailsListView.RightEdge].reduce(
             (nearest, edge) => distance(edge) < distance(nearest) ? edge : nearest)
     }
 
@@ -58,8 +58,14 @@ Item {
         ThumbnailImage {
             required property int modelData
 
-            x: strip.sidePadding + modelData * width
-            width: strip.thumbnailSize.width
+            function onPixel(index) {
+                const position = strip.sidePadding + index * strip.thumbnailSize.width
+                return Math.round(position * Screen.devicePixelRatio) / Screen.devicePixelRatio
+            }
+
+            // On whole pixels, or seams show between them.
+            x: onPixel(modelData)
+            width: onPixel(modelData + 1) - x
             height: strip.thumbnailSize.height
             viewModel: strip.viewModel
             index: modelData
@@ -109,7 +115,7 @@ Item {
             color: strip.trimmerBorderColor
             cornerRadius: strip.edgesCornerRadius
             outerPadding: strip.edgesAdditionalPadding
-            onActiveFocusChanged: if (activeFocus) strip.selectedEdge = ThumbnailsListView.Left
+            onActiveFocusChanged: if (activeFocus) strip.selectedEdge = ThumbnailsListView.LeftEdge
         }
         TrimHandle {
             anchors { right: parent.right; verticalCenter: parent.verticalCenter }
@@ -119,7 +125,7 @@ Item {
             color: strip.trimmerBorderColor
             cornerRadius: strip.edgesCornerRadius
             outerPadding: strip.edgesAdditionalPadding
-            onActiveFocusChanged: if (activeFocus) strip.selectedEdge = ThumbnailsListView.Right
+            onActiveFocusChanged: if (activeFocus) strip.selectedEdge = ThumbnailsListView.RightEdge
         }
     }
 

@@ -18,8 +18,8 @@ Item {
     RoundedCorner {
         anchors.fill: parent
         radius: handle.cornerRadius
-        corners: handle.isLeft ? RoundedCorner.TopLeft | RoundedCorner.BottomLeft
-                               : RoundedCorner.TopRight | RoundedCorner.BottomRight
+        corners: handle.isLeft ? RoundedCorner.TopLeftCorner | RoundedCorner.BottomLeftCorner
+                               : RoundedCorner.TopRightCorner | RoundedCorner.BottomRightCorner
         color: handle.color
     }
     // The padding pushes the symbol to the frame's inner side, where its centre is what a drag takes hold of.

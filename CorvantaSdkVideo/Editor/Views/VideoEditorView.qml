@@ -57,6 +57,7 @@ FocusScope {
         viewModel: screen.viewModel
     }
 
+    // What stands in here keeps its place while it fades: the software renderer would leave traces of what moves.
     Item {
         id: tools
 
@@ -73,7 +74,8 @@ FocusScope {
 
         Trimmer {
             id: trimmer
-            width: parent.width
+            anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
+            anchors.bottomMargin: screen.spacing
             height: implicitHeight
             viewModel: screen.viewModel
             opacity: viewModel.isTrimmerVisible ? 1 : 0
@@ -86,7 +88,8 @@ FocusScope {
         }
         Editor.Rotation {
             id: rotation
-            width: parent.width
+            anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
+            anchors.bottomMargin: screen.spacing
             height: implicitHeight
             viewModel: screen.viewModel
             opacity: viewModel.isRotationVisible ? 1 : 0
