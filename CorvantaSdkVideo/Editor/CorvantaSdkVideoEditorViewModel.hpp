@@ -119,6 +119,9 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
 
     /// Confirms: runs the edit, and then `completion` and `handler`. A failure sets `error` and leaves the
     /// editor as it is. Does nothing while an edit runs and after the editor has ended.
+    ///
+    /// The edit records `videoRotation` plus `currentRotation`, whose senses are opposite: a clip whose probe
+    /// states a quarter turn comes out at 180 degrees to what the screen shows.
     void trimVideo(Handler handler);
 
     /// Cancels: calls `completion` without a URL and then `handler`, from the event loop. Does nothing while
