@@ -23,7 +23,6 @@ namespace {
 
 using testing::ElementsAre;
 
-constexpr const char* ffmpegVariable = "CORVANTA_FFMPEG";
 constexpr const char* ffprobeVariable = "CORVANTA_FFPROBE";
 
 TEST(FFmpegKitTest, ReturnCodes) {
