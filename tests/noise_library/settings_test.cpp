@@ -26,11 +26,7 @@ Read readAll(std::map<std::string, std::string> const& environment, ModelFile co
     SettingReader const reader(model, "P_", "_v");
     Read result;
     testing::internal::CaptureStdout();
-    result.settings.readMaskCurve(reader);
-    result.settings.readClipFix(reader);
-    result.settings.readSkipAndVolume(reader);
-    result.settings.readEnergyGate(reader);
-    result.settings.readRmThreshold(reader);
+    result.settings.readGated(reader);
     result.settings.readRescale(reader, reader.flagStoredAs("OTHER_RESCALE", "ENABLE_RESCALE", true));
     result.settings.readCompressRate(reader);
     result.settings.backgroundSpeaker.read(reader);
