@@ -32,7 +32,7 @@ using Error = CorvantaSdkVideoError;
 
 constexpr const char* modelFileName = "c6.f.s.ced125.tw";
 constexpr unsigned frameDurationMillis = 10;
-constexpr int framesPerSecond = 100;
+constexpr int soundFramesPerSecond = 100;
 
 // Frames that are cleaned in one go, before other work on the caller's executor has its turn: about 6 ms.
 constexpr int framesPerTurn = 100;
@@ -55,7 +55,7 @@ class Cleaning {
         : audio_(std::move(audio)), cleaned_(std::move(cleaned)), source_(audio_.path()),
           target_(cleaned_.path(), source_),
           processor_(modelFileName, static_cast<unsigned>(source_.sampleRate()), frameDurationMillis),
-          frame_(static_cast<std::size_t>(source_.sampleRate() / framesPerSecond)),
+          frame_(static_cast<std::size_t>(source_.sampleRate() / soundFramesPerSecond)),
           silence_(silenceBefore(video, source_.sampleRate())) {
         if (frame_ == 0 || source_.channels() != 1) {
             throw Error(Error::unableToProcessFile);
