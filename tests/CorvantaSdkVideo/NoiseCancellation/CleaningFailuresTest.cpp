@@ -12,8 +12,6 @@
 #include <boost/asio/use_future.hpp>
 #include <gmock/gmock.h>
 
-#include <csignal>
-
 namespace corvanta::test {
 namespace {
 
@@ -191,32 +189,6 @@ TEST(CleaningFailuresTest, ARunCanBeStoppedAndDropped) {
     }
     EXPECT_THAT(run.leftOver(), IsEmpty());
     EXPECT_EQ(Engine().state(), Engine::State::initialized);
-}
-
-// The places where a disk can be full: the extracted sound, the cleaned sound, the video.
-TEST(CleaningFailuresTest, FullDisk) {
-    const CleaningRun run;
-    const std::string input = makeClip({.seconds = 4, .pictures = {{.width = 640, .height = 480}}});
-    struct Case {
-        int blocks;
-        int status;
-        std::string told;
-    };
-    for (const Case& now : std::vector<Case>{{140, 1, nameOf(CorvantaSdkVideoError::unableToProcessInput)},
-                                             {254, -SIGABRT, "Fatal error: The manual rendering failed: "},
-                                             {280, 1, "could not be written"},
-                                             {100000, 0, ""}}) {
-        SCOPED_TRACE(now.blocks);
-        Program host("/bin/sh",
-                     {"-c",
-                      "trap '' XFSZ; ulimit -c 0; ulimit -f " + std::to_string(now.blocks) + "; exec \"$@\"",
-                      "sh", CORVANTA_HOST, "clean", run.file("full"), input},
-                     {.environment = {{"TMPDIR", run.scratch()}}});
-        EXPECT_EQ(host.wait(), now.status);
-        EXPECT_THAT(host.errors(), HasSubstr(now.told));
-        EXPECT_EQ(std::filesystem::exists(run.file("full.mp4")), now.status == 0);
-        EXPECT_THAT(run.leftOver(), IsEmpty());
-    }
 }
 
 TEST(NoiseProcessorTest, PassesOnWhatTheLibraryTakes) {

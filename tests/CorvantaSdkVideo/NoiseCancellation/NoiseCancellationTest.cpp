@@ -10,28 +10,25 @@ namespace corvanta::test {
 namespace {
 
 constexpr int rate = 16000;
-constexpr const char* h264 = "-c:v libx264 -preset ultrafast -bf 0 -g 30 -pix_fmt yuv420p -c:a aac";
+const std::string h264 = "-c:v libx264 -preset ultrafast -bf 0 -g 30 -pix_fmt yuv420p -c:a aac";
 
-TEST(NoiseCancellationTest, EveryShapeOfClip) {
-    const CleaningRun run;
-    const auto sound = [](std::string layout, int sampleRate, std::optional<double> seconds = {}) {
-        return Sound{.sampleRate = sampleRate, .layout = std::move(layout), .seconds = seconds};
-    };
-    for (const Clip& clip : {
-             Clip{.rotation = -90},
-             Clip{.sounds = {sound("5.1", 44100)}, .container = "mov", .rotation = 90},
-             Clip{.pictures = {{.rate = "25"}}, .sounds = {sound("mono", 8000)}, .rotation = 180},
-             Clip{.sounds = {sound("mono", 8000)}, .container = "mkv"},
-             Clip{.sounds = {sound("stereo", 48000)},
-             .container = "webm",
-             .codecs = "-c:v libvpx -c:a libopus"},
-             Clip{.seconds = 0.05, .sounds = {sound("stereo", 96000)}},
-             Clip{.seconds = 1, .sounds = {sound("mono", 22050, 2)}},
-             Clip{.seconds = 2, .sounds = {sound("mono", 32000, 0.5)}},
-         }) {
-        expectCleaned(run, clip);
-    }
+Sound sound(std::string layout, int sampleRate, std::optional<double> seconds = {}) {
+    return {.sampleRate = sampleRate, .layout = std::move(layout), .seconds = seconds};
 }
+
+class ShapeOfClip : public testing::TestWithParam<Clip> {};
+
+TEST_P(ShapeOfClip, IsKept) { expectCleaned(CleaningRun(), GetParam()); }
+
+INSTANTIATE_TEST_SUITE_P(
+    NoiseCancellationTest, ShapeOfClip,
+    testing::Values(
+        Clip{.rotation = -90}, Clip{.sounds = {sound("5.1", 44100)}, .container = "mov", .rotation = 90},
+        Clip{.pictures = {{.rate = "25"}}, .sounds = {sound("mono", 8000)}, .rotation = 180},
+        Clip{.sounds = {sound("stereo", 48000)}, .container = "webm", .codecs = "-c:v libvpx -c:a libopus"},
+        Clip{.seconds = 0.05, .sounds = {sound("stereo", 96000)}, .container = "mkv"},
+        Clip{.seconds = 1, .sounds = {sound("mono", 22050, 2)}},
+        Clip{.seconds = 2, .sounds = {sound("mono", 32000, 0.5)}}));
 
 TEST(NoiseCancellationTest, NamesWithBlanksAndAnOutputThatIsThere) {
     const CleaningRun run;
@@ -79,54 +76,47 @@ double flash(const std::string& path) {
     throw std::runtime_error("no flash");
 }
 
-TEST(NoiseCancellationTest, SoundStaysWithThePicture) {
+struct SyncCase {
+    std::string container;
+    std::string codecs;
+    // Seconds; below zero the picture comes late.
+    double soundIsLate;
+};
+
+class SoundAndPicture : public testing::TestWithParam<SyncCase> {};
+
+TEST_P(SoundAndPicture, StayTogether) {
     // What the model is late by.
     constexpr double delay = 0.031;
     const CleaningRun run;
-    struct Case {
-        std::string container;
-        std::string codecs;
-        // Seconds; below zero the picture comes late.
-        double soundIsLate;
-    };
-    for (const Case& now : std::vector<Case>{
-             {"mp4", h264, 0},
-             {"mov", "-c:v libx264 -preset veryfast -g 30 -c:a pcm_s16le -ac 6", 0.4},
-             {"mp4", std::string(h264) + " -ar 8000", 0.25},
-             {"mkv", std::string(h264) + " -ar 8000 -ac 1", -0.3},
-             {"webm", "-c:v libvpx -c:a libopus", 0},
-             {"ts", "-c:v mpeg2video -c:a mp2 -ar 44100", 0.2},
-         }) {
-        SCOPED_TRACE(now.container + " " + now.codecs);
-        const std::string input = run.file("flash." + now.container);
-        std::vector<std::string> arguments{
-            "-v",
-            "error",
-            "-y",
-            "-itsoffset",
-            std::to_string(std::max(0.0, -now.soundIsLate)),
-            "-f",
-            "lavfi",
-            "-i",
-            "color=black:s=64x64:r=30:d=2,drawbox=c=white:t=fill:enable='gte(t,1)'",
-            "-itsoffset",
-            std::to_string(std::max(0.0, now.soundIsLate)),
-            "-f",
-            "lavfi",
-            "-i",
-            "flite=text='A word to be heard':voice=slt"};
-        for (const std::string& word : wordsOf(now.codecs)) {
-            arguments.push_back(word);
-        }
-        arguments.push_back(input);
-        runTool("ffmpeg", arguments);
-        const std::string output = run.clean(input, run.file("out"));
-        const double pictureMoved = flash(output) - flash(input);
-        const double soundMoved = lag(samplesOf(input), samplesOf(output), pictureMoved + delay);
-        EXPECT_NEAR(soundMoved, pictureMoved + delay, 0.010);
-        std::filesystem::remove(output);
+    const auto& [container, codecs, soundIsLate] = GetParam();
+    const std::string input = run.file("flash." + container);
+    std::vector<std::string> arguments{
+        "-v",         "error",
+        "-itsoffset", std::to_string(std::max(0.0, -soundIsLate)),
+        "-f",         "lavfi",
+        "-i",         "color=black:s=64x64:r=30:d=2,drawbox=c=white:t=fill:enable='gte(t,1)'",
+        "-itsoffset", std::to_string(std::max(0.0, soundIsLate)),
+        "-f",         "lavfi",
+        "-i",         "flite=text='A word to be heard':voice=slt"};
+    for (const std::string& word : wordsOf(codecs)) {
+        arguments.push_back(word);
     }
+    arguments.push_back(input);
+    runTool("ffmpeg", arguments);
+    const std::string output = run.clean(input, run.file("out"));
+    const double pictureMoved = flash(output) - flash(input);
+    const double soundMoved = lag(samplesOf(input), samplesOf(output), pictureMoved + delay);
+    EXPECT_NEAR(soundMoved, pictureMoved + delay, 0.010);
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    NoiseCancellationTest, SoundAndPicture,
+    testing::Values(SyncCase{"mov", "-c:v libx264 -preset veryfast -g 30 -c:a pcm_s16le -ac 6", 0.4},
+                    SyncCase{"mp4", h264 + " -ar 8000", 0.25},
+                    SyncCase{"mkv", h264 + " -ar 8000 -ac 1", -0.3},
+                    SyncCase{"webm", "-c:v libvpx -c:a libopus", 0},
+                    SyncCase{"ts", "-c:v mpeg2video -c:a mp2 -ar 44100", 0.2}));
 
 double decibels(const std::vector<float>& samples, double from, double to) {
     double sum = 1e-12;
