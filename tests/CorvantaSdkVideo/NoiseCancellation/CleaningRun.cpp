@@ -24,12 +24,17 @@ std::string packets(const std::string& path) {
 
 } // namespace
 
+void PrintTo(const Clip& clip, std::ostream* out) {
+    const Sound& sound = clip.sounds.front();
+    *out << clip.seconds << " s of " << clip.container << ", " << clip.pictures.front().rate << " frames, "
+         << sound.layout << " of " << sound.seconds.value_or(clip.seconds) << " s at " << sound.sampleRate
+         << " Hz, turn " << clip.rotation;
+}
+
 void expectCleaned(const CleaningRun& run, const Clip& clip) {
     const Picture& picture = clip.pictures.front();
-    const Sound& sound = clip.sounds.front();
     const std::string input = makeClip(clip);
-    SCOPED_TRACE(clip.container + " " + sound.layout + " " + std::to_string(sound.sampleRate) + " " +
-                 picture.rate + " " + std::to_string(clip.seconds));
+    SCOPED_TRACE(testing::PrintToString(clip));
     const std::string output = run.clean(input, run.file("cleaned"));
     EXPECT_EQ(output, run.file("cleaned." + clip.container));
     EXPECT_THAT(run.leftOver(), testing::IsEmpty());

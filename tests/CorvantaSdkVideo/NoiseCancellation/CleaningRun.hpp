@@ -9,6 +9,7 @@
 #include <platform/Directories.hpp>
 
 #include <filesystem>
+#include <iosfwd>
 #include <memory>
 #include <string>
 #include <vector>
@@ -51,6 +52,9 @@ class CleaningRun {
     TemporaryDirectory scratch_;
     RecordedLog log_;
 };
+
+/// Names a clip in reports and in the names of tests.
+void PrintTo(const Clip& clip, std::ostream* out);
 
 /// Cleans `clip` and holds the result against it: the sound is mono AAC of 16 kHz and as long as it was, the
 /// picture runs at 30 frames a second, as long, as large and turned as it was.

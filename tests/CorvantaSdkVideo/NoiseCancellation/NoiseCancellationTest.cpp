@@ -26,7 +26,8 @@ INSTANTIATE_TEST_SUITE_P(
         Clip{.rotation = -90}, Clip{.sounds = {sound("5.1", 44100)}, .container = "mov", .rotation = 90},
         Clip{.pictures = {{.rate = "25"}}, .sounds = {sound("mono", 8000)}, .rotation = 180},
         Clip{.sounds = {sound("stereo", 48000)}, .container = "webm", .codecs = "-c:v libvpx -c:a libopus"},
-        Clip{.seconds = 0.05, .sounds = {sound("stereo", 96000)}, .container = "mkv"},
+        Clip{.sounds = {sound("stereo", 48000)}, .container = "mkv"},
+        Clip{.seconds = 0.05, .sounds = {sound("stereo", 96000)}},
         Clip{.seconds = 1, .sounds = {sound("mono", 22050, 2)}},
         Clip{.seconds = 2, .sounds = {sound("mono", 32000, 0.5)}}));
 
@@ -81,6 +82,10 @@ struct SyncCase {
     std::string codecs;
     // Seconds; below zero the picture comes late.
     double soundIsLate;
+
+    friend void PrintTo(const SyncCase& now, std::ostream* out) {
+        *out << now.container << ", sound late by " << now.soundIsLate << " s";
+    }
 };
 
 class SoundAndPicture : public testing::TestWithParam<SyncCase> {};
