@@ -48,7 +48,7 @@ std::vector<fs::path> resourceDirectories() {
 } // namespace
 
 std::optional<std::string> pathForResource(const std::string& name, const std::string& type) {
-    const std::string file = name + "." + type;
+    const std::string file = type.empty() ? name : name + "." + type;
     for (const fs::path& directory : resourceDirectories()) {
         if (const fs::path path = directory / file; FileManager::fileExists(path)) {
             return path.string();

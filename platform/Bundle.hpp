@@ -5,7 +5,8 @@
 
 namespace corvanta::Bundle {
 
-/// The path of a resource of the module, "name.type": in $CORVANTA_RESOURCES if that is set, else in
+/// The path of a resource of the module, "name.type", or just "name" if the type is empty: in
+/// $CORVANTA_RESOURCES if that is set, else in
 /// ../share/corvanta-sdk-video beside the loaded library, else in the source tree that the library was built
 /// from. Nothing if there is no such file.
 std::optional<std::string> pathForResource(const std::string& name, const std::string& type);
