@@ -31,7 +31,9 @@ add_library(corvanta_warnings INTERFACE)
 target_compile_options(corvanta_warnings INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
     # GCC 12 warns falsely about "text" + std::string when it inlines both (its bug 105651).
-    $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
+    # Part of Clang's -Wconversion, and not of GCC's.
+    $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion>)
 
 # Keeps all but our own names out of a library's interface.
 function(corvanta_export_own_names TARGET)
