@@ -36,8 +36,10 @@ corvanta_debian_package(models corvanta-sdk-video-models "Client-side video modu
 set(CPACK_DEBIAN_MODELS_PACKAGE_ARCHITECTURE all)
 corvanta_debian_package(development libcorvanta-sdk-video-dev "Client-side video module: headers"
     DEPENDS "${soname} ${same}" libboost1.81-dev)
-corvanta_debian_package(examples corvanta-sdk-video-examples "Client-side video module: example programs"
-    DEPENDS "${soname} ${same}" "corvanta-sdk-video-models ${same}")
+if(CORVANTA_BUILD_EXAMPLES)
+    corvanta_debian_package(examples corvanta-sdk-video-examples "Client-side video module: example programs"
+        DEPENDS "${soname} ${same}" "corvanta-sdk-video-models ${same}")
+endif()
 if(CORVANTA_BUILD_EDITOR)
     set(editor libcorvanta-sdk-video-editor${PROJECT_VERSION_MAJOR})
     corvanta_debian_package(editor ${editor} "Client-side video module: editor"

@@ -29,7 +29,7 @@ using Error = CorvantaSdkVideoError;
 
 constexpr const char* modelFileName = "c6.f.s.ced125.tw";
 constexpr unsigned frameDurationMillis = 10;
-constexpr int framesPerSecond = 100;
+constexpr int soundFramesPerSecond = 100;
 
 // Frames that are cleaned in one go, before other work on the caller's executor has its turn: about 6 ms.
 constexpr int framesPerTurn = 100;
@@ -40,7 +40,7 @@ class Cleaning {
     Cleaning(const URL& audioFileURL, const URL& cleanedURL)
         : source_(audioFileURL.path()), target_(cleanedURL.path(), source_),
           processor_(modelFileName, static_cast<unsigned>(source_.sampleRate()), frameDurationMillis) {
-        const auto capacity = static_cast<std::size_t>(source_.sampleRate() / framesPerSecond);
+        const auto capacity = static_cast<std::size_t>(source_.sampleRate() / soundFramesPerSecond);
         if (capacity == 0 || source_.channels() != 1) {
             throw Error(Error::unableToProcessFile);
         }

@@ -20,7 +20,7 @@ using testing::FloatEq;
 using testing::FloatNear;
 using testing::Pointwise;
 
-struct Settings {
+struct MaskSettings {
     float smoothCoef = 1.0f;
     float rmThreshold = 0.5f;
     float clipFixPoint = 25000.0f;
@@ -33,7 +33,7 @@ struct Params {
     std::vector<float> weight_MU{1, 2};
     std::vector<float> weight_SD{2, 4};
     float varianceFloor = 0.0f;
-    Settings settings{};
+    MaskSettings settings{};
 };
 
 TEST(Bands, AreSummedOrAveragedInWideningGroupsAndSpreadAgain) {
