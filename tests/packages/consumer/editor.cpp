@@ -3,6 +3,4 @@
 
 #include <iostream>
 
-int main() {
-    std::cout << corvanta::CorvantaSdkVideoEditorViewModel::staticMetaObject.className() << '\n';
-}
+int main() { std::cout << corvanta::CorvantaSdkVideoEditorViewModel::staticMetaObject.className() << '\n'; }
