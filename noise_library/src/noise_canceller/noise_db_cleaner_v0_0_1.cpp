@@ -50,7 +50,7 @@ void NoiseDBCleaner_v0_0_1::maskReady() {
         bool const single = i == 0 || i + 1 == spectrum_.size();
         sum += (single ? 1.0 : 2.0) * (re * re + im * im);
     }
-    double const length = static_cast<double>(params_.frameLength);
+    auto const length = static_cast<double>(params_.frameLength);
     removedSum_ += sum / (length * length);
     ++removedFrames_;
 }
