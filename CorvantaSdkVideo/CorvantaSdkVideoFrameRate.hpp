@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <optional>
 #include <string_view>
 
@@ -27,3 +29,10 @@ class CorvantaSdkVideoFrameRate {
 };
 
 } // namespace corvanta
+
+template <>
+struct std::hash<corvanta::CorvantaSdkVideoFrameRate> {
+    std::size_t operator()(corvanta::CorvantaSdkVideoFrameRate rate) const noexcept {
+        return std::hash<corvanta::CorvantaSdkVideoFrameRate::Value>{}(rate);
+    }
+};

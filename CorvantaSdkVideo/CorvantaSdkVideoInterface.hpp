@@ -21,19 +21,32 @@
 namespace corvanta {
 
 /// What the module offers to its host. Safe from any thread. Every operation that can fail throws
-/// CorvantaSdkVideoError, `userNotAuthenticated` first of all, unless it says otherwise.
+/// CorvantaSdkVideoError, `userNotAuthenticated` first of all, unless it says otherwise. Commands reach
+/// ffmpeg as one text without escapes: an output path with a double quote in it, and most inputs with one,
+/// fail with the operation's own error.
 class CorvantaSdkVideoInterface {
   public:
     virtual ~CorvantaSdkVideoInterface() = default;
 
-    /// Probes the files one after the other; the records come in their order.
+    /// Probes the files one after the other; the records come in their order. Throws `invalidInputFiles`
+    /// before any probe if the list is empty (`notEnoughVideos`) or a file is not there
+    /// (`inputContainsNonExistingFiles`), else the first failed probe's `getInformationFailed` or
+    /// `missingVideoTrackToMerge`.
     virtual Task<std::vector<CorvantaSdkVideoInformation>>
     getVideosInformation(std::vector<CorvantaSdkVideoFile> input) = 0;
 
     /// A new noise engine at each call.
     virtual std::shared_ptr<CorvantaSdkVideoNoiseCancellationEngine> engine() = 0;
 
-    /// Writes the frame at `position` milliseconds as a JPEG file. An absent size keeps the aspect.
+    /// Writes the frame at `position` milliseconds as a JPEG file, replacing an older one. Sizes are pixels;
+    /// an absent one keeps the aspect, and with neither the frame keeps its size. ffmpeg decodes from the
+    /// start of the file, so a late position takes long.
+    ///
+    /// Throws `notFoundVideo` (no such input, or the output gives no URL), `invalidThumbnailWidth` or
+    /// `invalidThumbnailHeight` (negative), `invalidPositionInVideo` (negative, or not before the file's
+    /// end), `unableToDeleteExistingThumbnail`, `thumbnailGenerationFailed` (refused by ffmpeg, or no frame
+    /// there, as past a picture that is shorter than its sound), and the asset reader's own PlatformError for
+    /// a file whose duration can't be read.
     virtual Task<CorvantaSdkVideoThumbnailResult>
     generateThumbnail(CorvantaSdkVideoFile input, CorvantaSdkVideoFileDescriptor output,
                       double position = 1000.0, std::optional<std::int64_t> width = std::nullopt,

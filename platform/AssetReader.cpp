@@ -6,9 +6,12 @@
 #include <array>
 #include <cerrno>
 #include <cstdint>
+#include <span>
+#include <utility>
 
 extern "C" {
 #include <libavformat/avformat.h>
+#include <libavutil/intreadwrite.h>
 #include <libavutil/log.h>
 }
 
@@ -32,6 +35,35 @@ void quietenLibrary() {
 struct CloseInput {
     void operator()(AVFormatContext* format) const { avformat_close_input(&format); }
 };
+
+struct FreePacket {
+    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
+};
+
+const AVStream* chosenSound(const AVFormatContext& format) {
+    const auto rank = [](const AVStream& track) {
+        const bool isDefault = (track.disposition & AV_DISPOSITION_DEFAULT) != 0;
+        return std::pair(isDefault, track.codecpar->ch_layout.nb_channels);
+    };
+    const AVStream* best = nullptr;
+    for (const AVStream* track : std::span(format.streams, format.nb_streams)) {
+        if (track->codecpar->codec_type == AVMEDIA_TYPE_AUDIO &&
+            (best == nullptr || rank(*track) > rank(*best))) {
+            best = track;
+        }
+    }
+    return best;
+}
+
+// A codec's run-in, which a decoder drops.
+double skippedSeconds(const AVPacket& packet, const AVStream& track) {
+    std::size_t size = 0;
+    const std::uint8_t* data = av_packet_get_side_data(&packet, AV_PKT_DATA_SKIP_SAMPLES, &size);
+    if (data == nullptr || size < sizeof(std::uint32_t) || track.codecpar->sample_rate <= 0) {
+        return 0;
+    }
+    return static_cast<double>(AV_RL32(data)) / track.codecpar->sample_rate;
+}
 
 } // namespace
 
@@ -111,7 +143,7 @@ std::optional<AffineTransform> AssetReader::firstVideoTrackTransform() {
 std::optional<VideoTrackFormat> AssetReader::firstVideoTrackFormat() {
     context_->analyse();
     const AVStream* track = context_->firstTrack(AVMEDIA_TYPE_VIDEO);
-    if (track == nullptr) {
+    if (track == nullptr || (track->disposition & AV_DISPOSITION_ATTACHED_PIC) != 0) {
         return std::nullopt;
     }
     VideoTrackFormat format;
@@ -124,6 +156,24 @@ std::optional<VideoTrackFormat> AssetReader::firstVideoTrackFormat() {
 bool AssetReader::hasAudioTrack() {
     context_->analyse();
     return context_->firstTrack(AVMEDIA_TYPE_AUDIO) != nullptr;
+}
+
+std::optional<double> AssetReader::soundStart() {
+    context_->analyse();
+    AVFormatContext* const format = context_->format.get();
+    const AVStream* const track = chosenSound(*format);
+    if (track == nullptr || format->start_time == AV_NOPTS_VALUE) {
+        return std::nullopt;
+    }
+    const std::unique_ptr<AVPacket, FreePacket> packet(av_packet_alloc());
+    while (packet && av_read_frame(format, packet.get()) >= 0) {
+        if (packet->stream_index == track->index && packet->pts != AV_NOPTS_VALUE) {
+            return static_cast<double>(packet->pts) * av_q2d(track->time_base) +
+                   skippedSeconds(*packet, *track) - static_cast<double>(format->start_time) / AV_TIME_BASE;
+        }
+        av_packet_unref(packet.get());
+    }
+    return std::nullopt;
 }
 
 } // namespace corvanta

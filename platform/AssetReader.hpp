@@ -56,11 +56,17 @@ class AssetReader {
     /// a track.
     std::optional<AffineTransform> firstVideoTrackTransform();
 
-    /// Nothing without a video track. Throws PlatformError if the tracks can't be read.
+    /// Nothing without a video track; a cover image is none. Throws PlatformError if the tracks can't be
+    /// read.
     std::optional<VideoTrackFormat> firstVideoTrackFormat();
 
     /// Throws PlatformError if the tracks can't be read.
     bool hasAudioTrack();
+
+    /// How many seconds after the file's start the sound begins that ffmpeg takes when none is named: that of
+    /// the default track with the most channels. Nothing without sound. Reads on in the file; throws
+    /// PlatformError if the tracks can't be read.
+    std::optional<double> soundStart();
 
   private:
     struct Context;

@@ -123,19 +123,6 @@ int startError(const FileDescriptor& source) {
 
 } // namespace
 
-FileDescriptor& FileDescriptor::operator=(FileDescriptor&& other) noexcept {
-    std::swap(descriptor_, other.descriptor_);
-    return *this;
-}
-
-FileDescriptor::~FileDescriptor() {
-    if (descriptor_ >= 0) {
-        close(descriptor_);
-    }
-}
-
-int FileDescriptor::release() { return std::exchange(descriptor_, -1); }
-
 ChildProcess::ChildProcess(const std::string& program, const std::vector<std::string>& arguments) {
     const std::string path = findProgram(program);
     std::vector<char*> argv{const_cast<char*>(program.c_str())};

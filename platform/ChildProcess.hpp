@@ -1,26 +1,13 @@
 #pragma once
 
+#include <platform/FileDescriptor.hpp>
+
 #include <string>
 #include <vector>
 
 #include <sys/types.h>
 
 namespace corvanta {
-
-/// Owns a file descriptor.
-class FileDescriptor {
-  public:
-    explicit FileDescriptor(int descriptor = -1) : descriptor_(descriptor) {}
-    FileDescriptor(FileDescriptor&& other) noexcept : descriptor_(other.release()) {}
-    FileDescriptor& operator=(FileDescriptor&& other) noexcept;
-    ~FileDescriptor();
-
-    int get() const { return descriptor_; }
-    int release();
-
-  private:
-    int descriptor_;
-};
 
 /// A child process that leads a process group of its own and dies with the thread that started it.
 ///

@@ -83,8 +83,8 @@ void CommandRun::spawn() {
         session_->state_ = SessionState::running;
     }
     drain(child_->standardOutput, [this](std::string_view bytes) {
-        if (plan_.keepOutput && output_.size() < Session::outputLimit) {
-            output_ += bytes;
+        if (plan_.keepOutput) {
+            output_ += bytes.substr(0, Session::outputLimit - output_.size());
         }
     });
     drain(child_->standardError, [this](std::string_view bytes) { consumeLog(bytes); });

@@ -1,6 +1,7 @@
 #include <platform/FileBookmark.hpp>
 
 #include <platform/Directories.hpp>
+#include <platform/FileDescriptor.hpp>
 
 #include <array>
 #include <cstring>
@@ -43,22 +44,9 @@ struct Bookmark {
     std::string path;
 };
 
-class FileDescriptor {
-  public:
-    explicit FileDescriptor(const std::string& path) : number_(open(path.c_str(), O_PATH | O_CLOEXEC)) {}
-    FileDescriptor(const FileDescriptor&) = delete;
-    FileDescriptor& operator=(const FileDescriptor&) = delete;
-    ~FileDescriptor() {
-        if (number_ >= 0) {
-            close(number_);
-        }
-    }
-
-    int number() const { return number_; }
-
-  private:
-    int number_;
-};
+FileDescriptor openPath(const std::string& path) {
+    return FileDescriptor(open(path.c_str(), O_PATH | O_CLOEXEC));
+}
 
 struct CloseDirectory {
     void operator()(DIR* stream) const { closedir(stream); }
@@ -79,7 +67,7 @@ std::string fileHandle(const FileDescriptor& file) {
     auto* handle = reinterpret_cast<file_handle*>(room.data());
     handle->handle_bytes = MAX_HANDLE_SZ;
     int mount = 0;
-    if (name_to_handle_at(file.number(), "", handle, &mount, AT_EMPTY_PATH) != 0) {
+    if (name_to_handle_at(file.get(), "", handle, &mount, AT_EMPTY_PATH) != 0) {
         return {};
     }
     std::string bytes(sizeof(handle->handle_type) + handle->handle_bytes, '\0');
@@ -147,8 +135,8 @@ bool isAt(const std::string& path, const Bookmark& bookmark) {
     if (bookmark.handle.empty()) {
         return identify(AT_FDCWD, path.c_str(), 0) == bookmark.identity;
     }
-    const FileDescriptor file(path);
-    return file.number() >= 0 && identify(file.number(), "", AT_EMPTY_PATH) == bookmark.identity &&
+    const FileDescriptor file = openPath(path);
+    return file.get() >= 0 && identify(file.get(), "", AT_EMPTY_PATH) == bookmark.identity &&
            fileHandle(file) == bookmark.handle;
 }
 
@@ -159,14 +147,14 @@ std::optional<std::string> makeFileBookmark(const std::string& path) {
         return std::nullopt;
     }
     std::error_code failed;
-    const fs::path absolute = fs::absolute(path, failed);
+    const std::string absolute = path.starts_with('/') ? path : fs::absolute(path, failed).string();
     if (failed) {
         return std::nullopt;
     }
     const timespec now = clockNow();
-    const FileDescriptor file(absolute.string());
+    const FileDescriptor file = openPath(absolute);
     const auto identity =
-        file.number() >= 0 ? identify(file.number(), "", AT_EMPTY_PATH) : std::optional<Identity>();
+        file.get() >= 0 ? identify(file.get(), "", AT_EMPTY_PATH) : std::optional<Identity>();
     if (!identity) {
         return std::nullopt;
     }
@@ -177,7 +165,7 @@ std::optional<std::string> makeFileBookmark(const std::string& path) {
             return std::nullopt;
         }
     }
-    return write({*identity, std::move(handle), absolute.string()});
+    return write({*identity, std::move(handle), absolute});
 }
 
 std::optional<std::string> FileBookmarkResolver::resolve(std::string_view bytes) {

@@ -16,7 +16,7 @@ bool isEndless(const std::string& path);
 /// Whether both paths lead to one existing file, links included.
 bool isSameFile(const std::string& left, const std::string& right);
 
-/// Writes `contents` to `path`, replacing what is there. False if that failed.
+/// Writes `contents` to `path`, replacing what is there. False if that failed, as with a pipe or a device.
 bool createFile(const std::string& path, std::string_view contents = {});
 
 /// Removes the file at `path`. Throws std::system_error if it is not there or can't be removed.

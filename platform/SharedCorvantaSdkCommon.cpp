@@ -19,8 +19,10 @@ class SpdlogSink : public SharedCorvantaSdkLogSink {
 
 } // namespace
 
-SharedCorvantaSdkCommon::SharedCorvantaSdkCommon()
-    : auth_(std::make_shared<SharedCorvantaSdkFixedAuth>(false)), log_(std::make_shared<SpdlogSink>()) {}
+SharedCorvantaSdkCommon::SharedCorvantaSdkCommon() {
+    setAuth(nullptr);
+    setLog(nullptr);
+}
 
 std::shared_ptr<SharedCorvantaSdkAuth> SharedCorvantaSdkCommon::auth() const {
     const std::lock_guard lock(mutex_);
@@ -33,11 +35,17 @@ std::shared_ptr<SharedCorvantaSdkLogSink> SharedCorvantaSdkCommon::log() const {
 }
 
 void SharedCorvantaSdkCommon::setAuth(std::shared_ptr<SharedCorvantaSdkAuth> auth) {
+    if (!auth) {
+        auth = std::make_shared<SharedCorvantaSdkFixedAuth>(false);
+    }
     const std::lock_guard lock(mutex_);
     std::swap(auth_, auth);
 }
 
 void SharedCorvantaSdkCommon::setLog(std::shared_ptr<SharedCorvantaSdkLogSink> log) {
+    if (!log) {
+        log = std::make_shared<SpdlogSink>();
+    }
     const std::lock_guard lock(mutex_);
     std::swap(log_, log);
 }

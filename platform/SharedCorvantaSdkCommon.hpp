@@ -59,6 +59,7 @@ class SharedCorvantaSdkCommon {
     std::shared_ptr<SharedCorvantaSdkAuth> auth() const;
     std::shared_ptr<SharedCorvantaSdkLogSink> log() const;
 
+    /// Null puts the first state back.
     void setAuth(std::shared_ptr<SharedCorvantaSdkAuth> auth);
     void setLog(std::shared_ptr<SharedCorvantaSdkLogSink> log);
 

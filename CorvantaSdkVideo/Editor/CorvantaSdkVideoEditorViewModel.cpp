@@ -1,6 +1,7 @@
 #include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorViewModel.hpp>
 
 #include <CorvantaSdkVideo/Editor/EditorTasks.hpp>
+#include <CorvantaSdkVideo/Editor/Player/QtVideoPlayer.hpp>
 #include <CorvantaSdkVideo/Editor/QtExecutor.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
@@ -39,7 +40,7 @@ CorvantaSdkVideoEditorViewModel::CorvantaSdkVideoEditorViewModel(
       videoURL_(input.url()), outputURL_(locationFor(output)),
       isAuthenticated_(credentialsManager->isUserAuthenticated()),
       completion_(completion ? std::move(completion) : [](const CorvantaSdkVideoEditorResult&) {}),
-      videoPlayer_(makeVideoPlayer(videoURL_)) {
+      videoPlayer_(makeVideoPlayer ? makeVideoPlayer(videoURL_) : QtVideoPlayer::make(videoURL_)) {
     connect(videoPlayer_.get(), &VideoPlayer::didPlayToEndTime, this, &ViewModel::onDidFinishPlaying);
     connect(videoPlayer_.get(), &VideoPlayer::timeObserved, this, [this](double seconds) {
         if (seconds >= stopAt()) {

@@ -90,13 +90,13 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
 
     /// Without `output`, or if it gives no URL, a new file in the documents directory is written.
     /// `completion` is called at most once, on the Qt thread; it may destroy the view model, and must not
-    /// throw. Throws what `makeVideoPlayer` throws.
+    /// throw. Without `makeVideoPlayer` it plays with QtVideoPlayer. Throws what making the player throws.
     CorvantaSdkVideoEditorViewModel(std::shared_ptr<CorvantaSdkVideoEditor> editor,
                                     VideosInformationGenerator videosInformationGenerator,
                                     const std::shared_ptr<CorvantaCredentialsManager>& credentialsManager,
                                     const CorvantaSdkVideoFile& input,
                                     const std::optional<CorvantaSdkVideoFileDescriptor>& output,
-                                    Completion completion, const MakeVideoPlayer& makeVideoPlayer);
+                                    Completion completion, const MakeVideoPlayer& makeVideoPlayer = {});
 
     /// Lays the trimmer out for the size that the screen has, and starts to read the file and to make its
     /// thumbnails. What can't be read leaves blank thumbnails and a duration of 0.
@@ -121,6 +121,9 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
 
     /// Confirms: runs the edit, and then `completion` and `handler`. A failure sets `error` and leaves the
     /// editor as it is. Does nothing while an edit runs and after the editor has ended.
+    ///
+    /// The edit records `videoRotation` plus `currentRotation`, whose senses are opposite: a clip whose probe
+    /// states a quarter turn comes out at 180 degrees to what the screen shows.
     void trimVideo(Handler handler);
 
     /// Cancels: calls `completion` without a URL and then `handler`, from the event loop. Does nothing while
@@ -172,6 +175,8 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     /// Width over height.
     double videoAspectRatio() const { return videoAspectRatio_; }
     double volumeHeight() const { return volumeHeight_; }
+    /// What `muteVideo` comes back to; 0 before the first mute.
+    double previousVolumeHeight() const { return previousVolumeHeight_; }
     /// Degrees, as the file's probe states them.
     std::int64_t currentRotation() const { return currentRotation_; }
 

@@ -4,9 +4,11 @@
 #include <CorvantaSdkVideo/Editor/Gestures.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 #include <platform/AssetReader.hpp>
+#include <platform/Directories.hpp>
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <utility>
 
 namespace corvanta {
@@ -38,12 +40,20 @@ Task<std::vector<CorvantaSdkVideoInformation>> probed(VideosInformationGenerator
 
 Task<double> durationOf(URL video) { co_return AssetReader(video).duration(); }
 
+// An editor of the host's own may hand out files from elsewhere, which aren't ours to remove.
+void removeIfMade(const URL& thumbnail) {
+    const std::filesystem::path path = thumbnail.path();
+    if (path.parent_path() == Directories::documents().path()) {
+        CorvantaSdkVideoUtils::deleteFileIfExists(thumbnail);
+    }
+}
+
 // The picture is null if the file can't be read.
 Task<QImage> thumbnail(std::shared_ptr<CorvantaSdkVideoEditor> editor, URL video, double position,
                        std::int64_t width, std::int64_t height) {
     const URL file = co_await editor->getThumbnailForVideo(std::move(video), position, width, height);
     QImage image(QString::fromStdString(file.path()));
-    CorvantaSdkVideoUtils::deleteFileIfExists(file);
+    removeIfMade(file);
     co_return image;
 }
 

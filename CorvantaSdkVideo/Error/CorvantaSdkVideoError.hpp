@@ -72,7 +72,7 @@ class CorvantaSdkVideoError : public CodedError {
         differentFormats,
     };
 
-    /// A case without a reason.
+    /// A case without a reason: any but `invalidInputFiles`.
     explicit CorvantaSdkVideoError(Case plain);
     /// The case `invalidInputFiles` with its reason.
     explicit CorvantaSdkVideoError(InvalidInputFilesReason reason);

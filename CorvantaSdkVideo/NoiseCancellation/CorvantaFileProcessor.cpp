@@ -15,7 +15,7 @@ namespace corvanta {
 
 namespace {
 
-constexpr int framesPerSecond = 30;
+constexpr int pictureRate = 30;
 
 VideoTrackFormat firstVideoTrack(const URL& video) {
     if (auto format = AssetReader(video).firstVideoTrackFormat()) {
@@ -26,7 +26,7 @@ VideoTrackFormat firstVideoTrack(const URL& video) {
 
 bool canBeCopied(const VideoTrackFormat& format) {
     const bool inMpeg4 = format.codec == "h264" || format.codec == "hevc" || format.codec == "mpeg4";
-    return inMpeg4 && format.hasExactRate(framesPerSecond);
+    return inMpeg4 && format.hasExactRate(pictureRate);
 }
 
 std::string exportCommand(const VideoTrackFormat& format, const URL& video, const URL& audio,
@@ -40,7 +40,7 @@ std::string exportCommand(const VideoTrackFormat& format, const URL& video, cons
     // Without autorotation the display matrix goes over as it is; H.264 wants even sides; no B-frames and a
     // key frame each second keep the result fit for cutting by stream copy.
     return "-y -noautorotate " + inputs + " -vf crop=trunc(iw/2)*2:trunc(ih/2)*2 -r " +
-           std::to_string(framesPerSecond) +
+           std::to_string(pictureRate) +
            " -c:v libx264 -preset veryfast -crf 16 -bf 0 -g 30 -pix_fmt yuv420p" + sound;
 }
 

@@ -6,6 +6,7 @@
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
+#include <platform/AssetReader.hpp>
 #include <platform/AudioFile.hpp>
 #include <platform/Bundle.hpp>
 #include <platform/Directories.hpp>
@@ -18,6 +19,8 @@
 #include <boost/asio/use_awaitable.hpp>
 
 #include <algorithm>
+#include <cmath>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -29,23 +32,36 @@ using Error = CorvantaSdkVideoError;
 
 constexpr const char* modelFileName = "c6.f.s.ced125.tw";
 constexpr unsigned frameDurationMillis = 10;
-constexpr int framesPerSecond = 100;
+constexpr int soundFramesPerSecond = 100;
 
 // Frames that are cleaned in one go, before other work on the caller's executor has its turn: about 6 ms.
 constexpr int framesPerTurn = 100;
 
+// How long the picture runs before its sound does, in samples: the extracted sound tells nothing of it.
+std::int64_t silenceBefore(const URL& video, int sampleRate) {
+    try {
+        AssetReader asset(video);
+        const double seconds = std::clamp(asset.soundStart().value_or(0), 0.0, asset.duration());
+        return std::llround(seconds * sampleRate);
+    } catch (const PlatformError&) {
+        return 0;
+    }
+}
+
 // One frame of a fixed size at a time; the last one is filled up by what the buffer held before.
 class Cleaning {
   public:
-    Cleaning(const URL& audioFileURL, const URL& cleanedURL)
-        : source_(audioFileURL.path()), target_(cleanedURL.path(), source_),
-          processor_(modelFileName, static_cast<unsigned>(source_.sampleRate()), frameDurationMillis) {
-        const auto capacity = static_cast<std::size_t>(source_.sampleRate() / framesPerSecond);
-        if (capacity == 0 || source_.channels() != 1) {
+    Cleaning(const URL& video, URL audio, URL cleaned)
+        : audio_(std::move(audio)), cleaned_(std::move(cleaned)), source_(audio_.path()),
+          target_(cleaned_.path(), source_),
+          processor_(modelFileName, static_cast<unsigned>(source_.sampleRate()), frameDurationMillis),
+          frame_(static_cast<std::size_t>(source_.sampleRate() / soundFramesPerSecond)),
+          silence_(silenceBefore(video, source_.sampleRate())) {
+        if (frame_ == 0 || source_.channels() != 1) {
             throw Error(Error::unableToProcessFile);
         }
-        rendered_.samples = std::vector<float>(capacity);
-        cleaned_.samples = std::vector<float>(capacity);
+        rendered_.samples = std::vector<float>(frame_);
+        result_.samples = std::vector<float>(frame_);
         processor_.startSession();
     }
 
@@ -53,6 +69,7 @@ class Cleaning {
     /// broken module, and ends the process.
     bool cleanFrames(int count) {
         try {
+            writeSilence();
             for (int frame = 0; frame < count && position_ < source_.length(); ++frame) {
                 const std::int64_t frames = source_.read(*rendered_.floatChannelData());
                 // A sound that ends before its stated length has nothing more to give.
@@ -61,10 +78,13 @@ class Cleaning {
                     break;
                 }
                 position_ += frames;
-                processor_.process(rendered_, cleaned_);
-                target_.write(*cleaned_.floatChannelData());
+                processor_.process(rendered_, result_);
+                target_.write(*result_.floatChannelData());
             }
         } catch (const std::exception& error) {
+            // Nobody else will, and it may be these that fill the disk.
+            CorvantaSdkVideoUtils::deleteFileIfExists(audio_);
+            CorvantaSdkVideoUtils::deleteFileIfExists(cleaned_);
             fatalError(("The manual rendering failed: " + localizedDescription(error) + ".").c_str());
         }
         return position_ < source_.length();
@@ -73,11 +93,22 @@ class Cleaning {
     void end() { processor_.endSession(); }
 
   private:
+    void writeSilence() {
+        const std::vector<float> silence(frame_);
+        for (std::int64_t left = std::exchange(silence_, 0); left > 0; left -= std::ssize(silence)) {
+            target_.write(std::span(silence).first(std::min(silence.size(), static_cast<std::size_t>(left))));
+        }
+    }
+
+    URL audio_;
+    URL cleaned_;
     AudioFileReader source_;
     AudioFileWriter target_;
     CorvantaNoiseProcessor processor_;
+    std::size_t frame_;
+    std::int64_t silence_;
     PCMBuffer rendered_;
-    PCMBuffer cleaned_;
+    PCMBuffer result_;
     std::int64_t position_ = 0;
 };
 
@@ -110,30 +141,38 @@ CorvantaNoiseCancellationEngine::run(Self self, CorvantaSdkVideoFile file,
         throw Error(Error::unableToProcessOutput);
     }
     Logger::addLog(Event::clearNoise, EventMessage::clearNoise(input, *output));
-    const State before = self->state_;
-    if (before == State::initial || before == State::unknown) {
-        throw Error(Error::configurationError);
-    }
-    if (before == State::processing) {
-        throw Error(Error::processingInProgress);
-    }
+    self->enterProcessing();
     struct Finish {
         std::atomic<State>& state;
         ~Finish() { state = State::finished; }
     } const finish{self->state_};
-    self->state_ = State::processing;
 
-    std::vector<URL> processedFiles;
+    // Also when the host drops the run in the middle.
+    struct ProcessedFiles {
+        const CorvantaNoiseCancellationEngine& engine;
+        std::vector<URL> urls = {};
+        ~ProcessedFiles() { engine.remove(urls); }
+    } processedFiles{*self};
     try {
-        co_await self->clean(input, *output, processedFiles);
+        co_await self->clean(input, *output, processedFiles.urls);
     } catch (const std::exception& error) {
         Logger::logError(Event::clearNoise, EventMessage::clearNoiseFailed(input, error));
         self->endSession();
-        self->remove(processedFiles);
         throw;
     }
-    self->remove(processedFiles);
     co_return CorvantaSdkVideoNoiseCancellationResult{*output};
+}
+
+void CorvantaNoiseCancellationEngine::enterProcessing() {
+    State before = state_;
+    do {
+        if (before == State::initial || before == State::unknown) {
+            throw Error(Error::configurationError);
+        }
+        if (before == State::processing) {
+            throw Error(Error::processingInProgress);
+        }
+    } while (!state_.compare_exchange_weak(before, State::processing));
 }
 
 Task<> CorvantaNoiseCancellationEngine::clean(URL input, URL output, std::vector<URL>& processedFiles) {
@@ -164,25 +203,30 @@ Task<URL> CorvantaNoiseCancellationEngine::extractAudioForFile(URL at) {
     co_return audio;
 }
 
-Task<URL> CorvantaNoiseCancellationEngine::cleanAudio(URL, URL audioFileURL) {
+Task<URL> CorvantaNoiseCancellationEngine::cleanAudio(URL fileURL, URL audioFileURL) {
     // The instance of an engine that has run is gone, and one that is there is another engine's.
     if (!ownsLibrary_) {
         throw Error(Error::configurationError);
     }
-    const URL cleanedURL = Directories::temporaryFile("caf");
-    try {
-        Cleaning cleaning(audioFileURL, cleanedURL);
-        const auto executor = co_await boost::asio::this_coro::executor;
-        while (cleaning.cleanFrames(framesPerTurn)) {
-            co_await boost::asio::post(executor, boost::asio::use_awaitable);
+    struct Unfinished {
+        const CorvantaFileProcessor& files;
+        const URL url;
+        bool finished = false;
+        ~Unfinished() {
+            if (!finished) {
+                files.removeFile(url);
+            }
         }
-        ownsLibrary_ = false;
-        cleaning.end();
-    } catch (const std::exception&) {
-        fileProcessor_.removeFile(cleanedURL);
-        throw;
+    } cleaned{fileProcessor_, Directories::temporaryFile("caf")};
+    Cleaning cleaning(fileURL, audioFileURL, cleaned.url);
+    const auto executor = co_await boost::asio::this_coro::executor;
+    while (cleaning.cleanFrames(framesPerTurn)) {
+        co_await boost::asio::post(executor, boost::asio::use_awaitable);
     }
-    co_return cleanedURL;
+    ownsLibrary_ = false;
+    cleaning.end();
+    cleaned.finished = true;
+    co_return cleaned.url;
 }
 
 void CorvantaNoiseCancellationEngine::initialize() {

@@ -43,6 +43,7 @@ class CorvantaNoiseCancellationEngine : public CorvantaSdkVideoNoiseCancellation
 
     static Task<CorvantaSdkVideoNoiseCancellationResult> run(Self self, CorvantaSdkVideoFile file,
                                                              CorvantaSdkVideoFileDescriptor location);
+    void enterProcessing();
     Task<> clean(URL input, URL output, std::vector<URL>& processedFiles);
     Task<URL> cleanAudio(URL fileURL, URL audioFileURL);
 

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 #include <iostream>
 #include <iterator>
 #include <utility>
@@ -25,9 +24,7 @@ unsigned samplesPerFrame(unsigned sampleRate, unsigned frameDuration) {
 }
 
 std::string modelPath(const std::string& modelName) {
-    const std::filesystem::path name(modelName);
-    const auto found = Bundle::pathForResource(name.stem().string(), name.extension().string().substr(1));
-    return found.value_or((Bundle::resourceDirectory() / name).string());
+    return Bundle::pathForResource(modelName, {}).value_or(Bundle::resourceDirectory() + "/" + modelName);
 }
 
 } // namespace
@@ -81,12 +78,16 @@ void CorvantaNoiseProcessor::startSession() {
 void CorvantaNoiseProcessor::process(const PCMBuffer& bufferIn, PCMBuffer& bufferOut) {
     const auto* floatIn = bufferIn.floatChannelData();
     const auto* int16In = bufferIn.int16ChannelData();
+    // A buffer that is too short for a frame is told as it is, so that the library refuses it.
+    const auto frameIn = [this](const auto& buffer) {
+        return static_cast<unsigned>(std::min<std::size_t>(buffer.size(), bufferSize_));
+    };
     if (auto* floatOut = bufferOut.floatChannelData(); floatIn != nullptr && floatOut != nullptr) {
-        talvoAudioNcCleanAmbientNoiseFloat(sessionId_, floatIn->data(), bufferSize_, floatOut->data(),
-                                           bufferSize_);
+        talvoAudioNcCleanAmbientNoiseFloat(sessionId_, floatIn->data(), frameIn(*floatIn), floatOut->data(),
+                                           frameIn(*floatOut));
     } else if (auto* int16Out = bufferOut.int16ChannelData(); int16In != nullptr && int16Out != nullptr) {
-        talvoAudioNcCleanAmbientNoiseInt16(sessionId_, int16In->data(), bufferSize_, int16Out->data(),
-                                           bufferSize_);
+        talvoAudioNcCleanAmbientNoiseInt16(sessionId_, int16In->data(), frameIn(*int16In), int16Out->data(),
+                                           frameIn(*int16Out));
     } else {
         std::cout << "Only PCM float32 & int16 are supported, please contact to ZEL team for support\n"
                   << std::flush;

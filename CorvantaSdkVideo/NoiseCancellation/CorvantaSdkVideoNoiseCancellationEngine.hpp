@@ -18,12 +18,15 @@ class CorvantaSdkVideoNoiseCancellationEngine {
     /// Writes a new video whose sound is freed from noise; the sound becomes mono. The location gets the
     /// input's extension, what lies there is MPEG-4. An engine serves one run, and only one engine at a time
     /// can be made: the next one works when this one has run or is gone. A running task keeps its engine
-    /// alive.
+    /// alive. Sound and picture stay together, but for the model's delay of 31 ms. Cancelling the task (an
+    /// Asio cancellation of type terminal) ends a run at its next step or second of sound; what ffmpeg does
+    /// at that moment is stopped with its session. Temporary files go in every case.
     ///
     /// Throws `unableToProcessOutput` (no location, or the sound can't be put back), `configurationError`
     /// (another engine is alive, this one has run, or the model can't be loaded), `processingInProgress`,
     /// `userNotAuthenticated`, `notFoundVideo`, `invalidFile`, `unableToProcessInput` (no sound to extract)
-    /// and `unableToProcessFile`. If writing the video itself fails, no error comes: look for the file.
+    /// and `unableToProcessFile`. If writing the video itself fails, no error comes: look for the file. If
+    /// writing the cleaned sound fails, as on a full disk, the process ends.
     virtual Task<CorvantaSdkVideoNoiseCancellationResult>
     clearNoiseForFile(CorvantaSdkVideoFile input, CorvantaSdkVideoFileDescriptor output) = 0;
 };

@@ -23,8 +23,10 @@ bool isWritableBare(const URL& url) {
     return reachesPath && isFileName(path) && path.find('\0') == std::string::npos;
 }
 
-void require(bool areWritable) {
-    if (!areWritable) {
+// ffmpeg knows an output that is its input by the name alone; under another name it would empty the file
+// before it has read it.
+void require(bool areWritable, const URL& inputPath, const URL& outputPath) {
+    if (!areWritable || FileManager::isSameFile(inputPath.path(), outputPath.path())) {
         throw PlatformError(FFmpegKitConfig::sessionStateToString(SessionState::failed).value_or(""),
                             ReturnCode::notStarted);
     }
@@ -55,7 +57,8 @@ Task<> TracksManager::addVideoTrack(URL inputPath, URL outputPath, std::int64_t 
                                     std::int64_t height) const {
     const URL temporary = temporaryURL();
     require(isWritableQuoted(inputPath.path()) && isWritableQuoted(temporary.path()) &&
-            isWritableQuoted(outputPath.path()));
+                isWritableQuoted(outputPath.path()),
+            inputPath, outputPath);
     std::string create = commandGenerator_.createVideoTrackCommand(temporary, duration, width, height);
     std::string add =
         commandGenerator_.generateAddVideoTrackCommand(inputPath.path(), temporary.path(), outputPath.path());
@@ -65,7 +68,8 @@ Task<> TracksManager::addVideoTrack(URL inputPath, URL outputPath, std::int64_t 
 Task<> TracksManager::addAudioTrack(URL inputPath, URL outputPath, std::int64_t duration) const {
     const URL temporary = temporaryURL();
     require(isWritableQuoted(inputPath.path()) && isWritableQuoted(temporary.path()) &&
-            isWritableQuoted(outputPath.path()));
+                isWritableQuoted(outputPath.path()),
+            inputPath, outputPath);
     std::string create = commandGenerator_.createAudioTrackCommand(temporary, duration);
     std::string add =
         commandGenerator_.generateAddAudioTrackCommand(inputPath.path(), temporary.path(), outputPath.path());
@@ -74,14 +78,14 @@ Task<> TracksManager::addAudioTrack(URL inputPath, URL outputPath, std::int64_t 
 
 Task<> TracksManager::removeVideoTrack(URL inputPath, URL outputPath) const {
     const auto executor = commandExecutor_;
-    require(isWritableQuoted(inputPath.path()) && isWritableQuoted(outputPath.path()));
+    require(isWritableQuoted(inputPath.path()) && isWritableQuoted(outputPath.path()), inputPath, outputPath);
     std::string command = commandGenerator_.generateRemoveVideoTrackCommand(inputPath, outputPath);
     co_await executor->executeFFMPEGCommand(std::move(command));
 }
 
 Task<> TracksManager::removeAudioTrack(URL inputPath, URL outputPath) const {
     const auto executor = commandExecutor_;
-    require(isWritableBare(inputPath) && isWritableBare(outputPath));
+    require(isWritableBare(inputPath) && isWritableBare(outputPath), inputPath, outputPath);
     std::string command = commandGenerator_.generateRemoveAudioTrackCommand(inputPath, outputPath);
     co_await executor->executeFFMPEGCommand(std::move(command));
 }

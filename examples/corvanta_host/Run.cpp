@@ -1,5 +1,6 @@
 #include "Run.hpp"
 
+#include <boost/asio/bind_cancellation_slot.hpp>
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/signal_set.hpp>
@@ -9,7 +10,8 @@
 
 namespace asio = boost::asio;
 
-void runInterruptible(corvanta::Task<> task, std::function<void()> onInterrupt) {
+void runInterruptible(corvanta::Task<> task, std::function<void()> onInterrupt,
+                      asio::cancellation_slot stop) {
     asio::io_context context(1);
     asio::signal_set signals(context, SIGINT, SIGTERM);
     signals.async_wait([&](const boost::system::error_code& error, int) {
@@ -25,7 +27,8 @@ void runInterruptible(corvanta::Task<> task, std::function<void()> onInterrupt) 
         } const stopWaiting{waiting};
         co_await std::move(inner);
     };
-    auto ended = asio::co_spawn(context, whole(std::move(task), signals), asio::use_future);
+    auto ended = asio::co_spawn(context, whole(std::move(task), signals),
+                                asio::bind_cancellation_slot(stop, asio::use_future));
     context.run();
     ended.get();
 }

@@ -13,6 +13,8 @@
 
 #include <set>
 
+#include <sys/stat.h>
+
 namespace corvanta::test {
 namespace {
 
@@ -197,6 +199,9 @@ TEST(FileDescriptorTest, Locations) {
     EXPECT_FALSE(std::filesystem::exists(made.path()));
     CorvantaSdkVideoUtils::deleteFileIfExists(made);
     CorvantaSdkVideoUtils::createEmptyFile(URL::fromFilePath("/no/such/directory/x"));
+    // A pipe without a reader must not be waited for.
+    ASSERT_EQ(mkfifo(made.path().c_str(), 0600), 0);
+    CorvantaSdkVideoUtils::createEmptyFile(made);
 }
 
 TEST(EntryTest, BuildsTheModuleOnceAndSaysSo) {

@@ -10,22 +10,22 @@ using testing::ElementsAre;
 
 // The passes are compared with the reference through the interface; here stands what that can't show.
 
-struct Params {
+struct PassParams {
     std::vector<Matrix> weight_wl, weight_wnl;
     std::vector<std::vector<float>> weight_bl, weight_bnl, weight_headenMultiplier, weight_headenReducer;
     Matrix weight_wgru{2, 1, {0, 0}};
     std::vector<float> weight_bgru{0};
 };
 
-Params outputLayerOnly() {
-    Params params;
+PassParams outputLayerOnly() {
+    PassParams params;
     params.weight_wnl = {Matrix(2, 1, {100, -100})};
     params.weight_bnl = {{0}};
     return params;
 }
 
 TEST(GatedPass, WithoutHiddenLayersNeverChangesItsState) {
-    Params const params = outputLayerOnly();
+    PassParams const params = outputLayerOnly();
     PassBuffers buffers;
     std::vector<float> state{0.5f};
     for (auto const& [input, output] : {std::pair{0.5f, 0.5f}, {50.0f, 0.0f}, {-50.0f, 1.0f}}) {
@@ -41,7 +41,7 @@ TEST(PassesDeathTest, EndOnSizesThatDontFit) {
     std::vector<float> state{0.5f};
     std::vector<float> two{1, 2};
     std::vector<float> one{1};
-    Params params = outputLayerOnly();
+    PassParams params = outputLayerOnly();
     EXPECT_DEATH(
         calcRMForwardProp_GRU_Modify(state, two, params, buffers),
         "params.weight_wgru.rowSize\\(\\) == inOut.size\\(\\) && params.weight_wgru.colSize\\(\\) == "

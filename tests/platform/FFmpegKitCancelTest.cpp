@@ -12,7 +12,6 @@
 namespace corvanta::test {
 namespace {
 
-constexpr const char* ffmpegVariable = "CORVANTA_FFMPEG";
 constexpr const char* waiting = "echo ready >&2\nexec sleep 1000\n";
 
 TEST(FFmpegKitCancelTest, AtOnce) {

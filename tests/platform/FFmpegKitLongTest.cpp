@@ -12,7 +12,6 @@
 namespace corvanta::test {
 namespace {
 
-constexpr const char* ffmpegVariable = "CORVANTA_FFMPEG";
 
 TEST(FFmpegKitLongTest, AChildThatIgnoresTheSignalIsKilledInTheEnd) {
     const FakeProgram fake(ffmpegVariable, "trap '' TERM\necho ready >&2\nwhile :; do sleep 600; done\n");

@@ -23,7 +23,6 @@ namespace {
 
 using testing::ElementsAre;
 
-constexpr const char* ffmpegVariable = "CORVANTA_FFMPEG";
 constexpr const char* ffprobeVariable = "CORVANTA_FFPROBE";
 
 TEST(FFmpegKitTest, ReturnCodes) {
@@ -199,8 +198,7 @@ TEST(FFmpegKitTest, EndlessOutputIsDrainedAndNotKept) {
     }
     const SessionProbe probe("", Tool::ffprobe);
     ASSERT_EQ(probe.wait(), 0);
-    EXPECT_GE(probe.output().size(), Session::outputLimit);
-    EXPECT_LT(probe.output().size(), Session::outputLimit + megabyte);
+    EXPECT_EQ(probe.output().size(), Session::outputLimit);
 }
 
 TEST(FFmpegKitTest, GrandchildThatKeepsThePipesOpenHoldsNothingUp) {

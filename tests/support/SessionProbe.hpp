@@ -13,6 +13,8 @@
 
 namespace corvanta::test {
 
+inline constexpr const char* ffmpegVariable = "CORVANTA_FFMPEG";
+
 enum class Tool { ffmpeg, ffprobe };
 
 /// Starts one session and collects what its callbacks bring.

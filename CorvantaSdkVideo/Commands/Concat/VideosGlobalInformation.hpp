@@ -28,9 +28,7 @@ class VideosGlobalInformation {
     const std::unordered_set<std::string>& videoCodecs() const { return videoCodecs_; }
     const std::unordered_set<std::string>& audioCodecs() const { return audioCodecs_; }
     const std::unordered_set<double>& audioSampleRates() const { return audioSampleRates_; }
-    const std::unordered_set<CorvantaSdkVideoFrameRate::Value>& framesPerRate() const {
-        return framesPerRate_;
-    }
+    const std::unordered_set<CorvantaSdkVideoFrameRate>& framesPerRate() const { return framesPerRate_; }
 
   private:
     std::unordered_set<VideoSize> portraitSizes_;
@@ -41,7 +39,7 @@ class VideosGlobalInformation {
     std::unordered_set<std::string> videoCodecs_;
     std::unordered_set<std::string> audioCodecs_;
     std::unordered_set<double> audioSampleRates_;
-    std::unordered_set<CorvantaSdkVideoFrameRate::Value> framesPerRate_;
+    std::unordered_set<CorvantaSdkVideoFrameRate> framesPerRate_;
 };
 
 } // namespace corvanta

@@ -12,20 +12,18 @@ namespace corvanta {
 
 namespace {
 
-using nlohmann::json;
-
-const json* member(const json& object, const char* key) {
+const nlohmann::json* member(const nlohmann::json& object, const char* key) {
     const auto found = object.find(key);
     return found != object.end() ? &*found : nullptr;
 }
 
-std::string text(const json& object, const char* key, const char* fallback = "") {
-    const json* value = member(object, key);
+std::string text(const nlohmann::json& object, const char* key, const char* fallback = "") {
+    const nlohmann::json* value = member(object, key);
     return value != nullptr && value->is_string() ? value->get<std::string>() : fallback;
 }
 
-std::optional<std::int64_t> optionalInteger(const json& object, const char* key) {
-    const json* value = member(object, key);
+std::optional<std::int64_t> optionalInteger(const nlohmann::json& object, const char* key) {
+    const nlohmann::json* value = member(object, key);
     if (value == nullptr || !value->is_number_integer() ||
         (value->is_number_unsigned() &&
          value->get<std::uint64_t>() >
@@ -35,7 +33,9 @@ std::optional<std::int64_t> optionalInteger(const json& object, const char* key)
     return value->get<std::int64_t>();
 }
 
-std::int64_t integer(const json& object, const char* key) { return optionalInteger(object, key).value_or(0); }
+std::int64_t integer(const nlohmann::json& object, const char* key) {
+    return optionalInteger(object, key).value_or(0);
+}
 
 // Converts a whole text or gives 0; "inf", "nan" and what is too large for a double convert.
 double toDouble(const std::string& text) {
@@ -64,27 +64,27 @@ std::int64_t toInteger(const std::string& text) {
     return last == end && error == std::errc() ? value : 0;
 }
 
-double duration(const json& object) { return toDouble(text(object, "duration", "0")); }
+double duration(const nlohmann::json& object) { return toDouble(text(object, "duration", "0")); }
 
-bool isListOfObjects(const json* value) {
+bool isListOfObjects(const nlohmann::json* value) {
     return value != nullptr && value->is_array() &&
-           std::ranges::all_of(*value, [](const json& entry) { return entry.is_object(); });
+           std::ranges::all_of(*value, [](const nlohmann::json& entry) { return entry.is_object(); });
 }
 
 // The last entry that states a rotation wins.
-std::int64_t rotation(const json& stream) {
+std::int64_t rotation(const nlohmann::json& stream) {
     std::int64_t degrees = 0;
-    if (const json* entries = member(stream, "side_data_list"); isListOfObjects(entries)) {
-        for (const json& entry : *entries) {
+    if (const nlohmann::json* entries = member(stream, "side_data_list"); isListOfObjects(entries)) {
+        for (const nlohmann::json& entry : *entries) {
             degrees = optionalInteger(entry, "rotation").value_or(degrees);
         }
     }
     return degrees;
 }
 
-std::vector<CorvantaSdkVideoTrackInformation> mapVideoTracks(const json& streams) {
+std::vector<CorvantaSdkVideoTrackInformation> mapVideoTracks(const nlohmann::json& streams) {
     std::vector<CorvantaSdkVideoTrackInformation> tracks;
-    for (const json& stream : streams) {
+    for (const nlohmann::json& stream : streams) {
         if (text(stream, "codec_type") == "video") {
             tracks.emplace_back(integer(stream, "index"), integer(stream, "width"), integer(stream, "height"),
                                 text(stream, "codec_name"), text(stream, "codec_tag_string"),
@@ -96,9 +96,9 @@ std::vector<CorvantaSdkVideoTrackInformation> mapVideoTracks(const json& streams
     return tracks;
 }
 
-std::vector<CorvantaSdkVideoAudioTrackInformation> mapAudioTracks(const json& streams) {
+std::vector<CorvantaSdkVideoAudioTrackInformation> mapAudioTracks(const nlohmann::json& streams) {
     std::vector<CorvantaSdkVideoAudioTrackInformation> tracks;
-    for (const json& stream : streams) {
+    for (const nlohmann::json& stream : streams) {
         if (text(stream, "codec_type") == "audio") {
             tracks.push_back({.index = integer(stream, "index"),
                               .codec = text(stream, "codec_name"),
@@ -117,12 +117,12 @@ std::vector<CorvantaSdkVideoAudioTrackInformation> mapAudioTracks(const json& st
 } // namespace
 
 std::optional<ProbeOutput> parseProbeOutput(std::string_view output) {
-    const json root = json::parse(output, nullptr, false);
+    const nlohmann::json root = nlohmann::json::parse(output, nullptr, false);
     if (!root.is_object()) {
         return std::nullopt;
     }
-    const json* format = member(root, "format");
-    const json* streams = member(root, "streams");
+    const nlohmann::json* format = member(root, "format");
+    const nlohmann::json* streams = member(root, "streams");
     if (format == nullptr || !format->is_object() || !isListOfObjects(streams)) {
         return std::nullopt;
     }

@@ -58,7 +58,6 @@ class BuildersTest : public ::testing::Test {
     const std::shared_ptr<WatchingStore> store_ = std::make_shared<WatchingStore>();
 };
 
-constexpr auto types = {Type::concat, Type::merge, Type::encode};
 
 TEST_F(BuildersTest, StoreWhatTheyBuildAndLeaveThePlaceEmpty) {
     const std::string documents = bench_.directory.file("data/corvanta-sdk-video/documents/");

@@ -5,13 +5,14 @@
 #include <CorvantaSdkVideo/Commands/Encoding/CorvantaSdkVideoVideoEncoderEngine.hpp>
 #include <CorvantaSdkVideo/Commands/Merge/CorvantaSdkVideoMergeEngine.hpp>
 
-#include "support/ScriptedExecutor.hpp"
 #include "support/InMemoryVideoStore.hpp"
 #include "support/Processes.hpp"
 #include "support/RecordedLog.hpp"
 #include "support/ScopedVariable.hpp"
+#include "support/ScriptedExecutor.hpp"
 
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -23,6 +24,7 @@ namespace corvanta::test {
 
 using RequestPointer = std::shared_ptr<CorvantaSdkVideoRequest>;
 using Type = CorvantaSdkVideoRequest::Type;
+inline constexpr std::array types = {Type::concat, Type::merge, Type::encode};
 using Stored = LocalVideoRequest::Status;
 
 inline std::string statusName(Stored status) {

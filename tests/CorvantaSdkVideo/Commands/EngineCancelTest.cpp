@@ -11,7 +11,6 @@ namespace {
 using namespace test;
 namespace asio = boost::asio;
 
-constexpr auto types = {Type::concat, Type::merge, Type::encode};
 
 TEST(EngineCancel, DependsOnTheRowAlone) {
     struct Case {

@@ -49,10 +49,12 @@ Task<CorvantaSdkVideoEditorResult> FakeEditor::edit(CorvantaSdkVideoEditorInput 
 Task<URL> FakeEditor::getThumbnailForVideo(URL, double interval, std::optional<std::int64_t> width,
                                            std::optional<std::int64_t> height) {
     std::size_t index = 0;
+    std::string path;
     {
         const std::lock_guard lock(mutex_);
         index = thumbnailCalls_.size();
-        thumbnailCalls_.push_back({interval, width, height});
+        path = directory_.file(std::to_string(index) + ".png");
+        thumbnailCalls_.push_back({interval, width, height, path});
     }
     if (gate.valid() && index == 1) {
         gate.wait();
@@ -60,7 +62,6 @@ Task<URL> FakeEditor::getThumbnailForVideo(URL, double interval, std::optional<s
     if (failingThumbnail == index) {
         throw CorvantaSdkVideoError(CorvantaSdkVideoError::trimFailed);
     }
-    const std::string path = directory_.file(std::to_string(index) + ".png");
     if (unreadableThumbnail != index) {
         QImage image(4, 4, QImage::Format_RGB32);
         image.fill(QColor(static_cast<int>(index), 0, 0));
@@ -79,21 +80,7 @@ std::vector<FakeEditor::ThumbnailCall> FakeEditor::thumbnailCalls() const {
     return thumbnailCalls_;
 }
 
-void RecordingLog::addLog(const SharedCorvantaSdkLog& record) {
-    const std::lock_guard lock(mutex_);
-    messages_.push_back(record.message);
-}
-
-std::vector<std::string> RecordingLog::take() {
-    const std::lock_guard lock(mutex_);
-    return std::exchange(messages_, {});
-}
-
-EditorFixture::EditorFixture() {
-    setenv("XDG_DATA_HOME", directory_.file("data").c_str(), 1);
-    SharedCorvantaSdkCommonKt::sdk_common().setLog(log_);
-    SharedCorvantaSdkCommonKt::sdk_common().setAuth(std::make_shared<SharedCorvantaSdkFixedAuth>(true));
-}
+EditorFixture::EditorFixture() { setenv("XDG_DATA_HOME", directory_.file("data").c_str(), 1); }
 
 void EditorFixture::useRealEditor() { editor_ = std::make_shared<CorvantaSdkVideoEditorImplementation>(); }
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "support/MediaFixtures.hpp"
+#include "support/RecordedLog.hpp"
 
 #include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorViewModel.hpp>
-#include <platform/SharedCorvantaSdkCommon.hpp>
 
 #include <gtest/gtest.h>
 
@@ -46,6 +46,7 @@ class FakeEditor : public CorvantaSdkVideoEditor {
         double interval;
         std::optional<std::int64_t> width;
         std::optional<std::int64_t> height;
+        std::string picture;
     };
     std::vector<CorvantaSdkVideoEditorInput> edits() const;
     std::vector<ThumbnailCall> thumbnailCalls() const;
@@ -62,17 +63,6 @@ class FakeEditor : public CorvantaSdkVideoEditor {
     std::vector<CorvantaSdkVideoEditorInput> edits_;
     std::vector<ThumbnailCall> thumbnailCalls_;
     TemporaryDirectory directory_;
-};
-
-class RecordingLog : public SharedCorvantaSdkLogSink {
-  public:
-    void addLog(const SharedCorvantaSdkLog& record) override;
-    /// The messages since the last call.
-    std::vector<std::string> take();
-
-  private:
-    std::mutex mutex_;
-    std::vector<std::string> messages_;
 };
 
 /// A view model on a real file with a fake player and, unless `useRealEditor` is called, a fake editor.
@@ -96,7 +86,7 @@ class EditorFixture : public testing::Test {
     }
 
     TemporaryDirectory directory_;
-    std::shared_ptr<RecordingLog> log_ = std::make_shared<RecordingLog>();
+    RecordedLog log_;
     std::shared_ptr<FakeEditor> fakeEditor_ = std::make_shared<FakeEditor>();
     std::shared_ptr<CorvantaSdkVideoEditor> editor_ = fakeEditor_;
     std::vector<CorvantaSdkVideoEditorResult> results_;

@@ -55,18 +55,14 @@ TEST_F(PlaybackModelTest, SetsTheVolumeByTheBar) {
     };
     for (const Case& c : std::vector<Case>{{96, 5, 96},
                                            {3, 1, 189},
-                                           {3, -1, 192},
                                            {4, -1, 192},
                                            {4.5, -1, 187.5},
                                            {4, 0, 188},
                                            {179.5, 1, 12.5},
-                                           {180, -1, 12},
-                                           {180, 0, 12},
                                            {180, 1, 0},
-                                           {0, 1, 192},
-                                           {191.5, -1, 0.5},
-                                           {192, 1, 0.5},
-                                           {-0.5, -1, 0.5}}) {
+                                           {180, -1, 12},
+                                           {192, 1, 12},
+                                           {-0.5, -1, 12}}) {
         SCOPED_TRACE(std::to_string(c.y) + " moved by " + std::to_string(c.movement));
         dragVolume(c.y, c.movement);
         EXPECT_EQ(model_->volumeHeight(), c.height);

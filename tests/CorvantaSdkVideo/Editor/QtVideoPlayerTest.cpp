@@ -112,15 +112,6 @@ TEST_F(QtVideoPlayerTest, TakesWhatIsAskedOfItBeforeTheFileIsLoaded) {
     EXPECT_THAT(observed_, testing::Each(testing::Ge(2)));
 }
 
-TEST_F(QtVideoPlayerTest, IgnoresAFileThatIsNoVideo) {
-    const std::string path = directory_.file("absent.mp4");
-    open(path);
-    player_->play();
-    player_->seek(1);
-    player_->pause();
-    EXPECT_EQ(player_->volume(), 1.0F);
-}
-
 TEST(QtVideoPlayerDeathTest, SaysWhatIsMissingInsteadOfCrashing) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     EXPECT_EXIT(

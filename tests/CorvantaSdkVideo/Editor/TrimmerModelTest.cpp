@@ -13,7 +13,6 @@ namespace {
 
 using test::Clip;
 using test::makeClip;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 class TrimmerModelTest : public test::EditorFixture {
@@ -53,8 +52,7 @@ TEST_F(TrimmerModelTest, LaysOutTheStripAndReadsTheFile) {
     open(clip);
     EXPECT_EQ(model_->trimmerSize(), QSizeF(0, 0));
     EXPECT_EQ(model_->trimmerBorderColor(), QColor::fromRgbF(0.3804F, 0.3804F, 0.3804F));
-    EXPECT_EQ(model_->thumbnails().size(), 8);
-    EXPECT_EQ(readyThumbnails(), 0);
+    EXPECT_EQ(model_->thumbnails(), QList<QImage>(8));
     EXPECT_EQ(model_->trimmerRange(), "");
 
     model_->setupTrimmer(QSizeF(375, 600));
@@ -69,7 +67,6 @@ TEST_F(TrimmerModelTest, LaysOutTheStripAndReadsTheFile) {
     EXPECT_EQ(model_->stopAt(), 0);
     EXPECT_EQ(model_->trimmerRange(), "00:00 - 00:00");
 
-    model_->setupTrimmer(QSizeF(375, 600));
     ASSERT_TRUE(eventually([&] { return readyThumbnails() == 8; }));
     const double duration = AssetReader(URL::fromFilePath(clip)).duration();
     EXPECT_EQ(model_->videoDuration(), duration);
@@ -79,20 +76,16 @@ TEST_F(TrimmerModelTest, LaysOutTheStripAndReadsTheFile) {
     EXPECT_EQ(model_->videoResolution(), QSizeF(120, 160));
     EXPECT_EQ(model_->videoOrientation(), Orientation::portrait);
     EXPECT_EQ(model_->currentRotation(), -90);
-}
 
-TEST_F(TrimmerModelTest, AsksForEightThumbnailsFromTheEnd) {
-    openAndLayOut(makeClip({.seconds = 2}));
-    ASSERT_TRUE(eventually([&] { return readyThumbnails() == 8; }));
     const auto calls = fakeEditor_->thumbnailCalls();
     ASSERT_EQ(calls.size(), 8U);
     for (std::size_t index = 0; index < calls.size(); ++index) {
-        EXPECT_DOUBLE_EQ(calls[index].interval,
-                         model_->videoDuration() * (1 - static_cast<double>(index) / 8));
+        EXPECT_DOUBLE_EQ(calls[index].interval, duration * (1 - static_cast<double>(index) / 8));
         EXPECT_EQ(calls[index].width, 45);
         EXPECT_EQ(calls[index].height, 64);
         EXPECT_EQ(model_->thumbnails().at(static_cast<qsizetype>(index)).pixelColor(0, 0).red(),
                   static_cast<int>(index));
+        EXPECT_TRUE(std::filesystem::exists(calls[index].picture)) << "a file outside the documents";
     }
 }
 
@@ -151,7 +144,7 @@ TEST_F(TrimmerModelTest, FollowsEachPartOfTheFrame) {
     }
 }
 
-TEST_F(TrimmerModelTest, LightsUpAtTheFirstDragInsideTheStrip) {
+TEST_F(TrimmerModelTest, LightsUpAtTheFirstDragInsideTheStripAndStaysLit) {
     openAndLayOut(makeClip({.seconds = 2}));
     for (const auto& [x, y] :
          std::vector<std::pair<double, double>>{{-1, 30}, {60, -0.5}, {60, 64}, {343, 30}, {NAN, 30}}) {
@@ -163,8 +156,15 @@ TEST_F(TrimmerModelTest, LightsUpAtTheFirstDragInsideTheStrip) {
     drag(100);
     EXPECT_TRUE(model_->isTrimmerRangeVisible());
     EXPECT_EQ(model_->trimmerBorderColor(), QColor::fromRgbF(1.0F, 0.7569F, 0.0275F));
-    model_->setupTrimmer(QSizeF(375, 600));
+
+    drag(60);
+    const double start = model_->trimmerStart();
+    EXPECT_GT(start, 0);
+    model_->setupTrimmer(QSizeF(320, 600));
     EXPECT_TRUE(model_->isTrimmerRangeVisible());
+    EXPECT_EQ(model_->trimmerSize(), QSizeF(288, 64));
+    EXPECT_EQ(model_->leftEdgePosition(), 12);
+    EXPECT_EQ(model_->trimmerStart(), start) << "which only drags change";
 }
 
 TEST_F(TrimmerModelTest, HoldsItsBoundsInDragsAlongTheWholeStrip) {

@@ -178,8 +178,20 @@ TEST(CredentialsManagerTest, OnlyAPlainNoIsLogged) {
         EXPECT_EQ(CorvantaCredentialsManagerImp().isUserAuthenticated(), expected.allowed);
         EXPECT_EQ(log.take(), expected.lines);
     }
+    class ThrowingAuth : public SharedCorvantaSdkAuth {
+        std::optional<bool> isAuthenticated(std::error_code&) override { throw std::runtime_error("down"); }
+    };
+    RecordedLog log(std::make_shared<ThrowingAuth>());
+    EXPECT_FALSE(CorvantaCredentialsManagerImp().isUserAuthenticated());
+    EXPECT_EQ(log.take(), std::vector<std::string>());
+
+    SharedCorvantaSdkCommon common;
+    common.setAuth(std::make_shared<SharedCorvantaSdkFixedAuth>(true));
+    common.setAuth(nullptr);
+    common.setLog(nullptr);
     std::error_code error;
-    EXPECT_FALSE(SharedCorvantaSdkCommon().auth()->isAuthenticated(error).value());
+    EXPECT_FALSE(common.auth()->isAuthenticated(error).value());
+    EXPECT_NE(common.log(), nullptr);
 }
 
 } // namespace

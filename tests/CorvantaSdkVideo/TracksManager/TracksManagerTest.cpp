@@ -200,6 +200,20 @@ TEST_F(TracksManagerTest, RefusesPathsThatACommandCannotCarry) {
         EXPECT_EQ(errorOf(manager_.removeAudioTrack(url, good)), notStarted);
         EXPECT_EQ(errorOf(manager_.removeAudioTrack(fileURL(clip), url)), notStarted);
     }
+    // ffmpeg would not know its input again under a second name.
+    const std::string input = directory_.file("input.mp4");
+    std::filesystem::copy_file(clip, input);
+    std::filesystem::create_hard_link(input, directory_.file("hard.mp4"));
+    std::filesystem::create_symlink(input, directory_.file("soft.mp4"));
+    for (const char* name : {"input.mp4", "hard.mp4", "soft.mp4", "./input.mp4"}) {
+        SCOPED_TRACE(name);
+        const URL again = fileURL(directory_.file(name));
+        EXPECT_EQ(errorOf(manager_.addVideoTrack(fileURL(input), again, 500, 64, 64)), notStarted);
+        EXPECT_EQ(errorOf(manager_.addAudioTrack(fileURL(input), again, 500)), notStarted);
+        EXPECT_EQ(errorOf(manager_.removeVideoTrack(fileURL(input), again)), notStarted);
+        EXPECT_EQ(errorOf(manager_.removeAudioTrack(fileURL(input), again)), notStarted);
+    }
+    EXPECT_EQ(contentsOf(input), contentsOf(clip));
     EXPECT_EQ(executor_->runs, 0);
     EXPECT_EQ(contentsOf(plain), "kept");
 

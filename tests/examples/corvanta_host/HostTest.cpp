@@ -1,9 +1,12 @@
+#include "support/DecodedMedia.hpp"
 #include "support/Processes.hpp"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
 #include <csignal>
+#include <filesystem>
+#include <optional>
 
 namespace corvanta::test {
 namespace {
@@ -86,6 +89,72 @@ TEST(HostTest, Thumbnails) {
     EXPECT_EQ(probed(directory.file("frame.jpg")).videoSize.height, 60);
     EXPECT_EQ(runHost({"thumbnail", clip, directory.file("percent%20%"), "--at=0"}).output,
               directory.file("percent%20%.jpg\n"));
+}
+
+TEST(HostTest, Edits) {
+    const TemporaryDirectory directory;
+    const Program::Options there{.workingDirectory = directory.path()};
+    const std::string clip = makeClip({.seconds = 2, .sounds = {{.frequency = 400}}, .rotation = -90});
+    const std::string silent = makeClip({.seconds = 2, .sounds = {}});
+    const std::string sound =
+        makeClip({.seconds = 2, .pictures = {}, .container = "m4a", .codecs = "-c:a aac"});
+    const std::string vp8 =
+        makeClip({.container = "webm", .codecs = "-c:v libvpx -deadline realtime -c:a libvorbis"});
+    struct Case {
+        std::string file;
+        std::vector<std::string> options;
+        std::int64_t millis;
+        std::int64_t rotation;
+        bool hasPicture;
+        /// As a factor of the source's; absent without sound.
+        std::optional<double> loudness;
+    };
+    const double loud = decodedSound(clip).amplitude(400, 0.5);
+    for (const Case& expected : std::vector<Case>{
+             {clip, {"--start", "0", "--end", "2", "--volume", "2"}, 2000, 0, true, 2},
+             {clip, {"--start=1", "--end=1.5", "--rotate=90"}, 500, -90, true, 1},
+             {clip, {"--end", "1", "--start", "0", "--rotate", "-90", "--volume", "0"}, 1000, 90, true, 0},
+             {silent, {"--start", "0", "--end", "1", "--rotate", "180"}, 1000, -180, true, {}},
+             {sound, {"--start", "0.5", "--end", "2"}, 1500, 0, false, {}},
+         }) {
+        const std::string written = directory.file("an edit.mp4");
+        std::vector<std::string> arguments = {"--json", "edit", "an edit", expected.file};
+        arguments.insert(arguments.end(), expected.options.begin(), expected.options.end());
+        const Ended ended = runHost(arguments, there);
+        ASSERT_EQ(ended.status, 0) << ended.errors;
+        EXPECT_EQ(json::parse(ended.output), (json{{"editedVideoURL", directory.file("an%20edit.mp4")}}));
+        const CorvantaSdkVideoInformation information = probed(written);
+        EXPECT_NEAR(static_cast<double>(information.durationMillis), static_cast<double>(expected.millis),
+                    30);
+        EXPECT_EQ(information.rotation(), expected.rotation);
+        EXPECT_EQ(!information.videos.empty(), expected.hasPicture);
+        EXPECT_EQ(information.hasAudio(), expected.file != silent);
+        if (expected.loudness) {
+            EXPECT_NEAR(decodedSound(written).amplitude(400, 0.25) / loud, *expected.loudness, 0.03);
+        }
+        std::filesystem::remove(written);
+    }
+
+    const std::string own = directory.file("own");
+    std::filesystem::copy_file(clip, own + ".mp4");
+    for (const auto& [arguments, error] : std::vector<std::pair<std::vector<std::string>, std::string>>{
+             {{own, own + ".mp4", "--start", "0", "--end", "1"}, "trimFailed: Error editing video. "},
+             {{"x", vp8, "--start", "0", "--end", "0.5"}, "trimFailed: Error editing video. "},
+             {{"x", clip, "--start", "1", "--end", "1"}, "invalidTrimRange"},
+             {{"x", clip, "--start", "0", "--end", "60"}, "invalidTrimRange"},
+             {{"x", clip, "--start", "nan", "--end", "1"}, "invalidTrimRange"},
+             {{"x", "/no/such.mp4", "--start", "0", "--end", "1"}, "notFoundVideo"},
+             {{"x", clip, "--start", "0", "--end", "1", "--logged-out"}, "userNotAuthenticated: "},
+         }) {
+        std::vector<std::string> words = {"edit"};
+        words.insert(words.end(), arguments.begin(), arguments.end());
+        const Ended ended = runHost(words, there);
+        EXPECT_EQ(ended.status, 1);
+        EXPECT_EQ(ended.output, "");
+        EXPECT_THAT(ended.errors, StartsWith("corvanta_host: " + error));
+        EXPECT_TRUE(isOneLine(ended.errors)) << ended.errors;
+    }
+    EXPECT_EQ(readFile(own + ".mp4"), readFile(clip));
 }
 
 TEST(HostTest, FailuresAreOneLineWithTheCaseName) {

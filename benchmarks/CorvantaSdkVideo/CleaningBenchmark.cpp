@@ -1,0 +1,135 @@
+#include "support/MediaFixtures.hpp"
+#include "support/UserFolders.hpp"
+
+#include <CorvantaSdkVideo/CorvantaSdkVideo.hpp>
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <sys/resource.h>
+
+// Cleaning a long video beside what ffmpeg takes for copying its picture and cleaning its sound in its own
+// way. Both are mostly reading, decoding and writing.
+
+namespace corvanta {
+namespace {
+
+constexpr int rounds = 3;
+
+struct Cost {
+    // Seconds.
+    double wall;
+    double processor;
+};
+
+std::map<std::string, std::vector<Cost>> costs;
+
+const test::UserFolders& folders() {
+    static const test::UserFolders user;
+    return user;
+}
+
+void ffmpeg(std::string_view options, const std::string& output) {
+    std::vector<std::string> words = test::wordsOf(options);
+    words.insert(words.begin(), {"-v", "error", "-y"});
+    words.push_back(output);
+    test::runTool("ffmpeg", words);
+}
+
+// Ten minutes of 1080p at exactly 30 frames a second and 4 Mbit/s, with a noisy voice.
+const std::string& tenMinuteClip() {
+    static const std::string path = [] {
+        const std::string picture = folders().file("picture.mp4");
+        const std::string sound = folders().file("sound.m4a");
+        const std::string clip = folders().file("clip.mp4");
+        ffmpeg("-f lavfi -i testsrc2=s=1920x1080:r=30:d=10 -c:v libx264 -preset ultrafast -b:v 4M -g 30 "
+               "-pix_fmt yuv420p",
+               picture);
+        ffmpeg("-f lavfi -i flite=text=said_again_and_again:voice=slt,aloop=-1:2e9,atrim=0:600 "
+               "-f lavfi -i anoisesrc=c=pink:a=0.05:d=600:r=16000 -filter_complex "
+               "[0][1]amix=normalize=0,aresample=48000 -c:a aac -ac 2",
+               sound);
+        ffmpeg("-stream_loop 59 -i " + picture + " -i " + sound + " -c copy", clip);
+        return clip;
+    }();
+    return path;
+}
+
+double processorSeconds() {
+    double sum = 0;
+    for (const int who : {RUSAGE_SELF, RUSAGE_CHILDREN}) {
+        rusage usage{};
+        getrusage(who, &usage);
+        for (const timeval& time : {usage.ru_utime, usage.ru_stime}) {
+            sum += static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
+        }
+    }
+    return sum;
+}
+
+template <typename Work>
+void measure(benchmark::State& state, const std::string& name, const Work& work) {
+    for (auto _ : state) {
+        const double before = processorSeconds();
+        const auto start = std::chrono::steady_clock::now();
+        work();
+        const Cost cost{std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(),
+                        processorSeconds() - before};
+        state.SetIterationTime(cost.wall);
+        state.counters["user+sys_s"] = cost.processor;
+        costs[name].push_back(cost);
+    }
+}
+
+void cleaned(benchmark::State& state) {
+    measure(state, "cleaned", [] {
+        runBlocking(CorvantaSdkVideo->engine()->clearNoiseForFile(
+            CorvantaSdkVideoFile(URL::fromFilePath(tenMinuteClip())),
+            CorvantaSdkVideoFileDescriptor::custom(folders().file("cleaned"))));
+    });
+}
+
+void afftdn(benchmark::State& state) {
+    measure(state, "afftdn",
+            [] { ffmpeg("-i " + tenMinuteClip() + " -c:v copy -af afftdn", folders().file("afftdn.mp4")); });
+}
+
+double median(const std::string& name, double Cost::*part) {
+    std::vector<Cost>& all = costs.at(name);
+    std::ranges::sort(all, {}, part);
+    return all[all.size() / 2].*part;
+}
+
+} // namespace
+} // namespace corvanta
+
+int main(int argumentCount, char** arguments) {
+    using namespace corvanta;
+    benchmark::Initialize(&argumentCount, arguments);
+    SharedCorvantaSdkCommonKt::sdk_common().setAuth(std::make_shared<SharedCorvantaSdkFixedAuth>(true));
+    FFmpegKitConfig::setLogLevel("error");
+    tenMinuteClip();
+    // In turns, so that both meet the same machine.
+    for (int round = 0; round < rounds; ++round) {
+        for (const auto& [name, work] : {std::pair("cleaned", &cleaned), std::pair("afftdn", &afftdn)}) {
+            benchmark::RegisterBenchmark(name, work)
+                ->UseManualTime()
+                ->Iterations(1)
+                ->Unit(benchmark::kSecond);
+        }
+    }
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    if (costs.size() == 2) {
+        std::printf("cleaned / afftdn, medians: wall %.2f, user+sys %.2f\n",
+                    median("cleaned", &Cost::wall) / median("afftdn", &Cost::wall),
+                    median("cleaned", &Cost::processor) / median("afftdn", &Cost::processor));
+    }
+}

@@ -1,0 +1,51 @@
+#include "CorvantaSdkVideo/NoiseCancellation/CleaningRun.hpp"
+#include "support/Processes.hpp"
+
+#include <gmock/gmock.h>
+
+namespace corvanta::test {
+namespace {
+
+TEST(NoiseCancellationLongTest, EveryContainerLayoutAndRate) {
+    const CleaningRun run;
+    for (const std::string container : {"mp4", "mov", "mkv", "webm"}) {
+        for (const std::string layout : {"mono", "stereo", "5.1"}) {
+            for (const int sampleRate : {8000, 11025, 22050, 44100, 48000, 96000}) {
+                Clip clip{.sounds = {{.sampleRate = sampleRate, .layout = layout}}, .container = container};
+                if (container == "webm") {
+                    clip.codecs = "-c:v libvpx -deadline realtime -c:a libvorbis";
+                }
+                expectCleaned(run, clip);
+            }
+        }
+    }
+}
+
+// An hour more of sound must not cost memory.
+TEST(NoiseCancellationLongTest, TwoHoursTakeNoMoreMemoryThanTwoMinutes) {
+    const CleaningRun run;
+    const std::string minute = makeClip({.seconds = 60,
+                                         .pictures = {{.source = "color=c=red", .width = 64, .height = 64}},
+                                         .sounds = {{.layout = "mono"}}});
+    const auto peakFor = [&](int minutes) {
+        const std::string input = run.file("long.mp4");
+        runTool("ffmpeg", {"-v", "error", "-y", "-stream_loop", std::to_string(minutes - 1), "-i", minute,
+                           "-c", "copy", input});
+        resetPeakMemory();
+        const std::string output = run.clean(input, run.file("cleaned"));
+        const std::size_t peak = peakMemory();
+        EXPECT_NEAR(static_cast<double>(probed(output).durationMillis), minutes * 60000.0, minutes * 50.0);
+        return peak;
+    };
+    const std::size_t atTwoMinutes = peakFor(2);
+    const std::size_t atTwoHours = peakFor(120);
+    RecordProperty("peak_at_two_hours", std::to_string(atTwoHours));
+    std::printf("peak: %zu KiB after two minutes, %zu KiB after two hours\n", atTwoMinutes >> 10U,
+                atTwoHours >> 10U);
+    if (memoryIsOurs) {
+        EXPECT_LT(atTwoHours, atTwoMinutes + (4U << 20U));
+    }
+}
+
+} // namespace
+} // namespace corvanta::test

@@ -1,0 +1,154 @@
+#include "CorvantaSdkVideo/NoiseCancellation/CleaningRun.hpp"
+#include "support/DecodedMedia.hpp"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <cstring>
+
+namespace corvanta::test {
+namespace {
+
+constexpr int rate = 16000;
+const std::string h264 = "-c:v libx264 -preset ultrafast -bf 0 -g 30 -pix_fmt yuv420p -c:a aac";
+
+Sound sound(std::string layout, int sampleRate, std::optional<double> seconds = {}) {
+    return {.sampleRate = sampleRate, .layout = std::move(layout), .seconds = seconds};
+}
+
+class ShapeOfClip : public testing::TestWithParam<Clip> {};
+
+TEST_P(ShapeOfClip, IsKept) { expectCleaned(CleaningRun(), GetParam()); }
+
+INSTANTIATE_TEST_SUITE_P(
+    NoiseCancellationTest, ShapeOfClip,
+    testing::Values(
+        Clip{.rotation = -90}, Clip{.sounds = {sound("5.1", 44100)}, .container = "mov", .rotation = 90},
+        Clip{.pictures = {{.rate = "25"}}, .sounds = {sound("mono", 8000)}, .rotation = 180},
+        Clip{.sounds = {sound("stereo", 48000)}, .container = "webm", .codecs = "-c:v libvpx -c:a libopus"},
+        Clip{.sounds = {sound("stereo", 48000)}, .container = "mkv"},
+        Clip{.seconds = 0.05, .sounds = {sound("stereo", 96000)}},
+        Clip{.seconds = 1, .sounds = {sound("mono", 22050, 2)}},
+        Clip{.seconds = 2, .sounds = {sound("mono", 32000, 0.5)}}));
+
+TEST(NoiseCancellationTest, NamesWithBlanksAndAnOutputThatIsThere) {
+    const CleaningRun run;
+    const std::string input = run.file("my noisy % clip.mp4");
+    std::filesystem::copy_file(makeClip({}), input);
+    std::ofstream(run.file("a clean one.mp4")) << "old";
+    EXPECT_EQ(run.clean(input, run.file("a clean one")), run.file("a clean one.mp4"));
+    EXPECT_TRUE(probed(run.file("a clean one.mp4")).hasAudio());
+}
+
+// Mono samples on the file's time line, from its zero.
+std::vector<float> samplesOf(const std::string& path) {
+    const std::string bytes = runTool("ffmpeg", {"-v", "error", "-copyts", "-i", path, "-map", "0:a:0", "-af",
+                                                 "aresample=" + std::to_string(rate) + ":async=1:first_pts=0",
+                                                 "-ac", "1", "-f", "f32le", "-"});
+    std::vector<float> samples(bytes.size() / sizeof(float));
+    std::memcpy(samples.data(), bytes.data(), samples.size() * sizeof(float));
+    return samples;
+}
+
+// By how many seconds `late` comes after `early` where they are most alike, within 0.1 s around `expected`.
+double lag(const std::vector<float>& early, const std::vector<float>& late, double expected) {
+    const auto product = [&](int shift) {
+        double sum = 0;
+        for (int at = std::max(0, -shift); at < std::min(std::ssize(early), std::ssize(late) - shift); ++at) {
+            sum += early[static_cast<std::size_t>(at)] * late[static_cast<std::size_t>(at + shift)];
+        }
+        return sum;
+    };
+    const auto middle = static_cast<int>(std::lround(expected * rate));
+    std::pair<double, int> best{0, 0};
+    for (int shift = middle - rate / 10; shift <= middle + rate / 10; shift += 16) {
+        best = std::max(best, {product(shift), shift});
+    }
+    return static_cast<double>(best.second) / rate;
+}
+
+// When the picture turns white.
+double flash(const std::string& path) {
+    for (const TimedFrame& frame : decodedVideo(path)) {
+        if (frame.frame.mean().green > 128) {
+            return frame.time;
+        }
+    }
+    throw std::runtime_error("no flash");
+}
+
+struct SyncCase {
+    std::string container;
+    std::string codecs;
+    // Seconds; below zero the picture comes late.
+    double soundIsLate;
+
+    friend void PrintTo(const SyncCase& now, std::ostream* out) {
+        *out << now.container << ", sound late by " << now.soundIsLate << " s";
+    }
+};
+
+class SoundAndPicture : public testing::TestWithParam<SyncCase> {};
+
+TEST_P(SoundAndPicture, StayTogether) {
+    // What the model is late by.
+    constexpr double delay = 0.031;
+    const CleaningRun run;
+    const auto& [container, codecs, soundIsLate] = GetParam();
+    const std::string input = run.file("flash." + container);
+    std::vector<std::string> arguments{
+        "-v",         "error",
+        "-itsoffset", std::to_string(std::max(0.0, -soundIsLate)),
+        "-f",         "lavfi",
+        "-i",         "color=black:s=64x64:r=30:d=2,drawbox=c=white:t=fill:enable='gte(t,1)'",
+        "-itsoffset", std::to_string(std::max(0.0, soundIsLate)),
+        "-f",         "lavfi",
+        "-i",         "flite=text='A word to be heard':voice=slt"};
+    for (const std::string& word : wordsOf(codecs)) {
+        arguments.push_back(word);
+    }
+    arguments.push_back(input);
+    runTool("ffmpeg", arguments);
+    const std::string output = run.clean(input, run.file("out"));
+    const double pictureMoved = flash(output) - flash(input);
+    const double soundMoved = lag(samplesOf(input), samplesOf(output), pictureMoved + delay);
+    EXPECT_NEAR(soundMoved, pictureMoved + delay, 0.010);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    NoiseCancellationTest, SoundAndPicture,
+    testing::Values(SyncCase{"mov", "-c:v libx264 -preset veryfast -g 30 -c:a pcm_s16le -ac 6", 0.4},
+                    SyncCase{"mp4", h264 + " -ar 8000", 0.25},
+                    SyncCase{"mkv", h264 + " -ar 8000 -ac 1", -0.3},
+                    SyncCase{"webm", "-c:v libvpx -c:a libopus", 0},
+                    SyncCase{"ts", "-c:v mpeg2video -c:a mp2 -ar 44100", 0.2}));
+
+double decibels(const std::vector<float>& samples, double from, double to) {
+    double sum = 1e-12;
+    for (auto at = static_cast<std::size_t>(from * rate); at < static_cast<std::size_t>(to * rate); ++at) {
+        sum += std::pow(samples.at(at), 2);
+    }
+    return 10 * std::log10(sum / ((to - from) * rate));
+}
+
+TEST(NoiseCancellationTest, NoiseGoesAndSpeechStays) {
+    const CleaningRun run;
+    for (const std::string noise :
+         {"anoisesrc=c=pink:a=0.1:d=5:r=16000", "anoisesrc=c=brown:a=0.1:d=5:r=16000"}) {
+        SCOPED_TRACE(noise);
+        const std::string input = run.file("noisy.mp4");
+        runTool("ffmpeg",
+                {"-v", "error", "-y", "-f", "lavfi", "-i", "color=s=64x64:r=30:d=5", "-f", "lavfi", "-i",
+                 noise, "-f", "lavfi", "-i",
+                 "flite=text='Here are a few words, that should be kept as they are':voice=slt",
+                 "-filter_complex", "[2]adelay=2000[s];[1][s]amix=duration=first:normalize=0", input});
+        const std::string output = run.clean(input, run.file("quiet"));
+        const auto before = samplesOf(input);
+        const auto after = samplesOf(output);
+        EXPECT_LT(decibels(after, 1, 2), decibels(before, 1, 2) - 10);
+        EXPECT_NEAR(decibels(after, 2.5, 4), decibels(before, 2.5, 4), 3);
+    }
+}
+
+} // namespace
+} // namespace corvanta::test
