@@ -12,6 +12,19 @@ namespace {
 /// Smooths the borders of the symbols.
 constexpr int samples = 4;
 
+Qt::ScreenOrientation orientationOf(OrientationManager::OrientationMask orientation) {
+    using Mask = OrientationManager::OrientationMask;
+    switch (orientation) {
+    case Mask::landscapeRight:
+        return Qt::LandscapeOrientation;
+    case Mask::landscapeLeft:
+        return Qt::InvertedLandscapeOrientation;
+    case Mask::portrait:
+        break;
+    }
+    return Qt::PortraitOrientation;
+}
+
 } // namespace
 
 CorvantaSdkVideoEditorViewController::CorvantaSdkVideoEditorViewController(
@@ -25,6 +38,7 @@ CorvantaSdkVideoEditorViewController::CorvantaSdkVideoEditorViewController(
     setTitle(presenter.title());
     setTransientParent(&presenter);
     setModality(Qt::WindowModal);
+    reportContentOrientationChange(orientationOf(supportedInterfaceOrientations()));
     addChildren(input, output, std::move(onComplete));
 }
 

@@ -1,10 +1,10 @@
 #include <CorvantaSdkVideo/Editor/Presentation/PresentVideoEditorModifier.hpp>
 
-#include <QQmlContext>
 #include <QQmlEngine>
 #include <QQuickWindow>
 
 #include <exception>
+#include <stdexcept>
 #include <utility>
 
 namespace corvanta {
@@ -75,8 +75,12 @@ void PresentVideoEditorModifier::cover() {
         Q_EMIT completed(EditorResultInQml(result));
     };
     try {
+        QQmlEngine* const engine = qmlEngine(this);
+        if (engine == nullptr) {
+            throw std::logic_error("The editor's modifier was not made by QML");
+        }
         cover_ = std::make_unique<EditorCover>(
-            *qmlContext(this)->engine(), *window()->contentItem(),
+            *engine, *window()->contentItem(),
             makeEditorViewModel(CorvantaSdkVideoFile(moduleURL(input_)), std::nullopt, completion));
     } catch (const std::exception& error) {
         Q_EMIT failed(QString::fromUtf8(error.what()));

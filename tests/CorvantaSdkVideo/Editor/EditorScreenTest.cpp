@@ -13,6 +13,7 @@ namespace corvanta {
 namespace {
 
 using test::colourClip;
+using testing::Contains;
 using testing::ElementsAre;
 
 class EditorScreenTest : public test::ScreenFixture {
@@ -174,8 +175,9 @@ TEST_F(EditorScreenTest, ShowsAFailureAndComesBackWithTheSameEdit) {
 }
 
 TEST_F(EditorScreenTest, AsksForALogin) {
-    const test::RecordedLog loggedOut(false);
+    test::RecordedLog loggedOut(false);
     present();
+    EXPECT_THAT(loggedOut.take(), Contains("info event_video_edit_screen_init: Init edit screen called"));
     EXPECT_EQ(text("UnauthenticatedView"), "Error | Authentication required | ACCEPT");
     EXPECT_FALSE(isShown("Continue"));
     EXPECT_EQ(model().videoDuration(), 0);
