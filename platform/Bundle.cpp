@@ -4,8 +4,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <utility>
-#include <vector>
 
 #include <dlfcn.h>
 
@@ -33,30 +31,22 @@ fs::path installedResources() {
     return {};
 }
 
-// In the order of search.
-std::vector<fs::path> resourceDirectories() {
-    if (const char* chosen = std::getenv("CORVANTA_RESOURCES"); chosen != nullptr && *chosen != '\0') {
-        return {chosen};
-    }
-    std::vector<fs::path> directories{CORVANTA_SOURCE_RESOURCES};
-    if (fs::path installed = installedResources(); !installed.empty()) {
-        directories.insert(directories.begin(), std::move(installed));
-    }
-    return directories;
-}
-
 } // namespace
 
 std::optional<std::string> pathForResource(const std::string& name, const std::string& type) {
-    const std::string file = type.empty() ? name : name + "." + type;
-    for (const fs::path& directory : resourceDirectories()) {
-        if (const fs::path path = directory / file; FileManager::fileExists(path)) {
-            return path.string();
-        }
+    const std::string directory = resourceDirectory();
+    if (directory.empty()) {
+        return std::nullopt;
     }
-    return std::nullopt;
+    const fs::path path = fs::path(directory) / (type.empty() ? name : name + "." + type);
+    return FileManager::fileExists(path) ? std::optional(path.string()) : std::nullopt;
 }
 
-std::string resourceDirectory() { return resourceDirectories().front().string(); }
+std::string resourceDirectory() {
+    if (const char* chosen = std::getenv("CORVANTA_RESOURCES"); chosen != nullptr && *chosen != '\0') {
+        return chosen;
+    }
+    return installedResources().string();
+}
 
 } // namespace corvanta::Bundle

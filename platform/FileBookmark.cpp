@@ -147,12 +147,12 @@ std::optional<std::string> makeFileBookmark(const std::string& path) {
         return std::nullopt;
     }
     std::error_code failed;
-    const fs::path absolute = fs::absolute(path, failed);
+    const std::string absolute = path.starts_with('/') ? path : fs::absolute(path, failed).string();
     if (failed) {
         return std::nullopt;
     }
     const timespec now = clockNow();
-    const FileDescriptor file = openPath(absolute.string());
+    const FileDescriptor file = openPath(absolute);
     const auto identity =
         file.get() >= 0 ? identify(file.get(), "", AT_EMPTY_PATH) : std::optional<Identity>();
     if (!identity) {
@@ -165,7 +165,7 @@ std::optional<std::string> makeFileBookmark(const std::string& path) {
             return std::nullopt;
         }
     }
-    return write({*identity, std::move(handle), absolute.string()});
+    return write({*identity, std::move(handle), absolute});
 }
 
 std::optional<std::string> FileBookmarkResolver::resolve(std::string_view bytes) {

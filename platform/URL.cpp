@@ -7,7 +7,9 @@
 #include <boost/url/rfc/pchars.hpp>
 #include <boost/url/url_view.hpp>
 
+#include <algorithm>
 #include <filesystem>
+#include <utility>
 
 namespace corvanta {
 
@@ -28,12 +30,14 @@ enum class Escapes { keep, encode };
 template <typename CharacterSet>
 std::string encode(std::string_view text, const CharacterSet& allowed, Escapes escapes) {
     constexpr std::string_view digits = "0123456789ABCDEF";
-    std::string encoded;
-    encoded.reserve(text.size());
-    for (std::size_t position = 0; position < text.size(); ++position) {
+    const auto stands = [&allowed](char character) { return character != '%' && allowed(character); };
+    // Most texts stand as they are, and are copied at once.
+    const auto odd = std::find_if_not(text.begin(), text.end(), stands);
+    std::string encoded(text.begin(), odd);
+    for (auto position = static_cast<std::size_t>(odd - text.begin()); position < text.size(); ++position) {
         const char character = text[position];
         const bool kept = escapes == Escapes::keep && isEscape(text, position);
-        if (kept || (character != '%' && allowed(character))) {
+        if (kept || stands(character)) {
             encoded += character;
         } else {
             const auto byte = static_cast<unsigned char>(character);
@@ -43,6 +47,25 @@ std::string encode(std::string_view text, const CharacterSet& allowed, Escapes e
         }
     }
     return encoded;
+}
+
+// Nothing for a malformed escape.
+std::optional<std::string> decoded(std::string_view text) {
+    std::string bytes(text.substr(0, text.find('%')));
+    for (std::size_t position = bytes.size(); position < text.size(); ++position) {
+        if (text[position] != '%') {
+            bytes += text[position];
+            continue;
+        }
+        if (!isEscape(text, position)) {
+            return std::nullopt;
+        }
+        const int high = urls::grammar::hexdig_value(text[position + 1]);
+        const int low = urls::grammar::hexdig_value(text[position + 2]);
+        bytes += static_cast<char>(high * 16 + low);
+        position += 2;
+    }
+    return bytes;
 }
 
 bool isUTF8(std::string_view bytes) {
@@ -70,28 +93,16 @@ std::size_t prefixLength(std::string_view text) {
     return length;
 }
 
+// Where a query or a fragment ends the path, or the end of the text.
+std::size_t pathEnd(std::string_view text, std::size_t pathStart) {
+    return std::min({text.find('?', pathStart), text.find('#', pathStart), text.size()});
+}
+
 } // namespace
 
 std::optional<std::string> removingPercentEncoding(std::string_view text) {
-    std::string decoded;
-    decoded.reserve(text.size());
-    for (std::size_t position = 0; position < text.size(); ++position) {
-        if (text[position] != '%') {
-            decoded += text[position];
-            continue;
-        }
-        if (!isEscape(text, position)) {
-            return std::nullopt;
-        }
-        const int high = urls::grammar::hexdig_value(text[position + 1]);
-        const int low = urls::grammar::hexdig_value(text[position + 2]);
-        decoded += static_cast<char>(high * 16 + low);
-        position += 2;
-    }
-    if (!isUTF8(decoded)) {
-        return std::nullopt;
-    }
-    return decoded;
+    auto bytes = decoded(text);
+    return bytes && isUTF8(*bytes) ? std::move(bytes) : std::nullopt;
 }
 
 std::optional<URL> URL::parse(std::string_view text) {
@@ -99,7 +110,7 @@ std::optional<URL> URL::parse(std::string_view text) {
         return std::nullopt;
     }
     const std::size_t pathStart = prefixLength(text);
-    const std::size_t queryStart = std::min(text.size(), text.find_first_of("?#", pathStart));
+    const std::size_t queryStart = pathEnd(text, pathStart);
     const std::size_t fragmentStart = std::min(text.size(), text.find('#', queryStart));
     const auto query = text.substr(queryStart, fragmentStart - queryStart);
     const auto fragment = text.substr(fragmentStart);
@@ -129,7 +140,9 @@ URL URL::fromFilePath(std::string_view path) {
 }
 
 std::string URL::path() const {
-    std::string path = urls::url_view(text_).path();
+    const std::size_t start = prefixLength(text_);
+    // A URL holds no malformed escape.
+    std::string path = *decoded(std::string_view(text_).substr(start, pathEnd(text_, start) - start));
     while (path.size() > 1 && path.ends_with('/')) {
         path.pop_back();
     }
@@ -152,8 +165,12 @@ std::string URL::pathExtension() const {
 }
 
 URL URL::appendingPathComponent(std::string_view name) const {
-    const std::string separator = text_.ends_with('/') ? "" : "/";
-    return URL(text_ + separator + encode(name, pathCharacters, Escapes::encode));
+    std::string text;
+    text.reserve(text_.size() + 1 + name.size());
+    text += text_;
+    text += text_.ends_with('/') ? "" : "/";
+    text += encode(name, pathCharacters, Escapes::encode);
+    return URL(std::move(text));
 }
 
 URL URL::appendingPathExtension(std::string_view fileExtension) const {

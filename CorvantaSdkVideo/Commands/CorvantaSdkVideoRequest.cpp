@@ -13,9 +13,9 @@ CorvantaSdkVideoRequest::CorvantaSdkVideoRequest(
     std::optional<VideoConcatData> concatData_, std::optional<std::string> errorMessage_,
     std::optional<URL> outputPath, std::shared_ptr<CorvantaSdkVideoRequestEngine> engine_)
     : id(id_), type(type_), status(status_), output(std::move(output_)), createdAt(createdAt_),
-      updatedAt(updatedAt_), errorMessage(std::move(errorMessage_)), engine(std::move(engine_)),
-      encodingData(std::move(encodingData_)), mergeData(std::move(mergeData_)),
-      concatData(std::move(concatData_)), outputPath_(std::move(outputPath)) {}
+      updatedAt(updatedAt_), errorMessage(std::move(errorMessage_)), encodingData(std::move(encodingData_)),
+      mergeData(std::move(mergeData_)), concatData(std::move(concatData_)), engine(std::move(engine_)),
+      outputPath_(std::move(outputPath)) {}
 
 std::optional<URL> CorvantaSdkVideoRequest::outputPath() const {
     const std::lock_guard lock(mutex_);

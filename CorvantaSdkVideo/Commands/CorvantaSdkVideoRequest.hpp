@@ -43,9 +43,8 @@ class CorvantaSdkVideoRequest : public std::enable_shared_from_this<CorvantaSdkV
     const Date createdAt;
     const Date updatedAt;
     const std::optional<std::string> errorMessage;
-    const std::shared_ptr<CorvantaSdkVideoRequestEngine> engine;
 
-    /// The one of the request's type is set.
+    /// The one of the request's type is set, unless its stored parameters can't be read.
     std::optional<VideoEncodingData> encodingData;
     std::optional<VideoMergeData> mergeData;
     std::optional<VideoConcatData> concatData;
@@ -54,11 +53,14 @@ class CorvantaSdkVideoRequest : public std::enable_shared_from_this<CorvantaSdkV
     /// run.
     std::optional<URL> outputPath() const;
 
+    const std::shared_ptr<CorvantaSdkVideoRequestEngine> engine;
+
     /// Runs the operation once. After a success it gives the same result again without running. While it
     /// runs, and after a failure, it throws `operationStillsInProgress`: to run a failed request again, fetch
-    /// a new object. Throws what the engine throws: `operationNotFound` if the request isn't stored,
-    /// `operationAlreadyCompleted` if another object has run it, the checks' errors, or `concatFailed`,
-    /// `mergeFailed`, `encodingFailed`.
+    /// a new object. Throws what the engine throws: `userNotAuthenticated`, `operationNotFound` if the
+    /// request isn't stored, `operationStillsInProgress` if another object runs it,
+    /// `operationAlreadyCompleted` if one has run it, the checks' errors, or `concatFailed`, `mergeFailed`,
+    /// `encodingFailed`.
     Task<Result> process();
 
     /// Stops a run of this request, started from whatever object of the same id. Throws `operationNotFound`

@@ -17,9 +17,12 @@ void putOptional(json& object, const char* key, std::optional<std::int64_t> valu
     }
 }
 
-// A whole number is written without a fraction.
+// A whole number is written without a fraction. Throws json::exception for one that isn't finite.
 void putOptional(json& object, const char* key, std::optional<double> value) {
     constexpr double exactlyCounted = 1LL << 53;
+    if (value && !std::isfinite(*value)) {
+        throw json::other_error::create(501, "no finite number", &object);
+    }
     if (value && std::trunc(*value) == *value && std::abs(*value) <= exactlyCounted) {
         object[key] = static_cast<std::int64_t>(*value);
     } else if (value) {
@@ -61,21 +64,19 @@ json toJson(const std::vector<Value>& values) {
     return list;
 }
 
-bool isRepresentable(const std::optional<double>& size) { return !size || std::isfinite(*size); }
-
 template <typename Serializable>
-std::optional<std::string> encoded(const Serializable& data) {
-    if (!isRepresentable(data.width) || !isRepresentable(data.height)) {
-        return std::nullopt;
-    }
+json storedForm(const Serializable& data) {
     json object = json::object();
     putOptional(object, "width", data.width);
     putOptional(object, "height", data.height);
     object["videoTracks"] = toJson(data.videoTracks);
     object["audioTracks"] = toJson(data.audioTracks);
     object["framesRate"] = data.framesRate;
-    return object.dump();
+    return object;
 }
+
+json toJson(const VideoMergeData::SerializableMergeData& data) { return storedForm(data); }
+json toJson(const VideoEncodingData::SerializableEncodingData& data) { return storedForm(data); }
 
 // The readers throw json::exception for a value that is missing or of another type.
 std::int64_t readInteger(const json& value) {
@@ -135,22 +136,17 @@ void read(const json& list, std::vector<Value>& values) {
 }
 
 template <typename Serializable>
-std::optional<Serializable> decoded(const std::optional<std::string>& text) {
-    if (!text) {
-        return std::nullopt;
-    }
-    try {
-        const json object = json::parse(*text);
-        Serializable data;
-        data.framesRate = object.at("framesRate").get_ref<const std::string&>();
-        data.width = readOptionalNumber(object, "width");
-        data.height = readOptionalNumber(object, "height");
-        read(object.at("videoTracks"), data.videoTracks);
-        read(object.at("audioTracks"), data.audioTracks);
-        return data;
-    } catch (const json::exception&) {
-        return std::nullopt;
-    }
+void readStoredForm(const json& object, Serializable& data) {
+    data.framesRate = object.at("framesRate").get_ref<const std::string&>();
+    data.width = readOptionalNumber(object, "width");
+    data.height = readOptionalNumber(object, "height");
+    read(object.at("videoTracks"), data.videoTracks);
+    read(object.at("audioTracks"), data.audioTracks);
+}
+
+void read(const json& object, VideoMergeData::SerializableMergeData& data) { readStoredForm(object, data); }
+void read(const json& object, VideoEncodingData::SerializableEncodingData& data) {
+    readStoredForm(object, data);
 }
 
 template <typename Serializable, typename Data>
@@ -169,22 +165,41 @@ VideoEncodingData::SerializableEncodingData VideoEncodingData::serializable() co
     return serialized<SerializableEncodingData>(*this);
 }
 
-std::optional<std::string> jsonRepresentation(const VideoMergeData::SerializableMergeData& data) {
-    return encoded(data);
+template <typename Encodable>
+std::optional<std::string> jsonRepresentation(const Encodable& value) {
+    try {
+        return toJson(value).dump();
+    } catch (const json::exception&) {
+        return std::nullopt;
+    }
 }
 
-std::optional<std::string> jsonRepresentation(const VideoEncodingData::SerializableEncodingData& data) {
-    return encoded(data);
+template <typename Decodable>
+std::optional<Decodable> decode(const std::optional<std::string>& text) {
+    if (!text) {
+        return std::nullopt;
+    }
+    try {
+        Decodable value;
+        read(json::parse(*text), value);
+        return value;
+    } catch (const json::exception&) {
+        return std::nullopt;
+    }
 }
 
-template <>
-std::optional<VideoMergeData::SerializableMergeData> decode(const std::optional<std::string>& json) {
-    return decoded<VideoMergeData::SerializableMergeData>(json);
-}
-
-template <>
-std::optional<VideoEncodingData::SerializableEncodingData> decode(const std::optional<std::string>& json) {
-    return decoded<VideoEncodingData::SerializableEncodingData>(json);
-}
+// What can be written and read.
+template std::optional<std::string> jsonRepresentation(const CorvantaSdkVideoMergeMediaEntry&);
+template std::optional<CorvantaSdkVideoMergeMediaEntry> decode(const std::optional<std::string>&);
+template std::optional<std::string> jsonRepresentation(const CorvantaSdkVideoMergeVideoTrack&);
+template std::optional<CorvantaSdkVideoMergeVideoTrack> decode(const std::optional<std::string>&);
+template std::optional<std::string> jsonRepresentation(const CorvantaSdkVideoMergeAudioTrack&);
+template std::optional<CorvantaSdkVideoMergeAudioTrack> decode(const std::optional<std::string>&);
+template std::optional<std::string> jsonRepresentation(const CorvantaSdkVideoEncodeVideoEntry&);
+template std::optional<CorvantaSdkVideoEncodeVideoEntry> decode(const std::optional<std::string>&);
+template std::optional<std::string> jsonRepresentation(const VideoMergeData::SerializableMergeData&);
+template std::optional<VideoMergeData::SerializableMergeData> decode(const std::optional<std::string>&);
+template std::optional<std::string> jsonRepresentation(const VideoEncodingData::SerializableEncodingData&);
+template std::optional<VideoEncodingData::SerializableEncodingData> decode(const std::optional<std::string>&);
 
 } // namespace corvanta

@@ -33,7 +33,7 @@ struct VideoMergeData {
     std::optional<double> width;
     std::optional<double> height;
     CorvantaSdkVideoFrameRate framesRate = CorvantaSdkVideoFrameRate::thirtyFps;
-    /// Empty: every track of every file.
+    /// Empty: as many output tracks of the kind as the richest file has.
     std::vector<CorvantaSdkVideoMergeVideoTrack> videoTracks;
     std::vector<CorvantaSdkVideoMergeAudioTrack> audioTracks;
 
@@ -58,27 +58,23 @@ struct VideoEncodingData {
     /// Pixels.
     std::optional<double> width;
     std::optional<double> height;
-    /// Empty: every track of the file.
+    /// Empty: every video track of the file.
     std::vector<CorvantaSdkVideoEncodeVideoEntry> videoTracks;
-    /// Stream indexes.
+    /// Stream indexes. Empty: every audio track of the file.
     std::vector<std::int64_t> audioTracks;
     CorvantaSdkVideoFrameRate framesRate = CorvantaSdkVideoFrameRate::thirtyFps;
 
     SerializableEncodingData serializable() const;
 };
 
-/// The JSON text of a stored form; absent if a size is no finite number.
-std::optional<std::string> jsonRepresentation(const VideoMergeData::SerializableMergeData& data);
-std::optional<std::string> jsonRepresentation(const VideoEncodingData::SerializableEncodingData& data);
+/// The JSON text of a stored form or of a track record. Absent for a number that isn't finite and for a text
+/// that isn't UTF-8.
+template <typename Encodable>
+std::optional<std::string> jsonRepresentation(const Encodable& value);
 
-/// Reads a stored form back. An absent text, one that is no JSON, and a required key that is missing or of
-/// another type give nothing.
-template <typename Serializable>
-std::optional<Serializable> decode(const std::optional<std::string>& json);
-
-template <>
-std::optional<VideoMergeData::SerializableMergeData> decode(const std::optional<std::string>& json);
-template <>
-std::optional<VideoEncodingData::SerializableEncodingData> decode(const std::optional<std::string>& json);
+/// Reads a stored form or a track record back. An absent text, one that is no JSON, and a required key that
+/// is missing or of another type give nothing.
+template <typename Decodable>
+std::optional<Decodable> decode(const std::optional<std::string>& json);
 
 } // namespace corvanta

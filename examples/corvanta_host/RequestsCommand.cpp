@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <stdexcept>
+#include <utility>
 
 using namespace corvanta;
 
@@ -54,15 +55,19 @@ UUID parsedId(const std::string& text) {
     throw std::invalid_argument("\"" + text + "\" is no request id");
 }
 
+// Each emission is one line.
 void printEmission(Console& console, const std::vector<RequestPointer>& requests) {
     if (console.json()) {
         console.printLine(toJson(requests));
         return;
     }
-    console.print("{} requests\n", requests.size());
+    std::string line = std::to_string(requests.size()) + " requests";
+    const char* separator = ": ";
     for (const RequestPointer& request : requests) {
-        console.print("  {}\n", toLine(*request));
+        line += fmt::format("{}{} {} {}", std::exchange(separator, ", "), uuidString(request->id),
+                            name(request->type), name(request->status));
     }
+    console.print("{}\n", line);
 }
 
 void printEmission(Console& console, const RequestPointer& request) {

@@ -104,7 +104,9 @@ TALVO_AUDIO_API void* talvoAudioNcCreateSession(enum TalvoAudioSamplingRate inRa
 /**
  * Opens a voice activity session on a model made for it (version "VAD_0.0.1").
  * @param rate of the frames. 15 and 32 ms are allowed only at 16000 Hz with a model of that rate.
- * @return the session's handle, or null. Parameters are those of talvoAudioNcCreateSession.
+ * @param duration of the frames.
+ * @param modelName as for talvoAudioNcCreateSession.
+ * @return the session's handle, or null.
  */
 TALVO_AUDIO_API void* talvoAudioVadCreateSession(enum TalvoAudioSamplingRate rate,
                                                  enum TalvoAudioFrameDuration duration,
@@ -136,6 +138,7 @@ TALVO_AUDIO_API int talvoAudioNoiseDbResetSession(void* session);
 
 /**
  * Cleans one frame.
+ * @param session a cleaning session's handle.
  * @param in,inSize inRate * duration / 1000 samples.
  * @param out,outSize outRate * duration / 1000 samples; may be the same memory as in.
  *        Samples beyond full scale are clipped. Floats that are not numbers count as silence.
@@ -149,6 +152,7 @@ TALVO_AUDIO_API int talvoAudioNcCleanAmbientNoiseFloat(void* session, float cons
 
 /**
  * The probability, 0 to 1, that a frame holds speech.
+ * @param session a voice activity session's handle.
  * @param in,size rate * duration / 1000 samples.
  * @return the probability; -4 for a wrong session; -1, -2, -3 for exceptions. A wrong size or a null
  *         pointer gives -3 with 16-bit samples and -4 with floats, and leaves the stream as it was.
@@ -158,6 +162,7 @@ TALVO_AUDIO_API float talvoAudioVadFrameFloat(void* session, float const* in, un
 
 /**
  * Measures the noise in a stream with one more frame of it.
+ * @param session a noise level session's handle.
  * @param in,size rate * duration / 1000 samples.
  * @return the noise level in decibels relative to full scale: 10 log10 of the mean, over all of the
  *         model's frames since the session's start or its last reset, of the mean square of what the

@@ -7,7 +7,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
@@ -26,21 +25,6 @@ struct Ended {
     int status;
     std::string output;
 };
-
-/// Every process that was started with `mark` in its environment, zombies aside.
-std::vector<pid_t> processesWith(const std::string& mark) {
-    std::vector<pid_t> found;
-    for (const auto& entry : fs::directory_iterator("/proc")) {
-        const std::string name = entry.path().filename();
-        if (std::all_of(name.begin(), name.end(),
-                        [](unsigned char character) { return std::isdigit(character); }) &&
-            readFile(entry.path() / "environ").find(mark) != std::string::npos) {
-            found.push_back(std::stoi(name));
-        }
-    }
-    std::erase_if(found, [](pid_t process) { return !isAlive(process); });
-    return found;
-}
 
 /// What the host's journal promises of the rows.
 struct Promise {

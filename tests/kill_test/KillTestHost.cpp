@@ -1,13 +1,11 @@
 #include <CorvantaSdkVideo/CorvantaSdkVideo.hpp>
 #include <CorvantaSdkVideo/CorvantaSdkVideoInterfaceImp.hpp>
 
-#include <cstdlib>
+#include "support/Journal.hpp"
+
 #include <string>
 #include <thread>
 #include <vector>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 /// Stores, changes and runs requests until it is killed, and writes a journal of it.
 ///
@@ -17,24 +15,8 @@ namespace {
 
 using namespace corvanta;
 
-/// One write per line, so that a line is there as a whole or not at all.
-class Journal {
-  public:
-    explicit Journal(const char* path) : descriptor_(open(path, O_WRONLY | O_CREAT | O_APPEND, 0600)) {}
-
-    void add(const std::string& line) const {
-        const std::string text = line + '\n';
-        if (write(descriptor_, text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
-            std::abort();
-        }
-    }
-
-  private:
-    int descriptor_;
-};
-
 struct Work {
-    Journal journal;
+    test::Journal journal;
     std::string folder;
     std::vector<CorvantaSdkVideoFile> clips;
 
@@ -78,7 +60,7 @@ struct Work {
 
 int main(int argumentCount, char** arguments) {
     SharedCorvantaSdkCommonKt::sdk_common().setAuth(std::make_shared<SharedCorvantaSdkFixedAuth>(true));
-    Work work{Journal(arguments[1]), arguments[2], {}};
+    Work work{test::Journal(arguments[1]), arguments[2], {}};
     for (int argument = 3; argument < argumentCount; ++argument) {
         work.clips.emplace_back(URL::fromFilePath(arguments[argument]));
     }

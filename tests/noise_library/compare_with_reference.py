@@ -64,7 +64,6 @@ def make_model_file(case, folder):
     settings = named(case.settings, make_models.setting_key)
     environment = {key: make_models.control_text(value) for key, value in settings.items()}
     control = case.extension == ".cfg"
-    assert control or not environment
     weights = folder / ("model.nmw" if control else "model" + case.extension)
     write_weights(weights, records)
     if not control:
@@ -141,7 +140,8 @@ def judge(case, folder, status):
     if status != 0:
         return False, f"ended with wait status {status}\n{log}"
     deviation, tolerance = json.loads((folder / "result").read_text())
-    return deviation <= tolerance, f"{deviation:8.1e} of {tolerance:.0e}"
+    good = deviation <= tolerance
+    return good, f"{deviation:8.1e} of {tolerance:.0e}" + ("" if good else f"\n{case}")
 
 
 def run(chosen, library_path, jobs):

@@ -2,13 +2,15 @@
 
 from dataclasses import dataclass, field
 from itertools import cycle, product
+from random import Random
 
 CLEANING = ("0.0.1", "0.0.2", "0.0.3", "0.0.4", "0.0.5", "0.0.6")
 RATES = (8000, 12000, 16000, 24000, 32000, 44100, 48000, 88200, 96000)
 DURATIONS = (10, 15, 20, 30, 32, 40)
 RESAMPLED_DURATIONS = (10, 20, 30, 40)
 WRONG_START = "outputData_.size() >= params_.step && outputData_.size() < "
-STARVED = "outputData_.size() >= (params_.inputFrameDuration*params_.sampleRate)/1000+params_.step"
+STARVED = ("outputData_.size() >= (params_.inputFrameDuration*params_.sampleRate)/1000+params_.step), "
+           "function cleanNoise, file noise_canceller/")
 
 
 @dataclass
@@ -72,85 +74,70 @@ def _rates(everything):
                    in_rate=rate, out_rate=rate, duration=15)
 
 
-RESCALED = ("0.0.3", "0.0.4", "0.0.5", "0.0.6")
-COMPRESSED = RESCALED[1:]
-LATEST = RESCALED[2:]
 FIX = "BACKGROUND_SPEAKER_FIX_"
+SWITCH = (False, True, True)
 
-# (name, versions, settings); the noise level measure takes those of 0.0.5 but the speaker fix.
-SETTINGS = (
-    ("nothing set", CLEANING, {}),
-    ("smoothing", CLEANING, {"SMOOT_COEF": 0.6}),
-    ("smoothing 0", CLEANING, {"SMOOT_COEF": 0.0}),
-    ("smoothing 1.5", LATEST, {"SMOOT_COEF": 1.5}),
-    ("soft curve", CLEANING, {"SMOOT_RM_MODIFY": True}),
-    ("high frequencies", CLEANING, {"HIGH_FREQ_SMOOT": True}),
-    ("clip fix", CLEANING, {"ENABLE_CLIP_FIX": True, "CLIP_FIX_POINT": 4000}),
-    ("clip fix, bad point", CLEANING, {"ENABLE_CLIP_FIX": True, "CLIP_FIX_POINT": 40000}),
-    ("clip point alone", LATEST, {"CLIP_FIX_POINT": 4000}),
-    ("gate", CLEANING, {"ENABLE_THRESH_CUT": True, "THRESH_CUT_REF_EN": 900}),
-    ("gate, bad reference", CLEANING, {"ENABLE_THRESH_CUT": True, "THRESH_CUT_REF_EN": 5000}),
-    ("mask threshold", CLEANING, {"ENABLE_RM_THRESHOLD": True, "RM_THRESHOLD": 0.7}),
-    ("mask threshold 1", LATEST, {"ENABLE_RM_THRESHOLD": True, "RM_THRESHOLD": 1.0}),
-    ("mask threshold, bad", CLEANING, {"ENABLE_RM_THRESHOLD": True, "RM_THRESHOLD": 0.0}),
-    ("all mask stages", CLEANING, {"SMOOT_COEF": 0.4, "SMOOT_RM_MODIFY": True, "HIGH_FREQ_SMOOT": True,
-                                   "ENABLE_CLIP_FIX": True, "CLIP_FIX_POINT": 3000, "ENABLE_THRESH_CUT": True,
-                                   "ENABLE_RM_THRESHOLD": True, "RM_THRESHOLD": 0.4}),
-    ("other synthesis window", ("0.0.1",), {"ENABLE_CLIP_FIX": True, "ENABLE_WINDOW_AFTER": True,
-                                            "WINDOW_AFTER": "HAMMING"}),
-    ("same synthesis window", ("0.0.1",), {"ENABLE_CLIP_FIX": True, "ENABLE_WINDOW_AFTER": True,
-                                           "WINDOW_AFTER": "TRIANGL"}),
-    ("synthesis window, not enabled", ("0.0.1",), {"ENABLE_CLIP_FIX": True, "WINDOW_AFTER": "HAMMING"}),
-    ("synthesis window, no clip fix", ("0.0.1",), {"ENABLE_WINDOW_AFTER": True, "WINDOW_AFTER": "HAMMING"}),
-    ("no rescaling", RESCALED, {"ENABLE_RESCALE": False}),
-    ("rescaling references alone", RESCALED, {"RESCALE_REF_AMPL": 300.0, "RESCALE_REF_EN": 5000.0}),
-    ("rescaling references", RESCALED, {"ENABLE_RM_THRESHOLD": True,
-                                        "RESCALE_REF_AMPL": 300.0, "RESCALE_REF_EN": 5000.0}),
-    ("compression 0", COMPRESSED, {"COMPRESS_RATE": 0}),
-    ("compression 1", COMPRESSED, {"COMPRESS_RATE": 1}),
-    ("compression 3", COMPRESSED, {"COMPRESS_RATE": 3}),
-    ("skipping", LATEST, {"SKIP_FRAME": True}),
-    ("volume", LATEST, {"VOLUME_UP": True, "VOLUME_UP_PERCENT": 150.5}),
-    ("volume 200", LATEST, {"VOLUME_UP": True, "VOLUME_UP_PERCENT": 200.0}),
-    ("volume, clip fix off", LATEST, {"VOLUME_UP": True, "VOLUME_UP_PERCENT": 150.0, "CLIP_FIX_POINT": 2000}),
-    ("volume, clip fix on", LATEST, {"VOLUME_UP": True, "VOLUME_UP_PERCENT": 30.0,
-                                     "ENABLE_CLIP_FIX": True, "CLIP_FIX_POINT": 2000}),
-    ("speaker fix", LATEST, {"ENABLE_" + FIX[:-1]: True}),
-    ("gentle speaker fix", LATEST, {"ENABLE_" + FIX[:-1]: True, FIX + "CUT_START_DB": 1.5, FIX + "CUT_END_DB": 30.0,
-                                    FIX + "RUN_FRAME_COUNT": 7.9, FIX + "RUN_MIN_LEN": 3, FIX + "UTTERANCE_LEN": 0.25}),
-    ("shrinking speaker fix", LATEST, {"ENABLE_" + FIX[:-1]: True, FIX + "CUT_START_DB": 3.0, FIX + "CUT_END_DB": 6.0,
-                                       FIX + "RUN_FRAME_COUNT": 12.0, FIX + "UTTERANCE_LEN": 0.1}),
-    ("fixed speaker fix", LATEST, {"ENABLE_" + FIX[:-1]: True, FIX + "CUT_START_DB": 2.0, FIX + "CUT_END_DB": 40.0,
-                                   FIX + "UTTERANCE_LEN": 0.2, FIX + "VAR_WIND_MODE": False}),
-    ("other prefix", ("0.0.5",), {"NIMBA_SMOOT_COEF_v0_0_5": 0.3, "TALVO_COMPRESS_RATE_v0_0_5": 1}),
-)
+# What a setting may be, good and bad. One of another type than the first is a text for the control file alone.
+VALUES = {
+    "SMOOT_COEF": (0.3, 0.6, 1.0, 0.0, 1.5, "0.5x"),
+    "SMOOT_RM_MODIFY": SWITCH,
+    "HIGH_FREQ_SMOOT": (*SWITCH, "1"),
+    "ENABLE_CLIP_FIX": SWITCH,
+    "CLIP_FIX_POINT": (2000, 4000, 0, 40000, "3000.9"),
+    "SKIP_FRAME": SWITCH,
+    "VOLUME_UP": SWITCH,
+    "VOLUME_UP_PERCENT": (30.0, 150.5, 0.0, 200.0),
+    "ENABLE_THRESH_CUT": SWITCH,
+    "THRESH_CUT_REF_EN": (1, 900, 0, 5000),
+    "ENABLE_RM_THRESHOLD": SWITCH,
+    "RM_THRESHOLD": (0.4, 0.7, 1.0, 0.0, 1.1),
+    "ENABLE_WINDOW_AFTER": SWITCH,
+    "WINDOW_AFTER": ("HAMMING", "TRIANGL"),
+    "ENABLE_RESCALE": (*SWITCH, "true"),
+    "RESCALE_REF_AMPL": (300.0, 5000.0),
+    "RESCALE_REF_EN": (10.0, 5000.0),
+    "COMPRESS_RATE": (0, 1, 2, 3),
+    "ENABLE_" + FIX[:-1]: SWITCH,
+    FIX + "CUT_START_DB": (1.5, 3.0),
+    FIX + "CUT_END_DB": (12.0, 30.0),
+    FIX + "RUN_FRAME_COUNT": (7.9, 12.0),
+    FIX + "RUN_MIN_LEN": (1, 3),
+    FIX + "UTTERANCE_LEN": (0.1, 0.25),
+    FIX + "VAR_WIND_MODE": SWITCH,
+}
+
+
+def _of_another_kind(value):
+    """A record that doesn't count; for a switch the control file's text, which is no weight file's true."""
+    return "TRUE" if isinstance(value, bool) else {int: float, float: str, str: len}[type(value)](value)
+
+
+def _random_settings(seed):
+    """About half of the settings, each in the control file, the weight file, both or as a record of another kind."""
+    random = Random(seed)
+    version, kind = random.choice([*((version, "clean") for version in CLEANING), ("0.0.5", "level")])
+    model, control, stored = {"openness": random.choice((0.5, 5.0))}, {}, {}
+    for name, values in VALUES.items():
+        value = random.choice(values)
+        place = random.choice(("", "", "", "control", "control", "stored", "both", "other kind"))
+        if place and name == "COMPRESS_RATE":  # the model's sizes hang on it
+            place, model["compress"] = "stored" if place == "other kind" else place, value
+        if place in ("control", "both"):
+            control[name] = value
+        if place == "both":
+            stored[name] = values[0]
+        elif place == "stored" and isinstance(value, type(values[0])):
+            stored[name] = value
+        elif place == "other kind":
+            stored[name] = _of_another_kind(value)
+    return Case(f"settings {seed}", version, kind=kind, model=model, settings=control, weight_settings=stored,
+                extension=".cfg", seconds=1.0, int16=kind == "clean" and random.random() < 0.3)
 
 
 def _settings(everything):
-    forms, at = cycle((False, True, False)), 0
-    for name, versions, settings in SETTINGS:
-        model = {"compress": settings["COMPRESS_RATE"]} if "COMPRESS_RATE" in settings else {}
-        if name == "clip fix, bad point":
-            model["openness"] = 5.0  # so that samples beyond the default point come through
-        kinds = [(version, "clean") for version in versions]
-        if "0.0.5" in versions and not any(FIX[:-1] in key or "v0_0_5" in key for key in settings):
-            kinds.append(("0.0.5", "level"))
-        for version, kind in kinds:
-            at += 1
-            for in_file in (False, True) if everything and settings else [at % 2 == 0]:
-                place = {"weight_settings" if in_file else "settings": settings}
-                label = name + (", in the weight file" if in_file and settings else "")
-                yield Case(label, version, kind=kind, model=model, extension=".nmw" if in_file else ".cfg",
-                           seconds=1.0, int16=kind == "clean" and next(forms), **place)
-    yield Case("control file over weight file", "0.0.5", settings={"SMOOT_COEF": 0.5, "ENABLE_RESCALE": False},
-               weight_settings={"SMOOT_COEF": 0.9, "ENABLE_RESCALE": True, "HIGH_FREQ_SMOOT": True}, extension=".cfg",
-               seconds=1.0)
-    yield Case("text that isn't clean", "0.0.5", extension=".cfg",
-               settings={"ENABLE_RESCALE": "true", "HIGH_FREQ_SMOOT": "1", "SMOOT_COEF": "0.5x",
-                         "ENABLE_CLIP_FIX": True, "CLIP_FIX_POINT": "3000.9"})
-    yield Case("values of another kind", "0.0.5",
-               weight_settings={"SMOOT_COEF": "0.3", "HIGH_FREQ_SMOOT": 1, "COMPRESS_RATE": 1.0,
-                                "ENABLE_CLIP_FIX": True, "CLIP_FIX_POINT": 3000.0})
+    yield from map(_random_settings, range(800 if everything else 150))
+    yield Case("other prefix", "0.0.5", extension=".cfg",
+               settings={"NIMBA_SMOOT_COEF_v0_0_5": 0.3, "TALVO_COMPRESS_RATE_v0_0_5": 1})
 
 
 def _shapes():

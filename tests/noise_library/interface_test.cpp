@@ -244,7 +244,9 @@ TEST(Handles, ThatAreWrongAreReportedByEveryCall) {
          [&](void* s) { return talvoAudioNoiseDbFrameInt16(s, shorts.data(), 160); }},
         {level, -4, wrongSessionText,
          [&](void* s) { return talvoAudioNoiseDbFrameFloat(s, floats.data(), 160); }},
-        {level, -3, "messege Trying to reset a non-existant session or session of incompatible type\n",
+        {level, -3,
+         "Function resetSession\n messege Trying to reset a non-existant session or session of incompatible "
+         "type\n",
          talvoAudioNoiseDbResetSession},
         {cleaning, -3, close, talvoAudioNcCloseSession},
         {voice, -3, close, talvoAudioVadCloseSession},

@@ -1,8 +1,11 @@
 #include "support/Processes.hpp"
 
+#include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -127,6 +130,19 @@ bool isAlive(pid_t process) {
     const std::string status = readFile("/proc/" + std::to_string(process) + "/stat");
     const std::size_t name = status.rfind(") ");
     return name != std::string::npos && status[name + 2] != 'Z' && status[name + 2] != 'X';
+}
+
+std::vector<pid_t> processesWith(const std::string& mark) {
+    std::vector<pid_t> found;
+    for (const auto& entry : fs::directory_iterator("/proc")) {
+        const std::string name = entry.path().filename();
+        if (std::ranges::all_of(name, [](unsigned char character) { return std::isdigit(character); }) &&
+            readFile(entry.path() / "environ").find(mark) != std::string::npos) {
+            found.push_back(std::stoi(name));
+        }
+    }
+    std::erase_if(found, [](pid_t process) { return !isAlive(process); });
+    return found;
 }
 
 std::vector<pid_t> childrenOf(pid_t process) {

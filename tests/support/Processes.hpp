@@ -71,6 +71,8 @@ class FakeProgram {
 
 /// Whether the process is there and no zombie.
 bool isAlive(pid_t process);
+/// Every process that was started with `mark` in its environment, zombies aside.
+std::vector<pid_t> processesWith(const std::string& mark);
 /// The direct children of a process, zombies included.
 std::vector<pid_t> childrenOf(pid_t process);
 /// How many descriptors this process has open.

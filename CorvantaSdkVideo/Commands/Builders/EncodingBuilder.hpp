@@ -29,7 +29,8 @@ class EncodingBuilder {
     std::optional<double> width;
     std::optional<double> height;
     CorvantaSdkVideoFrameRate framesRate = CorvantaSdkVideoFrameRate::thirtyFps;
-    /// The video streams to keep, and the audio streams by their index; with both empty every stream is kept.
+    /// The video streams to keep, and the audio streams by their index; an empty list keeps every stream of
+    /// its kind.
     std::vector<CorvantaSdkVideoEncodeVideoEntry> videoTracks;
     std::vector<std::int64_t> audioTracks;
 

@@ -15,6 +15,9 @@ namespace corvanta {
 /// list file can't hold (one with a blank or a quote) is read through a symbolic link beside the list file.
 class CorvantaSdkVideoConcatEngine : public StoredRequestEngine {
   public:
+    /// Pixels. Nothing is checked against it: copied streams keep the size that they have.
+    static constexpr double minimumSupportedResolutionDimension = 128.0;
+
     CorvantaSdkVideoConcatEngine(std::shared_ptr<CorvantaCredentialsManager> credentialsManager,
                                  FFMPEGCommandGenerator commandGenerator,
                                  std::shared_ptr<FFMPEGCommandExecutor> commandExecutor,

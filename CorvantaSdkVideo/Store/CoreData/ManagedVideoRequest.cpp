@@ -164,7 +164,7 @@ void insertRow(const NewRow& row, ManagedObjectContext& context) {
     }
 }
 
-// New values of one row; what is absent is left alone.
+// New values of one row, one at least; what is absent is left alone.
 struct NewValues {
     RowKey primaryKey;
     std::optional<std::optional<std::string>> error;
@@ -174,11 +174,17 @@ struct NewValues {
 };
 
 void updateRow(const NewValues& values, ManagedObjectContext& context) {
-    std::string sql = "UPDATE ManagedVideoRequest SET primaryKey = primaryKey";
-    sql += values.error ? ", error = ?1" : "";
-    sql += values.status ? ", status = ?2" : "";
-    sql += values.processId ? ", processId = ?3" : "";
-    sql += values.updatedAt ? ", updatedAt = ?4" : "";
+    std::string sql;
+    const auto assign = [&sql](bool present, const char* assignment) {
+        if (present) {
+            sql += sql.empty() ? "UPDATE ManagedVideoRequest SET " : ", ";
+            sql += assignment;
+        }
+    };
+    assign(values.error.has_value(), "error = ?1");
+    assign(values.status.has_value(), "status = ?2");
+    assign(values.processId.has_value(), "processId = ?3");
+    assign(values.updatedAt.has_value(), "updatedAt = ?4");
     sql += " WHERE primaryKey = ?5";
     StatementUse update(context.statement(sql));
     if (values.error) {

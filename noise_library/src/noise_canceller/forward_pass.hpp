@@ -20,6 +20,9 @@ struct PassBuffers {
     std::vector<float> linear;
     std::vector<float> joined;
     std::vector<float> gate;
+    /// Whether a frame visits matrices with the same input last to first. Weights outgrow the cache,
+    /// which still holds those visited last: by turning every frame some are found there.
+    bool turned = false;
 };
 
 /// The two branches of layer i, before they are added.
@@ -33,8 +36,11 @@ void calcBranches(std::size_t i, std::vector<float> const& x, Params const& para
     TALVO_ASSERT(params.weight_bnl[i].size() == params.weight_bl[i].size(),
                  "params.weight_bnl[i].size() == params.weight_bl[i].size()");
     TALVO_ASSERT(x.size() == linear.rowSize(), "inOut.size() == params.weight_wl[i].rowSize()");
+    if (buffers.turned)
+        UTIL_FUNCTIONS::matMulPlusB(x, linear, params.weight_bl[i], buffers.linear);
     UTIL_FUNCTIONS::matMulPlusB(x, nonLinear, params.weight_bnl[i], buffers.nonLinear);
-    UTIL_FUNCTIONS::matMulPlusB(x, linear, params.weight_bl[i], buffers.linear);
+    if (!buffers.turned)
+        UTIL_FUNCTIONS::matMulPlusB(x, linear, params.weight_bl[i], buffers.linear);
 }
 
 /// x becomes layer i of x.
@@ -122,10 +128,15 @@ std::size_t calcGatedLayers(std::vector<float>& state, std::vector<float>& inOut
                      params.weight_wgru.colSize() == params.weight_bgru.size(),
                  "params.weight_wgru.rowSize() == inOut.size() && params.weight_wgru.colSize() == "
                  "params.weight_bgru.size()");
-    applySigmoidLayer(inOut, params.weight_wgru, params.weight_bgru, buffers.gate);
+    buffers.turned = !buffers.turned;
+    if (!buffers.turned)
+        applySigmoidLayer(inOut, params.weight_wgru, params.weight_bgru, buffers.gate);
     std::size_t i = 0;
     for (; i < params.weight_wnl.size() - 1; ++i) {
-        applyLayer(i, inOut, params, buffers);
+        calcBranches(i, inOut, params, buffers);
+        if (i == 0 && buffers.turned)
+            applySigmoidLayer(inOut, params.weight_wgru, params.weight_bgru, buffers.gate);
+        UTIL_FUNCTIONS::affectV1ByReluAddV2(buffers.nonLinear, buffers.linear, inOut);
         if (i == 0)
             UTIL_FUNCTIONS::vectorSymetricSumWithCoefficient(inOut, buffers.gate, state, state);
     }

@@ -26,7 +26,7 @@ void calcRMAddNulles(std::vector<float>& inOut, Params const& params) {
 /// Near x below about 0.05, going over into x^2 above it.
 inline void calcRMModify(std::vector<float>& rm) {
     for (float& value : rm) {
-        double const x = static_cast<double>(value);
+        auto const x = static_cast<double>(value);
         double const y =
             x / (std::exp((x - 0.05) / 0.05) + 1.0) + x * x / (std::exp((x - 0.05) * -3.0 / 0.05) + 1.0);
         value = static_cast<float>(y);
@@ -48,7 +48,7 @@ void calcRMSMooth(std::vector<float>& rm, std::vector<float> const& saved_rm, Pa
 /// Presses values below the threshold down, continuously at the threshold.
 template <class Params>
 void applyRMThreshold(std::vector<float>& rm, Params const& params) {
-    TALVO_ASSERT(rm.size() > 0, "rm.size()>0");
+    TALVO_ASSERT(!rm.empty(), "rm.size()>0");
     float const threshold = params.settings.rmThreshold;
     for (float& x : rm)
         if (x < threshold)
@@ -58,7 +58,7 @@ void applyRMThreshold(std::vector<float>& rm, Params const& params) {
 /// Scales the frame down when its highest sample exceeds the point; a negative peak isn't seen.
 template <class Params>
 void applyClipFix(std::vector<float>& out, Params const& params) {
-    TALVO_ASSERT(out.size() > 0, "out.size()>0");
+    TALVO_ASSERT(!out.empty(), "out.size()>0");
     float const peak = *std::max_element(out.begin(), out.end());
     float const point = params.settings.clipFixPoint;
     if (peak > point)

@@ -48,7 +48,7 @@ ModelParams::ModelParams(WEIGHTS::Weight const& weight, std::size_t inputFrameMi
 
 WindowPtr sharedWindow(WEIGHTS::Model& model, std::string const& key, WindowGenerator generate,
                        std::size_t frameLength) {
-    WindowPtr const vecptr = shared<std::vector<float>>(model.second, key, [&] {
+    WindowPtr vecptr = shared<std::vector<float>>(model.second, key, [&] {
         std::vector<float> window(frameLength);
         generate(frameLength, window.data(), window.size());
         return window;
@@ -58,7 +58,7 @@ WindowPtr sharedWindow(WEIGHTS::Model& model, std::string const& key, WindowGene
 }
 
 std::shared_ptr<UTILS::FFT> sharedTransform(WEIGHTS::Model& model, std::size_t frameLength) {
-    auto const fftCalculatorPtr = *shared<std::shared_ptr<UTILS::FFT>>(
+    auto fftCalculatorPtr = *shared<std::shared_ptr<UTILS::FFT>>(
         model.second, "GEN_FFTCalculator", [&] { return UTILS::FFT::create(frameLength); });
     TALVO_ASSERT(fftCalculatorPtr, "fftCalculatorPtr");
     return fftCalculatorPtr;

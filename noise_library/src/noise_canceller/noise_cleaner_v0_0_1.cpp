@@ -10,10 +10,7 @@ namespace {
 CleanerParams readParams(WEIGHTS::Model& model, std::size_t inputFrameDuration) {
     CleanerParams params(*model.first, inputFrameDuration);
     SettingReader const reader(model, "NIMBA_", "_v0_0_1");
-    params.settings.readMaskCurve(reader);
-    params.settings.readClipFix(reader);
-    params.settings.readEnergyGate(reader);
-    params.settings.readRmThreshold(reader);
+    params.settings.readCommon(reader);
     auto const hamming = sharedWindow(model, "GEN_HammingWindow", UTIL_FUNCTIONS::generateHammingWindowVector,
                                       params.frameLength);
     auto const triangle = sharedWindow(model, "GEN_TriangleWindow",

@@ -6,10 +6,7 @@ namespace {
 CleanerParams readParams(WEIGHTS::Model& model, std::size_t inputFrameDuration) {
     CleanerParams params(*model.first, inputFrameDuration);
     SettingReader const reader(model, "NIMBA_", "_v0_0_2");
-    params.settings.readMaskCurve(reader);
-    params.settings.readClipFix(reader);
-    params.settings.readEnergyGate(reader);
-    params.settings.readRmThreshold(reader);
+    params.settings.readCommon(reader);
     shareVorbisWindow(params, model);
     return params;
 }

@@ -6,12 +6,7 @@ namespace {
 CleanerParams readParams(WEIGHTS::Model& model, std::size_t inputFrameDuration) {
     CleanerParams params(*model.first, inputFrameDuration);
     SettingReader const reader(model, "TALVO_", "_v0_0_5");
-    params.settings.readMaskCurve(reader);
-    params.settings.readClipFix(reader);
-    params.settings.readSkipAndVolume(reader);
-    params.settings.readEnergyGate(reader);
-    params.settings.readRmThreshold(reader);
-    params.settings.readRescale(reader, reader.flag("ENABLE_RESCALE", true));
+    params.settings.readGated(reader);
     // This key alone kept the older prefix.
     params.settings.readCompressRate(SettingReader(model, "NIMBA_", "_v0_0_5"));
     params.settings.backgroundSpeaker.read(reader);

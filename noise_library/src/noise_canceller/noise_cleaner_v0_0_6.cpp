@@ -8,12 +8,7 @@ namespace {
 CleanerParams readParams(WEIGHTS::Model& model, std::size_t inputFrameDuration) {
     CleanerParams params(*model.first, inputFrameDuration);
     SettingReader const reader(model, "NIMBA_", "_v0_0_6");
-    params.settings.readMaskCurve(reader);
-    params.settings.readClipFix(reader);
-    params.settings.readSkipAndVolume(reader);
-    params.settings.readEnergyGate(reader);
-    params.settings.readRmThreshold(reader);
-    params.settings.readRescale(reader, reader.flag("ENABLE_RESCALE", true));
+    params.settings.readGated(reader);
     params.settings.readCompressRate(reader);
     params.settings.backgroundSpeaker.read(reader);
     params.logFloor = model.first->getReference<float>("LpsEps");

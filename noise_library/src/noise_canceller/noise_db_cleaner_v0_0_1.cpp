@@ -8,12 +8,7 @@ namespace {
 CleanerParams readParams(WEIGHTS::Model& model, std::size_t inputFrameDuration) {
     CleanerParams params(*model.first, inputFrameDuration);
     SettingReader const reader(model, "NIMBA_", "_v0_0_5");
-    params.settings.readMaskCurve(reader);
-    params.settings.readClipFix(reader);
-    params.settings.readSkipAndVolume(reader);
-    params.settings.readEnergyGate(reader);
-    params.settings.readRmThreshold(reader);
-    params.settings.readRescale(reader, reader.flag("ENABLE_RESCALE", true));
+    params.settings.readGated(reader);
     params.settings.readCompressRate(reader);
     params.logFloor = 1000.0f;
     shareVorbisWindow(params, model);
@@ -55,7 +50,7 @@ void NoiseDBCleaner_v0_0_1::maskReady() {
         bool const single = i == 0 || i + 1 == spectrum_.size();
         sum += (single ? 1.0 : 2.0) * (re * re + im * im);
     }
-    double const length = static_cast<double>(params_.frameLength);
+    auto const length = static_cast<double>(params_.frameLength);
     removedSum_ += sum / (length * length);
     ++removedFrames_;
 }

@@ -6,11 +6,25 @@
 namespace TALVO::NOISE_CANCELLER {
 namespace {
 
-void warn(char const* text) {
-    std::cout << text << std::endl;
-}
+void warn(char const* text) { std::cout << text << std::endl; }
 
 } // namespace
+
+void Settings::readCommon(SettingReader const& reader) {
+    readMaskCurve(reader);
+    readClipFix(reader);
+    readEnergyGate(reader);
+    readRmThreshold(reader);
+}
+
+void Settings::readGated(SettingReader const& reader) {
+    readMaskCurve(reader);
+    readClipFix(reader);
+    readSkipAndVolume(reader);
+    readEnergyGate(reader);
+    readRmThreshold(reader);
+    readRescale(reader, reader.flag("ENABLE_RESCALE", true));
+}
 
 void Settings::readMaskCurve(SettingReader const& reader) {
     smoothCoef = reader.number("SMOOT_COEF", 1.0f);

@@ -46,14 +46,20 @@ struct Settings {
     std::size_t compressRate = 0;
     BackgroundSpeakerSettings backgroundSpeaker;
 
+    /// The groups of every version, in the order in which their warnings come.
+    void readCommon(SettingReader const& reader);
+    /// The same with what the gated versions have beside them, but for the compression.
+    void readGated(SettingReader const& reader);
+    /// The switch has been read by the caller. The references count only beside the mask threshold.
+    void readRescale(SettingReader const& reader, bool enabled);
+    void readCompressRate(SettingReader const& reader);
+
+  private:
     void readMaskCurve(SettingReader const& reader);
     void readClipFix(SettingReader const& reader);
     void readSkipAndVolume(SettingReader const& reader);
     void readEnergyGate(SettingReader const& reader);
     void readRmThreshold(SettingReader const& reader);
-    /// The switch has been read by the caller. The references count only beside the mask threshold.
-    void readRescale(SettingReader const& reader, bool enabled);
-    void readCompressRate(SettingReader const& reader);
 };
 
 } // namespace TALVO::NOISE_CANCELLER

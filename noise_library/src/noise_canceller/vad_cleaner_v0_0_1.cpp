@@ -47,7 +47,7 @@ VadCleaner_v0_0_1::VadCleaner_v0_0_1(WEIGHTS::ModelPtr model, std::size_t inputF
       state_(params_.stateSize, 0.0f) {
     std::size_t const input = params_.inputFrameDuration * params_.sampleRate / 1000;
     if (input > params_.frameLength)
-        std::cerr << "ERROR FRAMEDURATIONS" << std::endl;
+        std::cout << "ERROR FRAMEDURATIONS" << std::endl;
     else
         inputBlock_.push_backNULL(params_.frameLength - input);
     framesFutures_.push_backNULL(params_.frameCount * params_.frameFutureSize);

@@ -7,7 +7,7 @@
 #include <array>
 #include <cmath>
 #include <iostream>
-#include <limits>
+#include <type_traits>
 
 namespace TALVO::TALVO_AUDIO {
 namespace {
@@ -22,18 +22,9 @@ constexpr char shortSizes[] =
     "ERROR input dataSize or output dataSize or pointers of inputData output Data is wrong";
 
 /// A value that is no number becomes silence: in a resampler or a network it would stay for good.
-float clamped(float sample) {
-    return std::isnan(sample) ? 0.0f : std::clamp(sample, lowest, highest);
-}
+float clamped(float sample) { return std::isnan(sample) ? 0.0f : std::clamp(sample, lowest, highest); }
 
-void clampAll(std::vector<float>& samples) {
-    for (float& sample : samples)
-        sample = clamped(sample);
-}
-
-int modelRate(NOISE_CANCELLER::NoiseCleaner const& cleaner) {
-    return cleaner.weight().getWeightInfo().first;
-}
+int modelRate(NOISE_CANCELLER::NoiseCleaner const& cleaner) { return cleaner.weight().getWeightInfo().first; }
 
 /// The duration as a number; one that isn't listed can't be cut into frames at all.
 int checked(TalvoAudioFrameDuration duration) {
@@ -68,64 +59,42 @@ TalvoAudioSessionT::TalvoAudioSessionT(TalvoAudioSamplingRate inRate, TalvoAudio
 }
 
 bool TalvoAudioSessionT::cleanNoise(short const* in, std::size_t inSize, short* out, std::size_t outSize) {
-    if (!sizesFit(in, inSize, out, outSize)) {
-        reportSizes(shortSizes);
+    if (!accepts(in, inSize, out, outSize))
         return false;
-    }
     UTILS::DenormalGuard const guard;
-    load(in);
-    clean();
+    clean(in);
     TALVO_ASSERT(samples_.size() == outSize, "tempVector.size() == outSize");
     std::ranges::transform(samples_, out, [](float sample) { return static_cast<short>(clamped(sample)); });
     return true;
 }
 
 bool TalvoAudioSessionT::cleanNoise(float const* in, std::size_t inSize, float* out, std::size_t outSize) {
-    if (!sizesFit(in, inSize, out, outSize)) {
-        reportSizes(floatSizes);
+    if (!accepts(in, inSize, out, outSize))
         return false;
-    }
     UTILS::DenormalGuard const guard;
-    load(in);
-    clean();
+    clean(in);
     TALVO_ASSERT(samples_.size() == outSize, "tempVector.size()==outSize");
     std::ranges::transform(samples_, out, [](float sample) { return clamped(sample) * fromScale; });
     return true;
 }
 
 float TalvoAudioSessionT::frameVad(short const* in, std::size_t size) {
-    if (!sizesFit(in, size, in, outputSize_)) {
-        reportSizes(shortSizes);
+    if (!accepts(in, size, in, outputSize_))
         TALVO_THROW("ERROR in input values");
-    }
-    UTILS::DenormalGuard const guard;
-    load(in);
-    return measure();
+    return measure(in);
 }
 
 float TalvoAudioSessionT::frameVad(float const* in, std::size_t size) {
-    if (!sizesFit(in, size, in, outputSize_)) {
-        reportSizes(floatSizes);
-        return -2.0f;
-    }
-    UTILS::DenormalGuard const guard;
-    load(in);
-    return measure();
+    return accepts(in, size, in, outputSize_) ? measure(in) : -2.0f;
 }
 
 float TalvoAudioSessionT::frameNoiseDB(short const* in, std::size_t size) {
-    if (!sizesFit(in, size, in, outputSize_)) {
-        reportSizes(shortSizes);
+    if (!accepts(in, size, in, outputSize_))
         TALVO_THROW("ERROR in input values");
-    }
-    UTILS::DenormalGuard const guard;
-    load(in);
-    return measure();
+    return measure(in);
 }
 
-float TalvoAudioSessionT::frameNoiseDB(float const* in, std::size_t size) {
-    return frameVad(in, size);
-}
+float TalvoAudioSessionT::frameNoiseDB(float const* in, std::size_t size) { return frameVad(in, size); }
 
 bool TalvoAudioSessionT::resetNoiseDBSession() {
     cleaner_->resetSession();
@@ -134,19 +103,17 @@ bool TalvoAudioSessionT::resetNoiseDBSession() {
     return true;
 }
 
-bool TalvoAudioSessionT::sizesFit(void const* in, std::size_t inSize, void const* out,
-                                  std::size_t outSize) const {
-    return in != nullptr && out != nullptr && inSize == inputSize_ && outSize == outputSize_;
+template <class Sample>
+bool TalvoAudioSessionT::accepts(Sample const* in, std::size_t inSize, Sample const* out,
+                                 std::size_t outSize) const {
+    if (in != nullptr && out != nullptr && inSize == inputSize_ && outSize == outputSize_)
+        return true;
+    std::cerr << (std::is_same_v<Sample, short> ? shortSizes : floatSizes) << "\n input size must be "
+              << inputSize_ << "\n output size must be " << outputSize_ << std::endl;
+    return false;
 }
 
-void TalvoAudioSessionT::reportSizes(char const* text) const {
-    std::cerr << text << "\n input size must be " << inputSize_ << "\n output size must be " << outputSize_
-              << std::endl;
-}
-
-void TalvoAudioSessionT::load(short const* in) {
-    samples_.assign(in, in + inputSize_);
-}
+void TalvoAudioSessionT::load(short const* in) { samples_.assign(in, in + inputSize_); }
 
 void TalvoAudioSessionT::load(float const* in) {
     samples_.resize(inputSize_);
@@ -156,26 +123,35 @@ void TalvoAudioSessionT::load(float const* in) {
     });
 }
 
-/// What the model's rate and then the cleaner make of the frame loaded.
-float TalvoAudioSessionT::measure() {
-    if (resamplerIn_.resample(samples_, resampled_) > 0)
-        samples_.swap(resampled_);
-    clampAll(samples_);
+template <class Sample>
+void TalvoAudioSessionT::runCleaner(Sample const* in) {
+    load(in);
+    resample(resamplerIn_);
+    for (float& sample : samples_)
+        sample = clamped(sample);
     cleaner_->cleanNoise(samples_);
+}
+
+template <class Sample>
+float TalvoAudioSessionT::measure(Sample const* in) {
+    UTILS::DenormalGuard const guard;
+    runCleaner(in);
     float const value = samples_.at(0);
     return std::isnan(value) ? 0.0f : value;
 }
 
-void TalvoAudioSessionT::clean() {
-    if (resamplerIn_.resample(samples_, resampled_) > 0)
-        samples_.swap(resampled_);
-    clampAll(samples_);
-    cleaner_->cleanNoise(samples_);
+template <class Sample>
+void TalvoAudioSessionT::clean(Sample const* in) {
+    runCleaner(in);
     // What a model makes of a frame must not stay in the filter either.
     for (float& sample : samples_)
         if (!std::isfinite(sample))
             sample = clamped(sample);
-    if (resamplerOut_.resample(samples_, resampled_) > 0)
+    resample(resamplerOut_);
+}
+
+void TalvoAudioSessionT::resample(UTILS::Resampler& resampler) {
+    if (resampler.resample(samples_, resampled_) > 0)
         samples_.swap(resampled_);
 }
 

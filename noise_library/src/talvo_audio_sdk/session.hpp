@@ -35,12 +35,19 @@ class TalvoAudioSessionT {
     bool resetNoiseDBSession();
 
   private:
-    bool sizesFit(void const* in, std::size_t inSize, void const* out, std::size_t outSize) const;
-    void reportSizes(char const* text) const;
+    /// Reports a wrong size or a null pointer, in the words of the sample's form.
+    template <class Sample>
+    bool accepts(Sample const* in, std::size_t inSize, Sample const* out, std::size_t outSize) const;
     void load(short const* in);
     void load(float const* in);
-    void clean();
-    float measure();
+    /// What the model's rate and then the cleaner make of a frame, into samples_.
+    template <class Sample>
+    void runCleaner(Sample const* in);
+    template <class Sample>
+    void clean(Sample const* in);
+    template <class Sample>
+    float measure(Sample const* in);
+    void resample(UTILS::Resampler& resampler);
 
     std::unique_ptr<NOISE_CANCELLER::NoiseCleaner> cleaner_;
     UTILS::Resampler resamplerIn_;

@@ -83,6 +83,13 @@ TalvoAudioSessionT* sessionOf(void* handle, TalvoAudioSessionType kind) {
 
 constexpr float wrongSession = -4.0f;
 
+int resetSession(void* handle) {
+    TalvoAudioSessionT* const session = sessionOf(handle, TalvoAudioSessionType::noiseLevel);
+    if (session == nullptr)
+        TALVO_THROW("Trying to reset a non-existant session or session of incompatible type");
+    return session->resetNoiseDBSession();
+}
+
 template <class Sample>
 int cleanFrame(void* handle, Sample const* in, unsigned inSize, Sample* out, unsigned outSize) noexcept {
     return guardedCode([&] {
@@ -95,15 +102,16 @@ int cleanFrame(void* handle, Sample const* in, unsigned inSize, Sample* out, uns
     });
 }
 
-template <class Sample>
-float noiseLevelFrame(void* handle, Sample const* in, unsigned size) noexcept {
+/// What `frame` measures on the session behind a handle of that kind.
+template <class Frame>
+float measuredFrame(void* handle, TalvoAudioSessionType kind, Frame frame) noexcept {
     return guardedFloat([&] {
-        TalvoAudioSessionT* const session = sessionOf(handle, TalvoAudioSessionType::noiseLevel);
+        TalvoAudioSessionT* const session = sessionOf(handle, kind);
         if (session == nullptr) {
             reportWrongSession();
             return wrongSession;
         }
-        return session->frameNoiseDB(in, size);
+        return frame(*session);
     });
 }
 
@@ -169,12 +177,7 @@ int talvoAudioNoiseDbCloseSession(void* session) {
 }
 
 int talvoAudioNoiseDbResetSession(void* session) {
-    return guardedCode([&]() -> int {
-        TalvoAudioSessionT* const found = sessionOf(session, TalvoAudioSessionType::noiseLevel);
-        if (found == nullptr)
-            TALVO_THROW("Trying to reset a non-existant session or session of incompatible type");
-        return found->resetNoiseDBSession();
-    });
+    return guardedCode([&] { return resetSession(session); });
 }
 
 int talvoAudioNcCleanAmbientNoiseInt16(void* session, short const* in, unsigned inSize, short* out,
@@ -188,35 +191,29 @@ int talvoAudioNcCleanAmbientNoiseFloat(void* session, float const* in, unsigned 
 }
 
 float talvoAudioVadFrameInt16(void* session, short const* in, unsigned size) {
-    return guardedFloat([&] {
-        TalvoAudioSessionT* const found = sessionOf(session, TalvoAudioSessionType::voiceActivity);
-        if (found == nullptr) {
-            reportWrongSession();
-            return wrongSession;
-        }
-        return found->frameVad(in, size);
-    });
+    return measuredFrame(session, TalvoAudioSessionType::voiceActivity,
+                         [&](TalvoAudioSessionT& found) { return found.frameVad(in, size); });
 }
 
 float talvoAudioVadFrameFloat(void* session, float const* in, unsigned size) {
-    return guardedFloat([&] {
-        if (TalvoAudioSessionT* const found = sessionOf(session, TalvoAudioSessionType::voiceActivity)) {
-            float const result = found->frameVad(in, size);
-            if (result >= 0.0f && result <= 1.0f)
-                return result;
-            std::cerr << "THE CLEANING ERROR OUTPUT result " << result << std::endl;
-        }
+    return measuredFrame(session, TalvoAudioSessionType::voiceActivity, [&](TalvoAudioSessionT& found) {
+        float const result = found.frameVad(in, size);
+        if (result >= 0.0f && result <= 1.0f)
+            return result;
+        std::cerr << "THE CLEANING ERROR OUTPUT result " << result << std::endl;
         reportWrongSession();
         return wrongSession;
     });
 }
 
 float talvoAudioNoiseDbFrameInt16(void* session, short const* in, unsigned size) {
-    return noiseLevelFrame(session, in, size);
+    return measuredFrame(session, TalvoAudioSessionType::noiseLevel,
+                         [&](TalvoAudioSessionT& found) { return found.frameNoiseDB(in, size); });
 }
 
 float talvoAudioNoiseDbFrameFloat(void* session, float const* in, unsigned size) {
-    return noiseLevelFrame(session, in, size);
+    return measuredFrame(session, TalvoAudioSessionType::noiseLevel,
+                         [&](TalvoAudioSessionT& found) { return found.frameNoiseDB(in, size); });
 }
 
 int talvoAudioNcBackgroundSpeakerFixOnOff(void* session, bool on) {

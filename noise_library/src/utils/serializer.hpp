@@ -13,6 +13,8 @@ namespace TALVO::UTILS {
 /// read: the stream is at its end then, and nothing is allocated for it.
 class Serializer {
   public:
+    Serializer(Serializer const&) = delete;
+    Serializer& operator=(Serializer const&) = delete;
     virtual ~Serializer() = default;
 
     Serializer& operator>>(int& value);
@@ -30,8 +32,6 @@ class Serializer {
 
   protected:
     explicit Serializer(std::istream& in) : in_(in) {}
-    Serializer(Serializer const&) = delete;
-    Serializer& operator=(Serializer const&) = delete;
 
     /// The bytes there are in all, known to the owner of the stream.
     void setSize(std::uint64_t size) { size_ = size; }

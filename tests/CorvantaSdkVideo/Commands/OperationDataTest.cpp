@@ -64,13 +64,18 @@ TEST(OperationData, IsWrittenInTheOrderOfItsFieldsAndReadBack) {
     EXPECT_EQ(read->audioTracks, data.audioTracks);
     EXPECT_EQ(read->width, 128);
     EXPECT_EQ(read->height, std::nullopt);
+    const CorvantaSdkVideoMergeVideoTrack track{{{0, 1}}, {}, 720};
+    const std::string trackText = R"({"tracks":[{"fileIndex":0,"entryIndex":1}],"height":720})";
+    EXPECT_EQ(jsonRepresentation(track), trackText);
+    EXPECT_EQ(decode<CorvantaSdkVideoMergeVideoTrack>(trackText), track);
 }
 
-TEST(OperationData, ThatIsNoNumberHasNoText) {
+TEST(OperationData, ThatCantBeWrittenHasNoText) {
     for (const double size : {infinite, -infinite, std::numeric_limits<double>::quiet_NaN()}) {
         EXPECT_EQ(jsonRepresentation(merge(size, {}).serializable()), std::nullopt);
         EXPECT_EQ(jsonRepresentation(encoding({}, size).serializable()), std::nullopt);
     }
+    EXPECT_EQ(jsonRepresentation(StoredMerge{{}, {}, {}, {}, "\xff"}), std::nullopt);
 }
 
 TEST(OperationData, IsReadStrictlyButForWhatCanBeAbsent) {

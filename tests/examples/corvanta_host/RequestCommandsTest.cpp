@@ -239,6 +239,13 @@ TEST_F(RequestCommandsTest, StopOnInterrupts) {
         EXPECT_EQ(id.empty() ? emission.size() : 1U, id.empty() ? 2U : 1U);
         EXPECT_EQ((id.empty() ? emission[1] : emission)["status"], "idle");
     }
+    Program host(CORVANTA_HOST, {"watch"}, options_);
+    EXPECT_TRUE(eventually([&] { return host.output().ends_with('\n'); }));
+    host.signal(SIGTERM);
+    EXPECT_EQ(host.wait(), 0);
+    EXPECT_TRUE(std::regex_match(host.output(), std::regex("2 requests: " + idPattern + " merge cancelled, " +
+                                                           idPattern + " concat idle\n")))
+        << host.output();
 }
 
 } // namespace

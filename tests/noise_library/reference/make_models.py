@@ -1,23 +1,14 @@
-#!/usr/bin/env python3
 """Makes small random models of every version, the same for the same seed.
 
 They clean nothing well, but they are sane: their recurrences forget, their masks use the range
 between 0 and 1, and rounding isn't magnified, so that two implementations can be compared.
-
-As a program it writes one model of every version into a folder, plain, enciphered and with a
-control file: make_models.py FOLDER [--seed N]
 """
 
-import argparse
-import sys
-from pathlib import Path
-
 import numpy as np
+from weights import Kind, Record
 
-sys.path.insert(0, str(Path(__file__).resolve().parents[3] / "tools/noise_model"))
-from weights import Kind, Record, write_control, write_weights  # noqa: E402
+from .cleaners import groups
 
-VERSIONS = ("0.0.1", "0.0.2", "0.0.3", "0.0.4", "0.0.5", "0.0.6", "VAD_0.0.1")
 DEFAULT_RATE = 2
 
 
@@ -56,15 +47,6 @@ class _Random:
         return (gain / np.sqrt(rows) * self.generator.standard_normal((rows, cols))).astype(np.float32)
 
 
-def _band_widths(size, rate):
-    """How many bins each band sums, lowest first."""
-    widths = [1] * (2 * size >> (rate + 1))
-    for octave in range(1, rate + 1):
-        octave_size = (2 * size >> (rate + 1)) << (octave - 1)
-        widths += [1 << octave] * (octave_size >> octave)
-    return np.array(widths)
-
-
 def make_model(version, seed=1, rate=16000, frame_ms=20, preview=3, begin=1, end=None, hidden=(20, 26, 20),
                compress=DEFAULT_RATE, tile_mean=True, noise_frames=6, openness=0.5, minmax=True, floor=True):
     """The records of one model.
@@ -81,9 +63,9 @@ def make_model(version, seed=1, rate=16000, frame_ms=20, preview=3, begin=1, end
     end = bins if end is None else end
     widths = np.ones(end - begin, int)
     if version in ("0.0.4", "0.0.5", "0.0.6"):
-        widths = _band_widths(end - begin, compress)
+        widths = np.array([width for _, width in groups(end - begin, compress + 1)])
     elif voice:
-        widths = np.concatenate([[1], _band_widths(bins - 1, 2)])
+        widths = np.array([1, *(width for _, width in groups(bins - 1, 3))])
     bands, state = widths.size, hidden[-1]
 
     # Where speech at a tenth of full scale lies; in 0.0.4 the logarithms themselves are summed.
@@ -147,22 +129,3 @@ def make_model(version, seed=1, rate=16000, frame_ms=20, preview=3, begin=1, end
             records["SD_FLOOR"] = Record(Kind.FLOAT, 0.75)
     return records
 
-
-def main():
-    parser = argparse.ArgumentParser(description="Writes a small random model of every version.")
-    parser.add_argument("folder", type=Path)
-    parser.add_argument("--seed", type=int, default=1)
-    arguments = parser.parse_args()
-    arguments.folder.mkdir(parents=True, exist_ok=True)
-    for version in VERSIONS:
-        stem = "model_" + version.replace(".", "_")
-        records = make_model(version, arguments.seed)
-        for extension in (".nmw", ".tw"):
-            write_weights(arguments.folder / (stem + extension), records)
-        kind, name = ("vad", "ENABLE_STATE_RESET") if version.startswith("VAD") else ("clean", "SMOOT_RM_MODIFY")
-        pairs = [("WEIGHT", stem + ".nmw"), (setting_key(version, name, kind), "TRUE")]
-        write_control(arguments.folder / (stem + ".cfg"), pairs)
-
-
-if __name__ == "__main__":
-    main()

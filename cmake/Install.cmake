@@ -1,0 +1,90 @@
+# What `cmake --install` writes, by component:
+#   runtime             the libraries that a built host loads, and the module's version
+#   models              the noise model
+#   development         headers, CMake package and pkg-config files of the module and the audio library
+#   editor              the editor's library
+#   editor_development  its headers, CMake targets and pkg-config file
+#   examples            the example programs and their sources
+# The prefix may be moved: nothing that is installed knows its own place.
+include(CMakePackageConfigHelpers)
+
+set(CORVANTA_INSTALL_INCLUDEDIR ${CMAKE_INSTALL_INCLUDEDIR}/corvanta-sdk-video)
+set(CORVANTA_INSTALL_DATADIR share/corvanta-sdk-video) # where platform/Bundle.cpp looks
+set(CORVANTA_INSTALL_CMAKEDIR ${CMAKE_INSTALL_LIBDIR}/cmake/CorvantaSdkVideo)
+set(CORVANTA_INSTALL_PKGCONFIGDIR ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+set(CORVANTA_INSTALL_EXAMPLESDIR share/doc/corvanta-sdk-video/examples)
+
+# corvanta_install_library(TARGET EXPORT_SET RUNTIME_COMPONENT DEVELOPMENT_COMPONENT INCLUDE_DIRECTORY)
+function(corvanta_install_library TARGET EXPORT_SET RUNTIME DEVELOPMENT INCLUDEDIR)
+    set_target_properties(${TARGET} PROPERTIES INSTALL_RPATH "$ORIGIN")
+    install(TARGETS ${TARGET} EXPORT ${EXPORT_SET}
+        LIBRARY
+            DESTINATION ${CMAKE_INSTALL_LIBDIR}
+            COMPONENT ${RUNTIME}
+            NAMELINK_COMPONENT ${DEVELOPMENT}
+        FILE_SET HEADERS
+            DESTINATION ${INCLUDEDIR}
+            COMPONENT ${DEVELOPMENT})
+endfunction()
+
+# corvanta_install_pkgconfig(NAME COMPONENT)
+function(corvanta_install_pkgconfig NAME COMPONENT)
+    file(RELATIVE_PATH up /${CORVANTA_INSTALL_PKGCONFIGDIR} /)
+    string(REGEX REPLACE "/$" "" PREFIX_FROM_PKGCONFIG "${up}")
+    configure_file(cmake/package/${NAME}.pc.in ${PROJECT_BINARY_DIR}/package/${NAME}.pc @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/package/${NAME}.pc
+        DESTINATION ${CORVANTA_INSTALL_PKGCONFIGDIR} COMPONENT ${COMPONENT})
+endfunction()
+
+# corvanta_install_targets_file(EXPORT_SET COMPONENT)
+function(corvanta_install_targets_file EXPORT_SET COMPONENT)
+    install(EXPORT ${EXPORT_SET} NAMESPACE CorvantaSdkVideo::
+        DESTINATION ${CORVANTA_INSTALL_CMAKEDIR} COMPONENT ${COMPONENT})
+endfunction()
+
+corvanta_install_library(talvo_audio CorvantaSdkVideoTargets runtime development ${CMAKE_INSTALL_INCLUDEDIR})
+corvanta_install_library(corvanta_sdk_video CorvantaSdkVideoTargets runtime development ${CORVANTA_INSTALL_INCLUDEDIR})
+install(FILES resources/version.properties DESTINATION ${CORVANTA_INSTALL_DATADIR} COMPONENT runtime)
+install(FILES resources/c6.f.s.ced125.tw DESTINATION ${CORVANTA_INSTALL_DATADIR} COMPONENT models)
+
+# The consumer must find the Qt that the editor's headers use.
+set(CORVANTA_EDITOR_QT_COMPONENTS)
+if(CORVANTA_BUILD_EDITOR)
+    get_target_property(links corvanta_sdk_video_editor INTERFACE_LINK_LIBRARIES)
+    list(FILTER links INCLUDE REGEX "^Qt6::")
+    list(TRANSFORM links REPLACE "^Qt6::" "")
+    string(REPLACE ";" " " CORVANTA_EDITOR_QT_COMPONENTS "${links}")
+    list(TRANSFORM links PREPEND ", Qt6")
+    string(REPLACE ";" "" CORVANTA_EDITOR_QT_PKGCONFIG "${links}")
+endif()
+
+configure_package_config_file(cmake/package/CorvantaSdkVideoConfig.cmake.in
+    ${PROJECT_BINARY_DIR}/package/CorvantaSdkVideoConfig.cmake
+    INSTALL_DESTINATION ${CORVANTA_INSTALL_CMAKEDIR})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/package/CorvantaSdkVideoConfigVersion.cmake
+    COMPATIBILITY SameMinorVersion)
+install(FILES
+    ${PROJECT_BINARY_DIR}/package/CorvantaSdkVideoConfig.cmake
+    ${PROJECT_BINARY_DIR}/package/CorvantaSdkVideoConfigVersion.cmake
+    DESTINATION ${CORVANTA_INSTALL_CMAKEDIR} COMPONENT development)
+corvanta_install_targets_file(CorvantaSdkVideoTargets development)
+corvanta_install_pkgconfig(talvo_audio development)
+corvanta_install_pkgconfig(corvanta-sdk-video development)
+
+if(CORVANTA_BUILD_EDITOR)
+    corvanta_install_library(
+        corvanta_sdk_video_editor CorvantaSdkVideoEditorTargets editor editor_development ${CORVANTA_INSTALL_INCLUDEDIR})
+    corvanta_install_targets_file(CorvantaSdkVideoEditorTargets editor_development)
+    corvanta_install_pkgconfig(corvanta-sdk-video-editor editor_development)
+endif()
+
+if(CORVANTA_BUILD_EXAMPLES)
+    set(programs clean_pcm corvanta_host)
+    if(TARGET corvanta_editor_host)
+        list(APPEND programs corvanta_editor_host)
+    endif()
+    set_target_properties(${programs} PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+    install(TARGETS ${programs} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT examples)
+    install(DIRECTORY examples/ DESTINATION ${CORVANTA_INSTALL_EXAMPLESDIR} COMPONENT examples
+        PATTERN CMakeLists.txt EXCLUDE)
+endif()

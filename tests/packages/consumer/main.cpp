@@ -1,0 +1,14 @@
+// Compiles every installed header of the module and the README's examples, and frees a clip's sound from
+// noise: consumer NOISY CLEANED
+#include "all_headers.hpp"
+#include "readme.hpp"
+
+#include <iostream>
+
+int main(int, char** arguments) {
+    SharedCorvantaSdkCommonKt::sdk_common().setAuth(std::make_shared<SharedCorvantaSdkFixedAuth>(true));
+    const CorvantaSdkVideoFile noisy(URL::fromFilePath(arguments[1]));
+    const auto cleaned = CorvantaSdkVideoFileDescriptor::custom(arguments[2]);
+    std::cout << runBlocking(CorvantaSdkVideo->engine()->clearNoiseForFile(noisy, cleaned)).fileURL.path()
+              << '\n';
+}
