@@ -45,6 +45,7 @@ if(CORVANTA_BUILD_EDITOR)
     corvanta_debian_package(editor ${editor} "Client-side video module: editor"
         DEPENDS
             "${soname} ${same}"
+            qml6-module-qtquick qml6-module-qtquick-window qml6-module-qtquick-shapes qml6-module-qtqml-workerscript
             gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-libav fonts-dejavu-core)
     corvanta_debian_package(editor_development libcorvanta-sdk-video-editor-dev
         "Client-side video module: headers of the editor"

@@ -50,6 +50,8 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     Q_PROPERTY(double trimmerStart READ trimmerStart NOTIFY trimmerStartChanged)
     Q_PROPERTY(double stopAt READ stopAt NOTIFY stopAtChanged)
     Q_PROPERTY(bool isTrimmerRangeVisible READ isTrimmerRangeVisible NOTIFY isTrimmerRangeVisibleChanged)
+    Q_PROPERTY(int thumbnailCount MEMBER thumbnailCount CONSTANT)
+    Q_PROPERTY(int totalTrimmerHorizontalPadding READ totalTrimmerHorizontalPadding CONSTANT)
 
     // Playback, sound and rotation
     Q_PROPERTY(bool didFinishPlaying READ didFinishPlaying NOTIFY didFinishPlayingChanged)

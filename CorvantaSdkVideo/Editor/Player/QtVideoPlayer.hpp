@@ -9,8 +9,6 @@
 #include <memory>
 #include <optional>
 
-class QVideoSink;
-
 namespace corvanta {
 
 /// Plays with Qt Multimedia. Silent on a machine without an audio device, where the volume is still kept.
@@ -25,14 +23,12 @@ class QtVideoPlayer : public VideoPlayer {
 
     static std::unique_ptr<VideoPlayer> make(const URL& url);
 
-    /// Where the frames go; it must outlive the player or be taken away with a null pointer.
-    void setVideoSink(QVideoSink* sink);
-
     void play() override;
     void pause() override;
     void seek(double seconds) override;
     float volume() const override;
     void setVolume(float volume) override;
+    void setVideoSink(QVideoSink* sink) override;
 
   private:
     void mediaStatusChanged(QMediaPlayer::MediaStatus status);

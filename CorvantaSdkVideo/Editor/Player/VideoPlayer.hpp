@@ -7,6 +7,8 @@
 #include <functional>
 #include <memory>
 
+class QVideoSink;
+
 namespace corvanta {
 
 /// What the editor needs of a player for one file. Paused at first, with a volume of 1. Used on the Qt
@@ -23,6 +25,9 @@ class VideoPlayer : public QObject {
     /// 0 to 1.
     virtual float volume() const = 0;
     virtual void setVolume(float volume) = 0;
+
+    /// Where the frames go; it must outlive the player or be taken away with a null pointer.
+    virtual void setVideoSink(QVideoSink* sink) = 0;
 
   Q_SIGNALS:
     /// About once in each second of the file while it plays.

@@ -25,6 +25,7 @@ class FakePlayer : public VideoPlayer {
     void seek(double seconds) override { calls.push_back("seek " + std::to_string(seconds)); }
     float volume() const override { return volume_; }
     void setVolume(float volume) override { volume_ = volume; }
+    void setVideoSink(QVideoSink*) override {}
 
     std::vector<std::string> takeCalls() { return std::exchange(calls, {}); }
 

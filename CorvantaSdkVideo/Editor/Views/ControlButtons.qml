@@ -1,0 +1,58 @@
+import QtQuick
+import CorvantaSdkVideo.Editor
+
+Item {
+    id: row
+
+    required property EditorView view
+    readonly property CorvantaSdkVideoEditorViewModel viewModel: view.viewModel
+
+    implicitHeight: close.height
+
+    GrayButton {
+        id: close
+        anchors.left: parent.left
+        label: "Close"
+        icon: "close"
+        // It does nothing while an edit runs.
+        enabled: !row.viewModel.isTrimming
+        onClicked: row.view.closeTrimmer()
+    }
+
+    Pressable {
+        id: confirm
+
+        anchors.right: parent.right
+        anchors.verticalCenter: parent.verticalCenter
+        width: confirmText.implicitWidth + 2 * 8
+        height: confirmText.implicitHeight + 2 * 8
+        visible: !row.viewModel.isTrimming
+        label: "Continue"
+        onClicked: row.view.trimVideo()
+
+        Rectangle {
+            anchors.fill: parent
+            radius: 2
+            color: Qt.rgba(0, 0, 0, 0.7)
+            border.color: "white"
+            border.width: 1
+        }
+        Text {
+            id: confirmText
+            anchors.centerIn: parent
+            text: "CONTINUE"
+            color: "white"
+            font.pixelSize: 17
+        }
+        FocusRing {
+            target: confirm
+            radius: 6
+        }
+    }
+    ProgressSpinner {
+        anchors.right: parent.right
+        anchors.rightMargin: 8
+        anchors.verticalCenter: parent.verticalCenter
+        visible: row.viewModel.isTrimming
+    }
+}

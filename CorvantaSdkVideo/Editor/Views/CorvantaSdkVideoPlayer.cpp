@@ -1,0 +1,96 @@
+#include <CorvantaSdkVideo/Editor/Views/CorvantaSdkVideoPlayer.hpp>
+
+#include <QPainter>
+#include <QPainterPath>
+
+namespace corvanta {
+
+CorvantaSdkVideoPlayer::CorvantaSdkVideoPlayer(QQuickItem* parent) : QQuickPaintedItem(parent) {
+    setAntialiasing(true);
+    connect(&sink_, &QVideoSink::videoFrameChanged, this, &CorvantaSdkVideoPlayer::takeFrame);
+    connect(this, &CorvantaSdkVideoPlayer::radiusChanged, this, [this] { update(); });
+}
+
+CorvantaSdkVideoPlayer::~CorvantaSdkVideoPlayer() { detach(); }
+
+void CorvantaSdkVideoPlayer::setViewModel(CorvantaSdkVideoEditorViewModel* viewModel) {
+    if (viewModel == viewModel_) {
+        return;
+    }
+    detach();
+    viewModel_ = viewModel;
+    if (viewModel != nullptr) {
+        player_ = &viewModel->videoPlayer();
+        player_->setVideoSink(&sink_);
+    }
+    Q_EMIT viewModelChanged();
+}
+
+void CorvantaSdkVideoPlayer::detach() {
+    if (player_) {
+        player_->setVideoSink(nullptr);
+    }
+}
+
+void CorvantaSdkVideoPlayer::takeFrame(const QVideoFrame& frame) {
+    // An empty one comes when the player stops: the last picture stays.
+    if (!frame.isValid()) {
+        return;
+    }
+    frame_ = frame;
+    QSizeF size = frame.size();
+    if (frame.rotationAngle() % 180 != 0) {
+        size.transpose();
+    }
+    const double aspectRatio = size.height() > 0 ? size.width() / size.height() : 0;
+    if (aspectRatio != frameAspectRatio_) {
+        frameAspectRatio_ = aspectRatio;
+        Q_EMIT frameAspectRatioChanged();
+    }
+    update();
+}
+
+QSGNode* CorvantaSdkVideoPlayer::updatePaintNode(QSGNode* node, UpdatePaintNodeData* data) {
+    if (frame_.isValid()) {
+        paintedFrame_ = std::exchange(frame_, {});
+        isImageStale_ = true;
+    }
+    return QQuickPaintedItem::updatePaintNode(node, data);
+}
+
+void CorvantaSdkVideoPlayer::paint(QPainter* painter) {
+    if (isImageStale_) {
+        paintedImage_ = paintedFrame_.toImage();
+        isImageStale_ = false;
+    }
+    const QRectF bounds = boundingRect();
+    const QTransform toDevice = painter->transform();
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(Qt::black);
+    painter->drawRoundedRect(bounds, radius_, radius_);
+    if (paintedImage_.isNull()) {
+        return;
+    }
+    const QSizeF fitted = QSizeF(paintedImage_.size()).scaled(bounds.size(), Qt::KeepAspectRatio);
+    const QSize pixels(qRound(fitted.width() * toDevice.m11()), qRound(fitted.height() * toDevice.m22()));
+    // A painter scales down by leaving pixels out, which glitters.
+    const bool isMuchSmaller = pixels.width() * 2 < paintedImage_.width();
+    const QImage picture = isMuchSmaller
+                               ? paintedImage_.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+                               : paintedImage_;
+    const QRectF place(
+        QPointF((bounds.width() - fitted.width()) / 2, (bounds.height() - fitted.height()) / 2), fitted);
+    // A brush, since a clip's border is not smooth.
+    QBrush brush(picture);
+    brush.setTransform(QTransform::fromTranslate(place.x(), place.y())
+                           .scale(fitted.width() / picture.width(), fitted.height() / picture.height()));
+    QPainterPath corners;
+    corners.addRoundedRect(bounds, radius_, radius_);
+    QPainterPath area;
+    area.addRect(place);
+    painter->setRenderHint(QPainter::SmoothPixmapTransform);
+    painter->fillPath(area.contains(bounds.adjusted(1, 1, -1, -1)) ? corners : corners.intersected(area),
+                      brush);
+}
+
+} // namespace corvanta

@@ -1,0 +1,10 @@
+import QtQuick
+import CorvantaSdkVideo.Editor
+
+Alert {
+    /// The description of an error.
+    required property string error
+
+    title: "Error"
+    message: error
+}

@@ -1,0 +1,12 @@
+import QtQuick
+import CorvantaSdkVideo.Editor
+
+GrayButton {
+    required property CorvantaSdkVideoEditorViewModel viewModel
+
+    label: "Play"
+    icon: "play"
+    diameter: 40
+    iconSize: 20
+    onClicked: viewModel.handleAction()
+}

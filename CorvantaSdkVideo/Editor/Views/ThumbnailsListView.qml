@@ -1,0 +1,151 @@
+import QtQuick
+import CorvantaSdkVideo.Editor
+
+/// The trimmer's strip: thumbnails, and over them the frame around what is kept.
+Item {
+    id: strip
+
+    enum Edge { LeftEdge, CenterEdge, RightEdge }
+
+    /// Whose thumbnails these are.
+    required property CorvantaSdkVideoEditorViewModel viewModel
+    required property size trimmerSize
+    required property real trimmerXOffset
+    required property real leftSpaceSize
+    required property real rightSpaceSize
+    required property size thumbnailSize
+    required property real totalHorizontalPadding
+    required property color trimmerBorderColor
+    required property bool showRightWhiteSpace
+
+    /// A drag's location, and the strip in the same coordinates.
+    signal applyTrimming(point location, rect frame)
+
+    readonly property real edgesSize: 8
+    readonly property real edgesAdditionalHeight: 6
+    readonly property real edgesAdditionalPadding: 16
+    readonly property real edgesCornerRadius: 5
+    readonly property real trimmerBorderSize: 4
+
+    readonly property int thumbnailCount: viewModel.thumbnailCount
+    /// What lies beyond the thumbnails at each end.
+    readonly property real sidePadding: totalHorizontalPadding - edgesSize
+    readonly property real frameEnd: trimmerXOffset + trimmerSize.width
+
+    /// The one that the keyboard moves: the last one that was touched.
+    property int selectedEdge: ThumbnailsListView.LeftEdge
+
+    function centerOf(edge) {
+        const grip = edgesSize / 2 + edgesAdditionalPadding / 2
+        return edge === ThumbnailsListView.LeftEdge ? trimmerXOffset + grip
+             : edge === ThumbnailsListView.RightEdge ? frameEnd - grip : trimmerXOffset + trimmerSize.width / 2
+    }
+    function moveSelectedEdge(distance) {
+        applyTrimming(Qt.point(centerOf(selectedEdge) + distance, height / 2), Qt.rect(0, 0, width, height))
+    }
+    function selectEdgeAt(x) {
+        const distance = edge => Math.abs(x - centerOf(edge))
+        selectedEdge = [ThumbnailsListView.LeftEdge, ThumbnailsListView.CenterEdge, ThumbnailsListView.RightEdge].reduce(
+            (nearest, edge) => distance(edge) < distance(nearest) ? edge : nearest)
+    }
+
+    implicitWidth: 2 * sidePadding + thumbnailCount * thumbnailSize.width
+    implicitHeight: trimmerSize.height
+
+    Repeater {
+        model: strip.thumbnailCount
+
+        ThumbnailImage {
+            required property int modelData
+
+            function onPixel(index) {
+                const position = strip.sidePadding + index * strip.thumbnailSize.width
+                return Math.round(position * Screen.devicePixelRatio) / Screen.devicePixelRatio
+            }
+
+            // On whole pixels, or seams show between them.
+            x: onPixel(modelData)
+            width: onPixel(modelData + 1) - x
+            height: strip.thumbnailSize.height
+            viewModel: strip.viewModel
+            index: modelData
+        }
+    }
+
+    // What is cut off.
+    Rectangle {
+        x: strip.leftSpaceSize
+        width: Math.max(0, strip.trimmerXOffset - x)
+        height: parent.height
+        color: CorvantaColor.gray
+        opacity: 0.8
+    }
+    Rectangle {
+        x: strip.frameEnd
+        width: Math.max(0, strip.width - x - (strip.showRightWhiteSpace ? strip.rightSpaceSize : 0))
+        height: parent.height
+        color: CorvantaColor.gray
+        opacity: 0.8
+    }
+
+    Item {
+        id: frame
+        x: strip.trimmerXOffset
+        width: strip.trimmerSize.width
+        height: strip.trimmerSize.height
+
+        Rectangle {
+            x: strip.edgesSize
+            width: parent.width - 2 * strip.edgesSize
+            height: strip.trimmerBorderSize
+            color: strip.trimmerBorderColor
+        }
+        Rectangle {
+            anchors.bottom: parent.bottom
+            x: strip.edgesSize
+            width: parent.width - 2 * strip.edgesSize
+            height: strip.trimmerBorderSize
+            color: strip.trimmerBorderColor
+        }
+        TrimHandle {
+            anchors { left: parent.left; verticalCenter: parent.verticalCenter }
+            width: strip.edgesSize
+            height: parent.height + strip.edgesAdditionalHeight
+            isLeft: true
+            color: strip.trimmerBorderColor
+            cornerRadius: strip.edgesCornerRadius
+            outerPadding: strip.edgesAdditionalPadding
+            onActiveFocusChanged: if (activeFocus) strip.selectedEdge = ThumbnailsListView.LeftEdge
+        }
+        TrimHandle {
+            anchors { right: parent.right; verticalCenter: parent.verticalCenter }
+            width: strip.edgesSize
+            height: parent.height + strip.edgesAdditionalHeight
+            isLeft: false
+            color: strip.trimmerBorderColor
+            cornerRadius: strip.edgesCornerRadius
+            outerPadding: strip.edgesAdditionalPadding
+            onActiveFocusChanged: if (activeFocus) strip.selectedEdge = ThumbnailsListView.RightEdge
+        }
+    }
+
+    MouseArea {
+        property point start
+        property bool isDragging: false
+
+        anchors.fill: parent
+        preventStealing: true
+        onPressed: mouse => {
+            start = Qt.point(mouse.x, mouse.y)
+            isDragging = false
+            strip.selectEdgeAt(mouse.x)
+        }
+        onPositionChanged: mouse => {
+            const distance = Math.max(Math.abs(mouse.x - start.x), Math.abs(mouse.y - start.y))
+            isDragging = isDragging || distance >= Qt.styleHints.startDragDistance
+            if (isDragging) {
+                strip.applyTrimming(Qt.point(mouse.x, mouse.y), Qt.rect(0, 0, strip.width, strip.height))
+            }
+        }
+    }
+}

@@ -1,0 +1,39 @@
+import QtQuick
+import CorvantaSdkVideo.Editor
+
+/// One end of the trimmer's frame.
+Item {
+    id: handle
+
+    required property bool isLeft
+    required property color color
+    required property real cornerRadius
+    required property real outerPadding
+
+    Accessible.role: Accessible.Slider
+    Accessible.name: isLeft ? "Start" : "End"
+    Accessible.focusable: true
+    activeFocusOnTab: true
+
+    RoundedCorner {
+        anchors.fill: parent
+        radius: handle.cornerRadius
+        corners: handle.isLeft ? RoundedCorner.TopLeftCorner | RoundedCorner.BottomLeftCorner
+                               : RoundedCorner.TopRightCorner | RoundedCorner.BottomRightCorner
+        color: handle.color
+    }
+    // The padding pushes the symbol to the frame's inner side, where its centre is what a drag takes hold of.
+    CorvantaImage {
+        readonly property real center: (handle.width + handle.outerPadding) / 2
+
+        anchors.verticalCenter: parent.verticalCenter
+        x: (handle.isLeft ? center : handle.width - center) - width / 2
+        width: 16
+        height: 16
+        symbol: handle.isLeft ? "chevron.left" : "chevron.right"
+    }
+    FocusRing {
+        target: handle
+        radius: 8
+    }
+}

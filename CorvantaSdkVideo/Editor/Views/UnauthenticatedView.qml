@@ -1,0 +1,7 @@
+import QtQuick
+import CorvantaSdkVideo.Editor
+
+Alert {
+    title: "Error"
+    message: "Authentication required"
+}

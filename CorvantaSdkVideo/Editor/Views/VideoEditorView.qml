@@ -1,0 +1,110 @@
+import QtQuick
+import CorvantaSdkVideo.Editor
+import CorvantaSdkVideo.Editor as Editor
+
+FocusScope {
+    id: screen
+
+    required property EditorView view
+    readonly property CorvantaSdkVideoEditorViewModel viewModel: view.viewModel
+
+    readonly property int spacing: 8
+    /// How far an arrow key moves an edge.
+    readonly property int keyDistance: 2
+
+    property bool isLaidOut: false
+
+    // A trim that has been started is kept at the width that it was started with.
+    function layOut() {
+        if (width > 0 && height > 0 && !viewModel.isTrimmerRangeVisible) {
+            isLaidOut = true
+            viewModel.setupTrimmer(Qt.size(width, height))
+        }
+    }
+    onWidthChanged: isLaidOut ? newSize.restart() : layOut()
+    onHeightChanged: if (!isLaidOut) layOut()
+    Component.onCompleted: if (!isLaidOut) layOut()
+
+    Timer {
+        id: newSize
+        interval: 200
+        onTriggered: screen.layOut()
+    }
+
+    Keys.onSpacePressed: viewModel.handleAction()
+    Keys.onEscapePressed: view.closeTrimmer()
+    Keys.onLeftPressed: trimmer.moveSelectedEdge(-keyDistance)
+    Keys.onRightPressed: trimmer.moveSelectedEdge(keyDistance)
+    Keys.onUpPressed: if (viewModel.isSoundVisible) player.stepVolume(true)
+    Keys.onDownPressed: if (viewModel.isSoundVisible) player.stepVolume(false)
+
+    Rectangle {
+        anchors.fill: parent
+        color: "black"
+    }
+
+    ControlButtons {
+        id: controls
+        anchors { left: parent.left; right: parent.right; top: parent.top }
+        anchors { leftMargin: 16; rightMargin: 16; topMargin: screen.spacing }
+        view: screen.view
+    }
+
+    VideoPlayer {
+        id: player
+        anchors { left: parent.left; right: parent.right; top: controls.bottom; bottom: tools.top }
+        anchors { topMargin: screen.spacing; bottomMargin: screen.spacing }
+        viewModel: screen.viewModel
+    }
+
+    // What stands in here keeps its place while it fades: the software renderer would leave traces of what moves.
+    Item {
+        id: tools
+
+        readonly property Item tool: screen.viewModel.isTrimmerVisible ? trimmer
+                                   : screen.viewModel.isRotationVisible ? rotation : null
+
+        anchors { left: parent.left; right: parent.right; bottom: edition.top }
+        height: tool ? tool.implicitHeight + screen.spacing : 0
+
+        Behavior on height {
+            enabled: screen.isLaidOut
+            NumberAnimation { duration: 200; easing.type: Easing.InOutQuad }
+        }
+
+        Trimmer {
+            id: trimmer
+            anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
+            anchors.bottomMargin: screen.spacing
+            height: implicitHeight
+            viewModel: screen.viewModel
+            opacity: viewModel.isTrimmerVisible ? 1 : 0
+            visible: opacity > 0
+            enabled: viewModel.isTrimmerVisible
+
+            Behavior on opacity {
+                NumberAnimation { duration: 200 }
+            }
+        }
+        Editor.Rotation {
+            id: rotation
+            anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
+            anchors.bottomMargin: screen.spacing
+            height: implicitHeight
+            viewModel: screen.viewModel
+            opacity: viewModel.isRotationVisible ? 1 : 0
+            visible: opacity > 0
+            enabled: viewModel.isRotationVisible
+
+            Behavior on opacity {
+                NumberAnimation { duration: 200 }
+            }
+        }
+    }
+
+    EditionButtons {
+        id: edition
+        anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
+        viewModel: screen.viewModel
+    }
+}

@@ -1,0 +1,198 @@
+#include "CorvantaSdkVideo/Editor/ScreenFixture.hpp"
+
+#include <CorvantaSdkVideo/Editor/Presentation/PresentCorvantaSdkVideoEditorView.hpp>
+#include <CorvantaSdkVideo/Editor/Views/EditorView.hpp>
+
+#include <platform/FFmpegKit.hpp>
+
+#include <QGuiApplication>
+#include <QTest>
+
+#include <cstdlib>
+
+// Both keep tables for the life of the process: Qt's connection to the sound server, which it never closes,
+// and GLib's registry of names, whose only pointer the leak checker can't read.
+extern "C" const char* __lsan_default_suppressions();
+const char* __lsan_default_suppressions() { return "leak:libpulse.so\nleak:libglib-2.0.so\n"; }
+
+namespace corvanta::test {
+
+namespace {
+
+class Application : public testing::Environment {
+  public:
+    void SetUp() override {
+        setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        application_ = std::make_unique<QGuiApplication>(count_, arguments_);
+        QGuiApplication::setQuitOnLastWindowClosed(false);
+        FFmpegKitConfig::setLogLevel("error");
+    }
+    void TearDown() override { application_.reset(); }
+
+  private:
+    int count_ = 1;
+    char name_[5] = "test";
+    char* arguments_[2] = {name_, nullptr};
+    std::unique_ptr<QGuiApplication> application_;
+};
+
+const auto* const application = testing::AddGlobalTestEnvironment(std::make_unique<Application>().release());
+
+} // namespace
+
+std::vector<QQuickItem*> itemsBelow(QQuickItem* item) {
+    std::vector<QQuickItem*> items;
+    for (QQuickItem* const child : item->childItems()) {
+        items.push_back(child);
+        const auto below = itemsBelow(child);
+        items.insert(items.end(), below.begin(), below.end());
+    }
+    return items;
+}
+
+std::string colourClip() {
+    static const TemporaryDirectory directory;
+    static const std::string path = [] {
+        const std::string made = directory.file("colours.mp4");
+        runTool("ffmpeg", {"-v",
+                           "error",
+                           "-f",
+                           "lavfi",
+                           "-i",
+                           "color=red:s=90x160:r=30:d=1",
+                           "-f",
+                           "lavfi",
+                           "-i",
+                           "color=lime:s=90x160:r=30:d=1.5",
+                           "-f",
+                           "lavfi",
+                           "-i",
+                           "color=blue:s=90x160:r=30:d=1.5",
+                           "-f",
+                           "lavfi",
+                           "-i",
+                           "sine=f=440:d=4",
+                           "-filter_complex",
+                           "[0][1][2]concat=n=3,drawbox=x=45:y=0:w=45:h=160:color=white:t=fill",
+                           "-c:v",
+                           "libx264",
+                           "-preset",
+                           "ultrafast",
+                           "-bf",
+                           "0",
+                           "-g",
+                           "10",
+                           "-pix_fmt",
+                           "yuv420p",
+                           "-c:a",
+                           "aac",
+                           made});
+        return made;
+    }();
+    return path;
+}
+
+ScreenFixture::ScreenFixture() { makePresenter(); }
+
+void ScreenFixture::makePresenter() {
+    presenter_ = std::make_unique<QRasterWindow>();
+    presenter_->resize(375, 700);
+    presenter_->show();
+}
+
+void ScreenFixture::present() {
+    ASSERT_TRUE(presentCorvantaSdkVideoEditorView(
+        presenter_.get(), CorvantaSdkVideoFile(URL::fromFilePath(colourClip())),
+        CorvantaSdkVideoFileDescriptor::custom(folders_.file("edited")),
+        [this](const CorvantaSdkVideoEditorResult& result) {
+            results_.push_back(result);
+            onAnswer_();
+        }));
+    for (QWindow* const window : QGuiApplication::allWindows()) {
+        if (window->transientParent() == presenter_.get()) {
+            takeScreen(qobject_cast<QQuickWindow*>(window));
+        }
+    }
+    ASSERT_NE(view_, nullptr);
+    ASSERT_TRUE(eventually([this] { return view_->y() == 0; }));
+}
+
+void ScreenFixture::takeScreen(QQuickWindow* window) {
+    window_ = window;
+    for (QQuickItem* const item : itemsBelow(window->contentItem())) {
+        if (qobject_cast<EditorView*>(item) != nullptr) {
+            view_ = item;
+        }
+    }
+}
+
+bool ScreenFixture::isFileRead() {
+    return eventually([this] { return model().videoDuration() > 0; });
+}
+
+bool ScreenFixture::isClosed() {
+    return eventually([this] { return window_ == nullptr; });
+}
+
+CorvantaSdkVideoEditorViewModel& ScreenFixture::model() const {
+    return *qobject_cast<EditorView*>(view_.get())->viewModel();
+}
+
+QQuickItem* ScreenFixture::block(const char* type) const {
+    for (QQuickItem* const item : itemsBelow(view_)) {
+        QByteArray name = item->metaObject()->className();
+        name = name.mid(name.lastIndexOf(':') + 1);
+        if (name.left(name.indexOf("_QML")) == type) {
+            return item;
+        }
+    }
+    ADD_FAILURE() << "no " << type;
+    return view_;
+}
+
+QQuickItem* ScreenFixture::findShown(const char* label) const {
+    for (QQuickItem* const item : itemsBelow(view_)) {
+        if (item->isVisible() && item->property("label").toString() == QLatin1String(label)) {
+            return item;
+        }
+    }
+    return nullptr;
+}
+
+QQuickItem* ScreenFixture::control(const char* label) const {
+    // What a tab shows fades in.
+    if (!eventually([&] { return isShown(label); })) {
+        ADD_FAILURE() << "no control " << label;
+        return view_;
+    }
+    return findShown(label);
+}
+
+void ScreenFixture::click(QQuickItem* item) const {
+    QTest::mouseClick(window_, Qt::LeftButton, {}, item->mapToScene(item->boundingRect().center()).toPoint());
+}
+
+void ScreenFixture::drag(QQuickItem* item, QPointF from, QPointF to) const {
+    constexpr int steps = 12;
+    const auto place = [item](QPointF point) { return item->mapToScene(point).toPoint(); };
+    QTest::mousePress(window_, Qt::LeftButton, {}, place(from));
+    for (int step = 1; step <= steps; ++step) {
+        QTest::mouseMove(window_, place(from + (to - from) * step / steps));
+    }
+    QTest::mouseRelease(window_, Qt::LeftButton, {}, place(to));
+}
+
+void ScreenFixture::dragStrip(double from, double to) const {
+    drag(block("ThumbnailsListView"), QPointF(from, 32), QPointF(to, 32));
+}
+
+QColor ScreenFixture::colourAt(QQuickItem* item, QPointF point) const {
+    const QImage image = window_->grabWindow();
+    return image.pixelColor((item->mapToScene(point) * image.devicePixelRatio()).toPoint());
+}
+
+bool ScreenFixture::eventually(const std::function<bool()>& condition) {
+    return QTest::qWaitFor(condition, 20'000);
+}
+
+} // namespace corvanta::test
