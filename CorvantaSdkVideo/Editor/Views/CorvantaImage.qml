@@ -48,35 +48,33 @@ Item {
     })
     readonly property var outline: outlines[symbol] ?? ({})
 
+    /// Curves are cut into lines before they are scaled: the larger they are then, the smoother.
+    readonly property real detail: 4
+
     implicitWidth: 24
     implicitHeight: 24
 
-    Shape {
-        readonly property real factor: Math.min(image.width, image.height) / 24
-
+    SmoothShape {
+        factor: Math.min(image.width, image.height) / width
         anchors.centerIn: parent
-        width: 24
-        height: 24
-        // Scene graphs on a GPU smooth no shapes by themselves.
-        layer.enabled: GraphicsInfo.api !== GraphicsInfo.Software
-        layer.samples: 4
-        layer.textureSize: Qt.size(Math.ceil(width * factor * Screen.devicePixelRatio),
-                                   Math.ceil(height * factor * Screen.devicePixelRatio))
+        width: 24 * image.detail
+        height: width
+        scale: factor
         transform: Scale {
-            origin.x: 12
-            origin.y: 12
-            xScale: image.outline.mirrored ? -yScale : yScale
-            yScale: Math.min(image.width, image.height) / 24
+            origin.x: image.detail * 12
+            xScale: image.outline.mirrored ? -1 : 1
         }
 
         ShapePath {
+            scale: Qt.size(image.detail, image.detail)
             strokeColor: "transparent"
             fillColor: image.outline.fill ? image.color : "transparent"
             PathSvg { path: image.outline.fill ?? "" }
         }
         ShapePath {
+            scale: Qt.size(image.detail, image.detail)
             strokeColor: image.outline.stroke ? image.color : "transparent"
-            strokeWidth: image.outline.width ?? 1.9
+            strokeWidth: (image.outline.width ?? 1.9) * image.detail
             fillColor: "transparent"
             capStyle: ShapePath.RoundCap
             joinStyle: ShapePath.RoundJoin

@@ -10,10 +10,8 @@ Item {
     Accessible.role: Accessible.ProgressBar
     Accessible.name: "Editing"
 
-    Shape {
+    SmoothShape {
         anchors.fill: parent
-        layer.enabled: GraphicsInfo.api !== GraphicsInfo.Software
-        layer.samples: 4
 
         ShapePath {
             strokeColor: "#40ffffff"

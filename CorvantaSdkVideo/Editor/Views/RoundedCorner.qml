@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Shapes
 
 /// A rectangle that rounds some of its corners only.
-Shape {
+SmoothShape {
     id: shape
 
     // Every item has a TopLeft and so on, with other values.
@@ -23,9 +23,6 @@ Shape {
     readonly property real topRight: radiusOf(RoundedCorner.TopRightCorner)
     readonly property real bottomLeft: radiusOf(RoundedCorner.BottomLeftCorner)
     readonly property real bottomRight: radiusOf(RoundedCorner.BottomRightCorner)
-
-    layer.enabled: GraphicsInfo.api !== GraphicsInfo.Software
-    layer.samples: 4
 
     ShapePath {
         strokeColor: "transparent"
