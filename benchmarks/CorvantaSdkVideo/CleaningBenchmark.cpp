@@ -5,10 +5,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
 #include <chrono>
-#include <cstdio>
-#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,15 +18,11 @@
 namespace corvanta {
 namespace {
 
-constexpr int rounds = 3;
-
+// Seconds.
 struct Cost {
-    // Seconds.
     double wall;
     double processor;
 };
-
-std::map<std::string, std::vector<Cost>> costs;
 
 const test::UserFolders& folders() {
     static const test::UserFolders user;
@@ -75,61 +68,33 @@ double processorSeconds() {
 }
 
 template <typename Work>
-void measure(benchmark::State& state, const std::string& name, const Work& work) {
+Cost costOf(const Work& work) {
+    const double before = processorSeconds();
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return {std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(),
+            processorSeconds() - before};
+}
+
+void cleaningOfTenMinutes(benchmark::State& state) {
+    SharedCorvantaSdkCommonKt::sdk_common().setAuth(std::make_shared<SharedCorvantaSdkFixedAuth>(true));
+    FFmpegKitConfig::setLogLevel("error");
+    const std::string clip = tenMinuteClip();
     for (auto _ : state) {
-        const double before = processorSeconds();
-        const auto start = std::chrono::steady_clock::now();
-        work();
-        const Cost cost{std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(),
-                        processorSeconds() - before};
-        state.SetIterationTime(cost.wall);
-        state.counters["user+sys_s"] = cost.processor;
-        costs[name].push_back(cost);
+        const Cost module = costOf([&clip] {
+            runBlocking(CorvantaSdkVideo->engine()->clearNoiseForFile(
+                CorvantaSdkVideoFile(URL::fromFilePath(clip)),
+                CorvantaSdkVideoFileDescriptor::custom(folders().file("cleaned"))));
+        });
+        const Cost bare =
+            costOf([&clip] { ffmpeg("-i " + clip + " -c:v copy -af afftdn", folders().file("afftdn.mp4")); });
+        state.counters["module_s"] = module.wall;
+        state.counters["bare_s"] = bare.wall;
+        state.counters["module_processor_s"] = module.processor;
+        state.counters["bare_processor_s"] = bare.processor;
     }
 }
-
-void cleaned(benchmark::State& state) {
-    measure(state, "cleaned", [] {
-        runBlocking(CorvantaSdkVideo->engine()->clearNoiseForFile(
-            CorvantaSdkVideoFile(URL::fromFilePath(tenMinuteClip())),
-            CorvantaSdkVideoFileDescriptor::custom(folders().file("cleaned"))));
-    });
-}
-
-void afftdn(benchmark::State& state) {
-    measure(state, "afftdn",
-            [] { ffmpeg("-i " + tenMinuteClip() + " -c:v copy -af afftdn", folders().file("afftdn.mp4")); });
-}
-
-double median(const std::string& name, double Cost::*part) {
-    std::vector<Cost>& all = costs.at(name);
-    std::ranges::sort(all, {}, part);
-    return all[all.size() / 2].*part;
-}
+BENCHMARK(cleaningOfTenMinutes)->Iterations(1)->Repetitions(3)->UseRealTime()->Unit(benchmark::kSecond);
 
 } // namespace
 } // namespace corvanta
-
-int main(int argumentCount, char** arguments) {
-    using namespace corvanta;
-    benchmark::Initialize(&argumentCount, arguments);
-    SharedCorvantaSdkCommonKt::sdk_common().setAuth(std::make_shared<SharedCorvantaSdkFixedAuth>(true));
-    FFmpegKitConfig::setLogLevel("error");
-    tenMinuteClip();
-    // In turns, so that both meet the same machine.
-    for (int round = 0; round < rounds; ++round) {
-        for (const auto& [name, work] : {std::pair("cleaned", &cleaned), std::pair("afftdn", &afftdn)}) {
-            benchmark::RegisterBenchmark(name, work)
-                ->UseManualTime()
-                ->Iterations(1)
-                ->Unit(benchmark::kSecond);
-        }
-    }
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    if (costs.size() == 2) {
-        std::printf("cleaned / afftdn, medians: wall %.2f, user+sys %.2f\n",
-                    median("cleaned", &Cost::wall) / median("afftdn", &Cost::wall),
-                    median("cleaned", &Cost::processor) / median("afftdn", &Cost::processor));
-    }
-}

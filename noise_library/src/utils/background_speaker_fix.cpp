@@ -34,8 +34,8 @@ void BackgroundSpeakerFix::frame_compute(std::vector<float>& time) {
     double const d = 10.0 * std::log10(static_cast<double>(level_) / (1.0 + mean));
 
     double cut = 0.0;
-    double const start = static_cast<double>(cutStartDb_);
-    double const end = static_cast<double>(cutEndDb_);
+    auto const start = static_cast<double>(cutStartDb_);
+    auto const end = static_cast<double>(cutEndDb_);
     if (d >= start)
         cut = (d - start) * static_cast<double>(maxCutDb_) / (end - start);
     if (d < start)

@@ -25,7 +25,7 @@ void EnThreshold::setCurrentData(std::vector<float> const& mixData) {
         gain_ = 1.0f;
         return;
     }
-    double const fill = static_cast<double>(longFill_);
+    auto const fill = static_cast<double>(longFill_);
     double const upper = longSum_ / (fill * 15.0);
     double const lower = longSum_ / (fill * 80.0);
     if (shortSum_ >= upper) {

@@ -21,14 +21,14 @@ TEST(NoiseCancellationLongTest, EveryContainerLayoutAndRate) {
     }
 }
 
-// An hour more of sound must not cost memory.
+// In Matroska, since a reader of MPEG-4 holds the place of every frame of the file: 19 MB for two hours.
 TEST(NoiseCancellationLongTest, TwoHoursTakeNoMoreMemoryThanTwoMinutes) {
     const CleaningRun run;
     const std::string minute = makeClip({.seconds = 60,
                                          .pictures = {{.source = "color=c=red", .width = 64, .height = 64}},
                                          .sounds = {{.layout = "mono"}}});
     const auto peakFor = [&](int minutes) {
-        const std::string input = run.file("long.mp4");
+        const std::string input = run.file("long.mkv");
         runTool("ffmpeg", {"-v", "error", "-y", "-stream_loop", std::to_string(minutes - 1), "-i", minute,
                            "-c", "copy", input});
         resetPeakMemory();

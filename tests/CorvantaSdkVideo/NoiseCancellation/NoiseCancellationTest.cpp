@@ -133,21 +133,16 @@ double decibels(const std::vector<float>& samples, double from, double to) {
 
 TEST(NoiseCancellationTest, NoiseGoesAndSpeechStays) {
     const CleaningRun run;
-    for (const std::string noise :
-         {"anoisesrc=c=pink:a=0.1:d=5:r=16000", "anoisesrc=c=brown:a=0.1:d=5:r=16000"}) {
-        SCOPED_TRACE(noise);
-        const std::string input = run.file("noisy.mp4");
-        runTool("ffmpeg",
-                {"-v", "error", "-y", "-f", "lavfi", "-i", "color=s=64x64:r=30:d=5", "-f", "lavfi", "-i",
-                 noise, "-f", "lavfi", "-i",
-                 "flite=text='Here are a few words, that should be kept as they are':voice=slt",
-                 "-filter_complex", "[2]adelay=2000[s];[1][s]amix=duration=first:normalize=0", input});
-        const std::string output = run.clean(input, run.file("quiet"));
-        const auto before = samplesOf(input);
-        const auto after = samplesOf(output);
-        EXPECT_LT(decibels(after, 1, 2), decibels(before, 1, 2) - 10);
-        EXPECT_NEAR(decibels(after, 2.5, 4), decibels(before, 2.5, 4), 3);
-    }
+    const std::string input = run.file("noisy.mp4");
+    runTool("ffmpeg", {"-v", "error", "-f", "lavfi", "-i", "color=s=64x64:r=30:d=5", "-f", "lavfi", "-i",
+                       "anoisesrc=c=pink:a=0.1:d=5:r=16000", "-f", "lavfi", "-i",
+                       "flite=text='Here are a few words, that should be kept as they are':voice=slt",
+                       "-filter_complex", "[2]adelay=2000[s];[1][s]amix=duration=first:normalize=0", input});
+    const std::string output = run.clean(input, run.file("quiet"));
+    const auto before = samplesOf(input);
+    const auto after = samplesOf(output);
+    EXPECT_LT(decibels(after, 1, 2), decibels(before, 1, 2) - 10);
+    EXPECT_NEAR(decibels(after, 2.5, 4), decibels(before, 2.5, 4), 3);
 }
 
 } // namespace
