@@ -58,6 +58,7 @@ class SilentPlayer : public VideoPlayer {
     void seek(double) override {}
     float volume() const override { return 1; }
     void setVolume(float) override {}
+    void setVideoSink(QVideoSink*) override {}
 };
 
 std::unique_ptr<CorvantaSdkVideoEditorViewModel> openEditor() {
