@@ -159,8 +159,8 @@ TEST(CleaningFailuresTest, OneEngineAtATimeAndOneRunOfEach) {
 
 TEST(CleaningFailuresTest, ARunCanBeStoppedAndDropped) {
     const CleaningRun run;
-    const ScopedVariable temporary("TMPDIR", run.scratch());
     const std::string input = makeClip({.seconds = 5});
+    const ScopedVariable temporary("TMPDIR", run.scratch());
     const auto executor = std::make_shared<InterposedExecutor>();
     boost::asio::cancellation_signal stop;
     executor->afterExtraction = [&stop] { stop.emit(boost::asio::cancellation_type::terminal); };
