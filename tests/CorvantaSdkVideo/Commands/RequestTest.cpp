@@ -66,7 +66,7 @@ class RequestTest : public testing::Test {
 };
 
 template <typename Run>
-std::string failureOf(Run run) {
+std::string errorOf(Run run) {
     try {
         run();
         return "none";
@@ -91,11 +91,11 @@ TEST_F(RequestTest, GivesTheFirstSuccessAgainWithoutRunning) {
 TEST_F(RequestTest, StaysShutAfterAFailure) {
     engine_->fails = true;
     const auto request = makeRequest();
-    EXPECT_EQ(failureOf([&] { runBlocking(request->process()); }), "engine " + idText());
+    EXPECT_EQ(errorOf([&] { runBlocking(request->process()); }), "engine " + idText());
     engine_->fails = false;
     log_.take();
     for (int call = 0; call < 2; ++call) {
-        EXPECT_EQ(failureOf([&] { runBlocking(request->process()); }), "operationStillsInProgress");
+        EXPECT_EQ(errorOf([&] { runBlocking(request->process()); }), "operationStillsInProgress");
     }
     EXPECT_EQ(engine_->runs, 1);
     EXPECT_EQ(request->outputPath(), std::nullopt);
@@ -109,7 +109,7 @@ TEST_F(RequestTest, CancelPassesThroughAtAnyTime) {
     EXPECT_THAT(log_.take(),
                 ElementsAre("info event_video_request_cancel: Cancel request with id: " + idText()));
     engine_->fails = true;
-    EXPECT_EQ(failureOf([&] { request->cancel(); }), "cancel " + idText());
+    EXPECT_EQ(errorOf([&] { request->cancel(); }), "cancel " + idText());
     EXPECT_EQ(engine_->cancels, 2);
     EXPECT_EQ(engine_->runs, 0);
 }
@@ -124,7 +124,7 @@ TEST_F(RequestTest, RefusesASecondRunAndLivesWhileItRuns) {
     EXPECT_FALSE(watched.expired());
     context.run();
     EXPECT_EQ(first.get().videoURL, resultURL);
-    EXPECT_EQ(failureOf([&] { second.get(); }), "operationStillsInProgress");
+    EXPECT_EQ(errorOf([&] { second.get(); }), "operationStillsInProgress");
     EXPECT_TRUE(watched.expired());
     EXPECT_EQ(engine_->runs, 1);
 }
