@@ -7,24 +7,24 @@
 
 #include <array>
 #include <benchmark/benchmark.h>
+#include <filesystem>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
 
 using namespace TALVO;
 
+/// Stands for a version: the model that ships, whose weights are in bfloat16.
+constexpr char shipped[] = "shipped";
+
 /// The library with one model of 32 ms frames and 885,000 multiply-adds a network frame.
 class LibraryFixture {
   public:
     explicit LibraryFixture(std::string const& version) {
-        noise_test::ModelShape shape;
-        shape.frameLength = 512;
-        shape.previewFrames = 4;
-        shape.stateSize = 256;
-        shape.hiddenLayers = 3;
-        auto const path = folder_.write("bench.nmw", noise_test::makeModel(version, shape).plain());
+        std::filesystem::path const path = version == shipped ? CORVANTA_SHIPPED_MODEL : makeModel(version);
         ready_ =
             talvoAudioGlobalInit(nullptr) == 0 && talvoAudioSetModel(path.wstring().c_str(), "bench") == 0;
     }
@@ -35,6 +35,15 @@ class LibraryFixture {
     bool ready() const { return ready_; }
 
   private:
+    std::filesystem::path makeModel(std::string const& version) const {
+        noise_test::ModelShape shape;
+        shape.frameLength = 512;
+        shape.previewFrames = 4;
+        shape.stateSize = 256;
+        shape.hiddenLayers = 3;
+        return folder_.write("bench.nmw", noise_test::makeModel(version, shape).plain());
+    }
+
     noise_test::TemporaryFolder folder_;
     bool ready_ = false;
 };
@@ -65,6 +74,7 @@ void sessionOfVersion(benchmark::State& state, std::string const& version, int r
     talvoAudioNcCloseSession(session);
 }
 
+BENCHMARK_CAPTURE(sessionOfVersion, shipped_16kHz, shipped, 16000);
 BENCHMARK_CAPTURE(sessionOfVersion, v0_0_5_16kHz, "0.0.5", 16000);
 BENCHMARK_CAPTURE(sessionOfVersion, v0_0_5_48kHz, "0.0.5", 48000);
 BENCHMARK_CAPTURE(sessionOfVersion, v0_0_5_16kHz_denormals, "0.0.5", 16000, 1e-38f);
@@ -101,7 +111,7 @@ BENCHMARK_CAPTURE(rowKernel, second, 1)->Apply(networkSizes);
 BENCHMARK_CAPTURE(rowKernel, third, 2)->Apply(networkSizes);
 
 /// All products of a network frame in turn, so that the weights come from where they lie in practice.
-void wholeNetwork(benchmark::State& state, std::size_t variant) {
+void wholeNetwork(benchmark::State& state, std::size_t variant, bool bfloat16) {
     auto const variants = UTIL_FUNCTIONS::rowKernelVariants();
     if (variant >= variants.size()) {
         state.SkipWithError("this processor lacks it");
@@ -111,18 +121,25 @@ void wholeNetwork(benchmark::State& state, std::size_t variant) {
     std::vector<CONTAINERS::Matrix> matrices;
     for (auto const& [rows, cols, count] : {std::array{768, 256, 3}, {256, 256, 4}, {256, 128, 1}})
         for (int i = 0; i < count; ++i)
-            matrices.emplace_back(rows, cols);
+            matrices.emplace_back(rows, cols).keepBfloat16();
     std::vector<float> const v(768, 0.5f);
     std::vector<float> out(256);
     for (auto _ : state)
-        for (CONTAINERS::Matrix const& m : matrices) {
-            variants[variant].run(v.data(), m.rowSize(), m.row(0), m.colSize(), out.data());
+        for (CONTAINERS::Matrix const& m : std::as_const(matrices)) {
+            if (bfloat16)
+                variants[variant].runBfloat16(v.data(), m.rowSize(), m.bfloat16().data(), m.colSize(),
+                                              out.data());
+            else
+                variants[variant].run(v.data(), m.rowSize(), m.row(0), m.colSize(), out.data());
             benchmark::DoNotOptimize(out.data());
         }
 }
-BENCHMARK_CAPTURE(wholeNetwork, narrowest, 0);
-BENCHMARK_CAPTURE(wholeNetwork, second, 1);
-BENCHMARK_CAPTURE(wholeNetwork, third, 2);
+BENCHMARK_CAPTURE(wholeNetwork, narrowest, 0, false);
+BENCHMARK_CAPTURE(wholeNetwork, second, 1, false);
+BENCHMARK_CAPTURE(wholeNetwork, third, 2, false);
+BENCHMARK_CAPTURE(wholeNetwork, narrowest_bfloat16, 0, true);
+BENCHMARK_CAPTURE(wholeNetwork, second_bfloat16, 1, true);
+BENCHMARK_CAPTURE(wholeNetwork, third_bfloat16, 2, true);
 
 void matMulPlusB(benchmark::State& state) {
     auto const rows = static_cast<std::size_t>(state.range(0));

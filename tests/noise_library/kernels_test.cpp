@@ -74,6 +74,28 @@ TEST(MatMulPlusB, IsTheSameBitByBitAtEveryRegisterWidthAndInEveryForm) {
             EXPECT_EQ(bits(out), expected);
         }
 
+        std::vector<float> rounded = m.data();
+        for (float& value : rounded)
+            value = std::bit_cast<float>(std::bit_cast<std::uint32_t>(value) & 0xffff0000u);
+        Matrix compact(rows, cols, rounded);
+        auto const expectedOfRounded = bits(inRowOrder(v, compact, bias));
+        compact.keepBfloat16();
+        ASSERT_EQ(compact.bfloat16().size(), rows * cols);
+        for (RowKernelVariant const& variant : rowKernelVariants()) {
+            out = bias;
+            variant.runBfloat16(v.data(), rows, compact.bfloat16().data(), cols, out.data());
+            EXPECT_EQ(bits(out), expectedOfRounded) << variant.name;
+        }
+        matMulPlusB(v, compact, bias, out);
+        EXPECT_EQ(bits(out), expectedOfRounded);
+        compact.row(0)[0] += 1;
+        matMulPlusB(v, compact, bias, out);
+        EXPECT_EQ(bits(out), bits(inRowOrder(v, compact, bias))) << "the copy is out of date";
+        Matrix fine = m;
+        fine.row(rows - 1)[cols - 1] = 0.1f;
+        fine.keepBfloat16();
+        EXPECT_TRUE(fine.bfloat16().empty());
+
         // The matrix-first forms give the same products of the transposed matrix, added in the same order.
         Matrix transposed(cols, rows);
         for (std::size_t r = 0; r < rows; ++r)

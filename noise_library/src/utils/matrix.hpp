@@ -2,6 +2,8 @@
 
 #include "utils/assertion.hpp"
 
+#include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <utility>
@@ -9,7 +11,8 @@
 
 namespace TALVO::CONTAINERS {
 
-/// Dense row-major float matrix; a default one is 0 by 0.
+/// Dense row-major float matrix; a default one is 0 by 0. It may keep a bfloat16 copy of its values, half
+/// as large, which is dropped as soon as they can change.
 class Matrix {
   public:
     Matrix() = default;
@@ -23,7 +26,7 @@ class Matrix {
         TALVO_ASSERT(r * c != 0 || (r == 0 && c == 0), "r*c != 0 || (r==0 && c==0)");
         rows_ = r;
         cols_ = c;
-        data_.assign(r * c, 0.0f);
+        data().assign(r * c, 0.0f);
     }
 
     /// Shapes the matrix around the values given.
@@ -32,19 +35,36 @@ class Matrix {
         TALVO_ASSERT(r * c != 0 || (r == 0 && c == 0), "r*c != 0 || (r==0 && c==0)");
         rows_ = r;
         cols_ = c;
-        data_ = std::move(v);
+        data() = std::move(v);
+    }
+
+    /// Makes the copy if no value loses anything by it: the upper halves of the floats, the lower being zero.
+    void keepBfloat16() {
+        bfloat16_.clear();
+        auto const bits = [](float value) { return std::bit_cast<std::uint32_t>(value); };
+        if (!std::ranges::all_of(data_, [&](float value) { return (bits(value) & 0xffffu) == 0; }))
+            return;
+        bfloat16_.resize(data_.size());
+        std::ranges::transform(data_, bfloat16_.begin(),
+                               [&](float value) { return static_cast<std::uint16_t>(bits(value) >> 16); });
     }
 
     std::uint64_t rowSize() const { return rows_; }
     std::uint64_t colSize() const { return cols_; }
     bool empty() const { return data_.empty(); }
-    float* row(std::uint64_t r) { return data_.data() + r * cols_; }
+    float* row(std::uint64_t r) { return data().data() + r * cols_; }
     float const* row(std::uint64_t r) const { return data_.data() + r * cols_; }
-    std::vector<float>& data() { return data_; }
+    std::vector<float>& data() {
+        bfloat16_.clear();
+        return data_;
+    }
     std::vector<float> const& data() const { return data_; }
+    /// The copy, row by row; empty where there is none.
+    std::vector<std::uint16_t> const& bfloat16() const { return bfloat16_; }
 
   private:
     std::vector<float> data_;
+    std::vector<std::uint16_t> bfloat16_;
     std::uint64_t rows_ = 0;
     std::uint64_t cols_ = 0;
 };

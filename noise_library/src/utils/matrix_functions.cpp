@@ -7,6 +7,14 @@
 namespace TALVO::UTIL_FUNCTIONS {
 namespace {
 
+void addRows(float const* vec, Matrix const& mat, float* out) {
+    RowKernelVariant const& kernel = rowKernel();
+    if (auto const& weights = mat.bfloat16(); !weights.empty())
+        kernel.runBfloat16(vec, mat.rowSize(), weights.data(), mat.colSize(), out);
+    else
+        kernel.run(vec, mat.rowSize(), mat.row(0), mat.colSize(), out);
+}
+
 void addColumns(Matrix const& mat, float const* vec, float* out) {
     for (std::size_t r = 0; r < mat.rowSize(); ++r) {
         float const* const row = mat.row(r);
@@ -46,7 +54,7 @@ void matMulPlusB(std::vector<float> const& vec, Matrix const& mat, std::vector<f
     TALVO_ASSERT(mat.rowSize() == vec.size() && vec.size() != 0 && b.size() == mat.colSize(),
                  "mat.rowSize()==vec.size() && vec.size()!=0 && b.size()==mat.colSize()");
     out = b;
-    rowKernel()(vec.data(), mat.rowSize(), mat.row(0), mat.colSize(), out.data());
+    addRows(vec.data(), mat, out.data());
 }
 
 void matMulPlusB(float const* vecData, std::size_t vecSize, Matrix const& mat, std::vector<float> const& b,
@@ -54,7 +62,7 @@ void matMulPlusB(float const* vecData, std::size_t vecSize, Matrix const& mat, s
     TALVO_ASSERT(mat.rowSize() == vecSize && vecSize != 0 && b.size() == mat.colSize() && vecData != nullptr,
                  "mat.rowSize()==vecSize && vecSize!=0 && b.size()==mat.colSize() && vecData!= nullptr");
     out = b;
-    rowKernel()(vecData, mat.rowSize(), mat.row(0), mat.colSize(), out.data());
+    addRows(vecData, mat, out.data());
 }
 
 void matMulPlusB(std::vector<float> const& vec, Matrix const& mat, Matrix const& b, std::vector<float>& out) {
@@ -63,7 +71,7 @@ void matMulPlusB(std::vector<float> const& vec, Matrix const& mat, Matrix const&
     out.resize(mat.colSize());
     TALVO_ASSERT(biasFits(b, out), biasText);
     out = b.data();
-    rowKernel()(vec.data(), mat.rowSize(), mat.row(0), mat.colSize(), out.data());
+    addRows(vec.data(), mat, out.data());
 }
 
 void matMulPlusB(Matrix const& mat, std::vector<float> const& vec, std::vector<float> const& b,

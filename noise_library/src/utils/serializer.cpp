@@ -81,8 +81,10 @@ Serializer& Serializer::operator>>(CONTAINERS::Matrix& value) {
         in_.setstate(std::ios_base::failbit); // a shape that no matrix can have
     std::vector<float> values;
     readFloats(values, std::uint64_t{rows} * cols);
-    if (in_.good())
+    if (in_.good()) {
         value.resize(rows, cols, std::move(values));
+        value.keepBfloat16(); // the weights of a network that was rounded stay in the inner caches
+    }
     return *this;
 }
 
