@@ -110,6 +110,20 @@ def check_torch(shape):
     return bool(difference < 1e-4)
 
 
+def check_packing(shape):
+    """What is packed comes back as it was, and rounding moves a weight by less than one part in 256."""
+    parameters = random_parameters(shape)
+    back = model_file.parameters_of(model_file.records_of(parameters, shape), shape)
+    good = back.keys() == parameters.keys() and all(np.array_equal(back[k], parameters[k]) for k in back)
+    rounded = model_file.in_bfloat16(parameters)
+    for name, values in parameters.items():
+        matrix = values.ndim == 2
+        good &= bool(np.all(np.abs(rounded[name] - values) <= matrix * np.abs(values) / 256))
+        good &= not matrix or not np.any(rounded[name].view(np.uint32) & 0xFFFF)
+    print(f"packing: {'as it was' if good else 'NOT as it was'}")
+    return good
+
+
 def check_metrics():
     """Known values: a tenth of independent noise is 20 dB; nothing changed is 1."""
     random = np.random.default_rng(1)
@@ -125,7 +139,7 @@ def check_metrics():
 def main():
     shape = chain.Shape(state=48)
     with tempfile.TemporaryDirectory() as folder:
-        results = check_library(sys.argv[1], shape, Path(folder)), check_torch(shape), check_metrics()
+        results = check_library(sys.argv[1], shape, Path(folder)), check_torch(shape), check_packing(shape), check_metrics()
     return 0 if all(results) else 1
 
 

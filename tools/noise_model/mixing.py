@@ -146,7 +146,7 @@ class Mixer:
         random = self.random
         speech, noise = self._track(0), self._track(1)
         kind = random.random()
-        distance = random.uniform(-6, 22) if kind < 0.8 else random.uniform(22, 55) if kind < 0.91 else 90.0
+        distance = random.uniform(-6, 22) if kind < 0.78 else random.uniform(22, 55) if kind < 0.88 else 90.0
         place = random.random()
         level = random.uniform(-42, -14) if place < 0.65 else random.uniform(-62, -42) if place < 0.87 else random.uniform(-14, 1)
         if random.random() < 0.25:

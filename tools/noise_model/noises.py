@@ -324,7 +324,8 @@ KINDS = {
 }
 WITH_VOICES = (babble, crowd, office, cafe)
 # Harder ones come more often.
-SHARES = {babble: 3, crowd: 2.5, modulated: 1.5, shaped: 1.5, coloured: 1.5, music: 1.5}
+SHARES = {babble: 3.5, crowd: 3, modulated: 1.5, shaped: 1.5, coloured: 1.5, music: 1.5, engine: 1.5, machine: 1.5, fan: 1.5,
+          traffic: 1.5}
 
 
 def make(kind, random, count, voice):

@@ -6,6 +6,7 @@ import time
 from copy import deepcopy
 from dataclasses import asdict
 from pathlib import Path
+from typing import NamedTuple
 
 import numpy as np
 import torch
@@ -18,11 +19,12 @@ from network import Network
 
 BATCH, PART = 16, 125  # sequences of 8 s, and the frames after which the gradient is cut
 KEPT_BATCHES = 24  # batches that are trained on once more, later
-RATE_HIGH, RATE_LOW, WARM_UP = 1.0e-3, 1e-5, 300
+RATE_LOW, WARM_UP = 1e-5, 300
 CLIP, DECAY, AVERAGE = 0.5, 1e-4, 0.999
 SNR_WEIGHT, SNR_CEILING = 0.02, 1e-5
 FEATURE_NOISE = 0.08
-DEVELOPMENT_CLIPS, DEVELOPMENT_SECONDS = 32, 6.0
+DEVELOPMENT_CLIPS, CLEAN_CLIPS, DEVELOPMENT_SECONDS = 32, 24, 6.0
+KEPT_ENOUGH = 45.0  # dB; nobody hears what a clean clip loses above
 STATISTICS_BATCHES = 5
 
 
@@ -45,35 +47,53 @@ def loss(mask, part):
 
 
 class Development:
-    """A fixed set of mixes of unseen voices, sentences and kinds of noise, to choose the model by."""
+    """A fixed set of unseen voices, sentences and kinds of noise, mixed and clean, to choose the model by."""
 
     def __init__(self, folder, shape):
         mixer = mixing.Mixer(folder, "development", 1, DEVELOPMENT_SECONDS)
-        random, self.shape, self.clips = np.random.default_rng(2), shape, []
+        random, self.shape, self.clips, self.clean = np.random.default_rng(2), shape, [], []
         for _ in range(DEVELOPMENT_CLIPS):
             speech, noise = mixer.speech_track(), mixer.noise_track()
             level, distance = random.uniform(-45, -15), random.uniform(0, 12)
             clean = speech * (32768 * mixing.gain(level))
             mix = np.clip(np.rint(clean + noise * (32768 * mixing.gain(level - distance))), -32768, 32767)
-            x = chain.spectra(mix, shape)
-            bands = chain.features(x, chain.rescaling(mix, shape), shape)
             size = mix.size // shape.step * shape.step
             before = metrics.si_sdr(mix[:size], clean[:size]), metrics.stoi(mix[:size], clean[:size])
-            self.clips.append((x, bands, clean[:size], before))
+            self.clips.append((*self._heard(mix), clean[:size], before))
+        for _ in range(CLEAN_CLIPS):
+            clean = np.clip(np.rint(mixer.speech_track() * (32768 * mixing.gain(random.uniform(-45, -15)))), -32768, 32767)
+            self.clean.append((*self._heard(clean), clean))
+
+    def _heard(self, samples):
+        x = chain.spectra(samples, self.shape)
+        return x, chain.features(x, chain.rescaling(samples, self.shape), self.shape)
+
+    def _cleaned(self, network, x, bands, clean):
+        """The network's result beside the clean clip, without the last step, which has only half of its overlap."""
+        out = chain.resynthesise(x, chain.full_mask(network.run(bands), self.shape), self.shape)
+        edge = clean.size // self.shape.step * self.shape.step - self.shape.step
+        return out[:edge], clean[:edge]
 
     def measure(self, network):
         gains = []
         for x, bands, clean, before in self.clips:
-            out = chain.resynthesise(x, chain.full_mask(network.run(bands), self.shape), self.shape)[: clean.size]
-            # The last step has only half of its overlap.
-            edge = clean.size - self.shape.step
-            gains.append((metrics.si_sdr(out[:edge], clean[:edge]) - before[0], metrics.stoi(out[:edge], clean[:edge]) - before[1]))
-        return np.mean(gains, axis=0)
+            pair = self._cleaned(network, x, bands, clean)
+            gains.append((metrics.si_sdr(*pair) - before[0], metrics.stoi(*pair) - before[1]))
+        kept = [metrics.si_sdr(*self._cleaned(network, *clip)) for clip in self.clean]
+        return Measured(*np.mean(gains, axis=0), np.mean(np.minimum(kept, KEPT_ENOUGH)), np.min(kept))
 
 
-def score(measured):
-    """One number to choose by: .01 of STOI counts like 1 dB."""
-    return float(measured[0] + 100 * measured[1])
+class Measured(NamedTuple):
+    """SI-SDR and STOI gained by mixes, and the SI-SDR that clean clips keep, in dB."""
+
+    si_sdr: float
+    stoi: float
+    kept: float
+    kept_worst: float
+
+    def score(self):
+        """One number to choose by: .01 of STOI counts like 1 dB, and a dB of clean speech like a tenth of one."""
+        return float(self.si_sdr + 100 * self.stoi + 0.1 * self.kept)
 
 
 def _statistics(source):
@@ -83,14 +103,15 @@ def _statistics(source):
     return flat.mean(axis=0), flat.std(axis=0)
 
 
-def _learning_rate(step, progress):
+def _learning_rate(highest, step, progress):
     warm = min(1.0, (step + 1) / WARM_UP)
-    return warm * (RATE_LOW + (RATE_HIGH - RATE_LOW) * 0.5 * (1 + math.cos(math.pi * min(progress, 1.0))))
+    return warm * (RATE_LOW + (highest - RATE_LOW) * 0.5 * (1 + math.cos(math.pi * min(progress, 1.0))))
 
 
 class Trainer:
-    def __init__(self, folder, hours, workers=1, reuse=0.5, shape=chain.Shape(), seed=1):
-        self.folder, self.hours, self.shape = Path(folder), hours, shape
+    def __init__(self, folder, hours, rate, parameters=None, workers=1, reuse=0.5, shape=chain.Shape(), seed=1):
+        """`parameters` are those of a trained network to begin with; a checkpoint in `folder` goes before them."""
+        self.folder, self.hours, self.rate, self.shape = Path(folder), hours, rate, shape
         torch.manual_seed(seed)
         self.elapsed, self.step, self.best = 0.0, 0, -math.inf
         saved = torch.load(self.path("last.pt")) if self.path("last.pt").exists() else None
@@ -99,12 +120,17 @@ class Trainer:
                 raise SystemExit("the checkpoint is of a network of another shape; move it away to start anew")
             seed += saved["step"]
         self.source = scenes.Source(folder, seed, shape, BATCH, workers, reuse)
-        mean, deviation = (saved["network"]["mean"], saved["network"]["deviation"]) if saved else _statistics(self.source)
-        self.network = Network(shape, mean, deviation)
-        self.average = deepcopy(self.network)
-        self.optimiser = torch.optim.AdamW(self.network.parameters(), lr=RATE_HIGH, weight_decay=DECAY, betas=(0.9, 0.98))
         if saved:
-            self.network.load_state_dict(saved["network"])
+            parameters = saved["network"]
+        elif parameters:
+            parameters = {name: torch.from_numpy(value.copy()) for name, value in parameters.items()}
+        mean, deviation = (parameters["mean"], parameters["deviation"]) if parameters else _statistics(self.source)
+        self.network = Network(shape, mean, deviation)
+        if parameters:
+            self.network.load_state_dict(parameters)
+        self.average = deepcopy(self.network)
+        self.optimiser = torch.optim.AdamW(self.network.parameters(), lr=rate, weight_decay=DECAY, betas=(0.9, 0.98))
+        if saved:
             self.average.load_state_dict(saved["average"])
             self.optimiser.load_state_dict(saved["optimiser"])
             self.elapsed, self.step, self.best = saved["elapsed"], saved["step"], saved["best"]
@@ -153,7 +179,7 @@ class Trainer:
             value.backward()
             torch.nn.utils.clip_grad_norm_(self.network.parameters(), CLIP)
             for group in self.optimiser.param_groups:
-                group["lr"] = _learning_rate(self.step, self.elapsed / 3600 / self.hours)
+                group["lr"] = _learning_rate(self.rate, self.step, self.elapsed / 3600 / self.hours)
             self.optimiser.step()
             self.step += 1
             self._update_average()
@@ -163,14 +189,16 @@ class Trainer:
 
     def _report(self, losses, started):
         measured = self.development.measure(self.average)
-        better = score(measured) > self.best
-        self.best = max(self.best, score(measured))
+        better = measured.score() > self.best
+        self.best = max(self.best, measured.score())
         line = {"step": self.step, "hours": round(self.elapsed / 3600, 3), "loss": round(float(np.mean(losses)), 4),
-                "si_sdr_gain": round(float(measured[0]), 2), "stoi_gain": round(float(measured[1]), 4)}
+                "si_sdr_gain": round(float(measured.si_sdr), 2), "stoi_gain": round(float(measured.stoi), 4),
+                "clean_kept": round(float(measured.kept), 1), "clean_kept_worst": round(float(measured.kept_worst), 1)}
         with self.path("progress.jsonl").open("a") as file:
             file.write(json.dumps(line) + "\n")
         print(f"step {self.step}  {self.elapsed / 3600:.2f} of {self.hours:g} h  loss {line['loss']:.4f}  development set: SI-SDR "
-              f"{measured[0]:+.2f} dB  STOI {measured[1]:+.4f}{'  best' if better else ''}  "
+              f"{measured.si_sdr:+.2f} dB  STOI {measured.stoi:+.4f}  clean kept {measured.kept:.1f} dB (worst "
+              f"{measured.kept_worst:.1f}){'  best' if better else ''}  "
               f"({time.time() - started:.0f} s to measure)", flush=True)
         return better
 
