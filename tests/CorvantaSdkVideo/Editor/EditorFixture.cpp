@@ -13,24 +13,6 @@
 
 namespace corvanta::test {
 
-namespace {
-
-class Application : public testing::Environment {
-  public:
-    void SetUp() override { application_ = std::make_unique<QCoreApplication>(count_, arguments_); }
-    void TearDown() override { application_.reset(); }
-
-  private:
-    int count_ = 1;
-    char name_[5] = "test";
-    char* arguments_[2] = {name_, nullptr};
-    std::unique_ptr<QCoreApplication> application_;
-};
-
-const auto* const application = testing::AddGlobalTestEnvironment(std::make_unique<Application>().release());
-
-} // namespace
-
 Task<CorvantaSdkVideoEditorResult> FakeEditor::edit(CorvantaSdkVideoEditorInput video) {
     {
         const std::lock_guard lock(mutex_);

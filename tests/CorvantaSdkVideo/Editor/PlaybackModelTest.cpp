@@ -17,10 +17,9 @@ class PlaybackModelTest : public test::EditorFixture {
 
 TEST_F(PlaybackModelTest, PlaysFromWhereItStandsAndAfterTheEndFromTheRangesStart) {
     openAndLayOut(makeClip({.seconds = 6}));
-    model_->applyTrimming(QPointF(60, 30), QRectF(0, 0, 343, 64));
-    model_->applyTrimming(QPointF(108, 30), QRectF(0, 0, 343, 64));
-    model_->applyTrimming(QPointF(131, 30), QRectF(0, 0, 343, 64));
-    model_->applyTrimming(QPointF(300, 30), QRectF(0, 0, 343, 64));
+    for (const double x : {60, 108, 131, 300}) {
+        model_->applyTrimming(QPointF(x, 30), QRectF(0, 0, 343, 64));
+    }
     EXPECT_NEAR(model_->trimmerStart(), 6.0 * 119 / 343, 0.01);
     // Seeks land on whole seconds, cut off: 0.84, 1.68 and 2.08.
     EXPECT_THAT(player_->takeCalls(), ElementsAre("seek 0.000000", "seek 1.000000", "seek 2.000000"));
@@ -46,57 +45,43 @@ TEST_F(PlaybackModelTest, PlaysFromWhereItStandsAndAfterTheEndFromTheRangesStart
     EXPECT_TRUE(model_->didFinishPlaying());
 }
 
-TEST_F(PlaybackModelTest, SetsTheVolumeByTheBar) {
+TEST_F(PlaybackModelTest, SetsTheVolumeByTheBarMutesAndComesBack) {
     open(makeClip({}));
-    struct Case {
-        double y;
-        double movement;
-        double height;
-    };
-    for (const Case& c : std::vector<Case>{{96, 5, 96},
-                                           {3, 1, 189},
-                                           {4, -1, 192},
-                                           {4.5, -1, 187.5},
-                                           {4, 0, 188},
-                                           {179.5, 1, 12.5},
-                                           {180, 1, 0},
-                                           {180, -1, 12},
-                                           {192, 1, 12},
-                                           {-0.5, -1, 12}}) {
-        SCOPED_TRACE(std::to_string(c.y) + " moved by " + std::to_string(c.movement));
-        dragVolume(c.y, c.movement);
-        EXPECT_EQ(model_->volumeHeight(), c.height);
-        EXPECT_EQ(player_->volume(), static_cast<float>(c.height / 192));
-        const bool muted = c.height == 0;
-        EXPECT_EQ(model_->soundIcon(), muted ? "speaker.slash" : "speaker.wave.3");
-        EXPECT_EQ(model_->soundIconColor(), QColor(muted ? Qt::black : Qt::white));
-        EXPECT_EQ(model_->soundBackgroundColor(), muted ? CorvantaColor::ambar : CorvantaColor::gray);
+    // Where the pointer is, how far it went, and the bar's height then.
+    for (const auto& [y, movement, height] : std::vector<std::array<double, 3>>{{96, 5, 96},
+                                                                                {3, 1, 189},
+                                                                                {4, -1, 192},
+                                                                                {4.5, -1, 187.5},
+                                                                                {4, 0, 188},
+                                                                                {179.5, 1, 12.5},
+                                                                                {180, 1, 0},
+                                                                                {180, -1, 12},
+                                                                                {192, 1, 12},
+                                                                                {-0.5, -1, 12},
+                                                                                {185, 1, 0}}) {
+        SCOPED_TRACE(std::to_string(y) + " moved by " + std::to_string(movement));
+        dragVolume(y, movement);
+        EXPECT_EQ(model_->volumeHeight(), height);
+        EXPECT_EQ(player_->volume(), static_cast<float>(height / 192));
+        EXPECT_EQ(model_->soundIcon(), height == 0 ? "speaker.slash" : "speaker.wave.3");
+        EXPECT_EQ(model_->soundBackgroundColor(), height == 0 ? CorvantaColor::ambar : CorvantaColor::gray);
     }
-}
-
-TEST_F(PlaybackModelTest, MutesAndComesBack) {
-    open(makeClip({}));
-    dragVolume(185, 1);
     model_->muteVideo();
-    EXPECT_EQ(model_->volumeHeight(), 192); // never muted before, so there is no volume to come back to
+    EXPECT_EQ(model_->volumeHeight(), 192) << "never muted before, so there is no volume to come back to";
     dragVolume(92, 1);
-    model_->muteVideo();
-    EXPECT_EQ(model_->volumeHeight(), 0);
-    EXPECT_EQ(player_->volume(), 0);
-    model_->muteVideo();
-    EXPECT_EQ(model_->volumeHeight(), 100);
+    for (const double height : {0, 100}) {
+        model_->muteVideo();
+        EXPECT_EQ(model_->volumeHeight(), height);
+        EXPECT_EQ(player_->volume(), static_cast<float>(height / 192));
+    }
 }
 
 TEST_F(PlaybackModelTest, TurnsInQuartersBothWays) {
     open(makeClip({}));
-    const auto turn = [this](const char* ways) {
+    const auto turn = [this](std::string_view ways) {
         std::vector<int> angles;
-        for (const char* way = ways; *way != '\0'; ++way) {
-            if (*way == 'R') {
-                model_->rotateRight();
-            } else {
-                model_->rotateLeft();
-            }
+        for (const char way : ways) {
+            way == 'R' ? model_->rotateRight() : model_->rotateLeft();
             angles.push_back(model_->videoRotation());
             EXPECT_EQ(model_->videoIsInPortraitMode(), model_->videoRotation() % 180 == 0);
         }
@@ -105,20 +90,6 @@ TEST_F(PlaybackModelTest, TurnsInQuartersBothWays) {
     EXPECT_THAT(turn("RRRR"), ElementsAre(90, 180, 270, 0));
     EXPECT_THAT(turn("LLLL"), ElementsAre(-90, -180, -270, 0));
     EXPECT_THAT(turn("RRRLLLL"), ElementsAre(90, 180, 270, 180, 90, 0, -90));
-}
-
-TEST_F(PlaybackModelTest, ShowsOneTabAtATime) {
-    open(makeClip({}));
-    const auto tabs = [this] {
-        return std::vector{model_->isTrimmerVisible(), model_->isSoundVisible(), model_->isRotationVisible()};
-    };
-    EXPECT_THAT(tabs(), ElementsAre(true, false, false));
-    model_->showSound();
-    EXPECT_THAT(tabs(), ElementsAre(false, true, false));
-    model_->showRotation();
-    EXPECT_THAT(tabs(), ElementsAre(false, false, true));
-    model_->showTrimmer();
-    EXPECT_THAT(tabs(), ElementsAre(true, false, false));
 }
 
 } // namespace

@@ -3,42 +3,10 @@
 #include <CorvantaSdkVideo/Editor/Presentation/PresentCorvantaSdkVideoEditorView.hpp>
 #include <CorvantaSdkVideo/Editor/Views/EditorView.hpp>
 
-#include <platform/FFmpegKit.hpp>
-
 #include <QGuiApplication>
 #include <QTest>
 
-#include <cstdlib>
-
-// Both keep tables for the life of the process: Qt's connection to the sound server, which it never closes,
-// and GLib's registry of names, whose only pointer the leak checker can't read.
-extern "C" const char* __lsan_default_suppressions();
-const char* __lsan_default_suppressions() { return "leak:libpulse.so\nleak:libglib-2.0.so\n"; }
-
 namespace corvanta::test {
-
-namespace {
-
-class Application : public testing::Environment {
-  public:
-    void SetUp() override {
-        setenv("QT_QPA_PLATFORM", "offscreen", 1);
-        application_ = std::make_unique<QGuiApplication>(count_, arguments_);
-        QGuiApplication::setQuitOnLastWindowClosed(false);
-        FFmpegKitConfig::setLogLevel("error");
-    }
-    void TearDown() override { application_.reset(); }
-
-  private:
-    int count_ = 1;
-    char name_[5] = "test";
-    char* arguments_[2] = {name_, nullptr};
-    std::unique_ptr<QGuiApplication> application_;
-};
-
-const auto* const application = testing::AddGlobalTestEnvironment(std::make_unique<Application>().release());
-
-} // namespace
 
 std::vector<QQuickItem*> itemsBelow(QQuickItem* item) {
     std::vector<QQuickItem*> items;
@@ -54,39 +22,13 @@ std::string colourClip() {
     static const TemporaryDirectory directory;
     static const std::string path = [] {
         const std::string made = directory.file("colours.mp4");
-        runTool("ffmpeg", {"-v",
-                           "error",
-                           "-f",
-                           "lavfi",
-                           "-i",
-                           "color=red:s=90x160:r=30:d=1",
-                           "-f",
-                           "lavfi",
-                           "-i",
-                           "color=lime:s=90x160:r=30:d=1.5",
-                           "-f",
-                           "lavfi",
-                           "-i",
-                           "color=blue:s=90x160:r=30:d=1.5",
-                           "-f",
-                           "lavfi",
-                           "-i",
-                           "sine=f=440:d=4",
-                           "-filter_complex",
-                           "[0][1][2]concat=n=3,drawbox=x=45:y=0:w=45:h=160:color=white:t=fill",
-                           "-c:v",
-                           "libx264",
-                           "-preset",
-                           "ultrafast",
-                           "-bf",
-                           "0",
-                           "-g",
-                           "10",
-                           "-pix_fmt",
-                           "yuv420p",
-                           "-c:a",
-                           "aac",
-                           made});
+        runTool("ffmpeg", wordsOf("-v error -f lavfi -i color=red:s=90x160:r=30:d=1 "
+                                  "-f lavfi -i color=lime:s=90x160:r=30:d=1.5 "
+                                  "-f lavfi -i color=blue:s=90x160:r=30:d=1.5 -f lavfi -i sine=f=440:d=4 "
+                                  "-filter_complex "
+                                  "[0][1][2]concat=n=3,drawbox=x=45:y=0:w=45:h=160:color=white:t=fill "
+                                  "-c:v libx264 -preset ultrafast -bf 0 -g 10 -pix_fmt yuv420p -c:a aac " +
+                                  made));
         return made;
     }();
     return path;

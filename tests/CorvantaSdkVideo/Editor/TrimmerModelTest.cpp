@@ -167,45 +167,32 @@ TEST_F(TrimmerModelTest, LightsUpAtTheFirstDragInsideTheStripAndStaysLit) {
     EXPECT_EQ(model_->trimmerStart(), start) << "which only drags change";
 }
 
-TEST_F(TrimmerModelTest, HoldsItsBoundsInDragsAlongTheWholeStrip) {
+TEST_F(TrimmerModelTest, HoldsItsBoundsAndTheFormulaAfterAnyDrags) {
     const std::string clip = makeClip({.seconds = 2});
-    for (const double screenWidth : {320.0, 333.0, 375.0, 414.0, 768.0, 1024.0, 1280.0}) {
+    std::mt19937 random(1);
+    for (const double screenWidth : {320.0, 333.0, 375.0, 1024.0, 1280.0, 527.3, 901.7}) {
         openAndLayOut(clip, screenWidth);
         const double width = model_->trimmerInitialWidth();
         for (int sweep = 0; sweep < 4; ++sweep) {
             for (double step = 0; step < width; ++step) {
                 drag(sweep % 2 == 0 ? step : width - 1 - step);
-                expectConsistent();
-                // Whole and half points are exact.
-                ASSERT_GE(model_->rightEdgePosition() - model_->leftEdgePosition(), 64);
-                ASSERT_EQ(model_->trimmerSize().width(),
-                          model_->trimmerRightEdgePosition() - model_->trimmerXOffset());
+                ASSERT_NO_FATAL_FAILURE(expectConsistent());
             }
         }
         EXPECT_LT(model_->stopAt() - model_->trimmerStart(), model_->videoDuration());
-    }
-}
 
-TEST_F(TrimmerModelTest, HoldsTheFormulaAfterRandomDrags) {
-    const std::string clip = makeClip({.seconds = 2});
-    for (const unsigned seed : {1U, 2U, 3U}) {
-        std::mt19937 random(seed);
-        const double screenWidth = std::uniform_real_distribution(320.0, 1280.0)(random);
-        openAndLayOut(clip, screenWidth);
-        const double width = model_->trimmerInitialWidth();
         std::uniform_real_distribution<double> anywhere(-20, width + 20);
         std::normal_distribution<double> nearby(0, 12);
         int moves = 0;
-        for (int count = 0; count < 10'000; ++count) {
+        for (std::size_t count = 0; count < 5000; ++count) {
             const double before = model_->trimmerXOffset() + model_->trimmerRightEdgePosition();
             const std::array grips{model_->leftEdgePosition(), model_->rightEdgePosition(),
                                    model_->trimmerCenter()};
-            drag(count % 4 == 3 ? anywhere(random)
-                                : grips[static_cast<std::size_t>(count % 4)] + nearby(random));
+            drag(count % 4 == 3 ? anywhere(random) : grips[count % 4] + nearby(random));
             ASSERT_NO_FATAL_FAILURE(expectConsistent());
             moves += before != model_->trimmerXOffset() + model_->trimmerRightEdgePosition() ? 1 : 0;
         }
-        EXPECT_GT(moves, 5000);
+        EXPECT_GT(moves, 2500);
     }
 }
 

@@ -1,0 +1,40 @@
+#include <platform/FFmpegKit.hpp>
+
+#include <QGuiApplication>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+
+// Both keep tables for the life of the process: Qt's connection to the sound server, which it never closes,
+// and GLib's registry of names, whose only pointer the leak checker can't read.
+extern "C" const char* __lsan_default_suppressions();
+const char* __lsan_default_suppressions() { return "leak:libpulse.so\nleak:libglib-2.0.so\n"; }
+
+namespace corvanta::test {
+namespace {
+
+/// The one application of a test program, without a screen.
+class QtApplication : public testing::Environment {
+  public:
+    void SetUp() override {
+        setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        application_ = std::make_unique<QGuiApplication>(count_, arguments_);
+        QGuiApplication::setQuitOnLastWindowClosed(false);
+        FFmpegKitConfig::setLogLevel("error");
+    }
+    void TearDown() override { application_.reset(); }
+
+  private:
+    int count_ = 1;
+    char name_[5] = "test";
+    char* arguments_[2] = {name_, nullptr};
+    std::unique_ptr<QGuiApplication> application_;
+};
+
+const auto* const application =
+    testing::AddGlobalTestEnvironment(std::make_unique<QtApplication>().release());
+
+} // namespace
+} // namespace corvanta::test
