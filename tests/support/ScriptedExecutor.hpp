@@ -33,10 +33,8 @@ class ScriptedExecutor : public FFMPEGCommandExecutor {
     using FFMPEGCommandExecutor::executeFFMPEGCommand;
     using Notes = std::vector<std::string>;
 
-    /// `notes` gets "probe NAME", "run" and "cancel ID".
-    explicit ScriptedExecutor(std::shared_ptr<Notes> notes = std::make_shared<Notes>())
-        : notes_(std::move(notes)) {}
-
+    /// Gets "probe NAME", "run" and "cancel ID".
+    std::shared_ptr<Notes> notes = std::make_shared<Notes>();
     /// The answer to a probe; may throw.
     std::function<CorvantaSdkVideoInformation(const URL&)> onProbe = plainInformation;
     /// What a run does after its session has an id; may throw.
@@ -52,13 +50,13 @@ class ScriptedExecutor : public FFMPEGCommandExecutor {
     void release() { end(0); }
 
     void cancelCommandExecution(std::int64_t sessionId) override {
-        notes_->push_back("cancel " + std::to_string(sessionId));
+        notes->push_back("cancel " + std::to_string(sessionId));
         end(255);
         onCancel();
     }
 
     Task<> executeFFMPEGCommand(std::string command, OnUpdateSessionId onUpdateSessionId) override {
-        notes_->push_back("run");
+        notes->push_back("run");
         scripts.push_back(command);
         if (onUpdateSessionId && tellsSession) {
             onUpdateSessionId(7);
@@ -83,7 +81,7 @@ class ScriptedExecutor : public FFMPEGCommandExecutor {
     }
 
     Task<CorvantaSdkVideoInformation> getMediaInformation(URL url) override {
-        notes_->push_back("probe " + url.lastPathComponent());
+        notes->push_back("probe " + url.lastPathComponent());
         co_return onProbe(url);
     }
 
@@ -95,7 +93,6 @@ class ScriptedExecutor : public FFMPEGCommandExecutor {
         }
     }
 
-    std::shared_ptr<Notes> notes_;
     std::shared_ptr<boost::asio::steady_timer> gate_;
     int returnCode_ = 0;
 };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/ScopedVariable.hpp"
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -9,24 +11,16 @@
 namespace corvanta::test {
 
 /// A new folder that holds the module's per-user directories as long as the object lives. Start no threads
-/// before it and one of them at a time: it sets environment variables.
+/// before it: it sets environment variables.
 class UserFolders {
   public:
-    explicit UserFolders(const std::filesystem::path& base = std::filesystem::temp_directory_path()) {
-        std::string name = (base / "corvanta-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr) {
-            throw std::runtime_error("No temporary folder: " + name);
-        }
-        root_ = name;
-        setenv("XDG_DATA_HOME", (root_ / "data").c_str(), 1);
-        setenv("XDG_CACHE_HOME", (root_ / "cache").c_str(), 1);
+    explicit UserFolders(const std::filesystem::path& base = std::filesystem::temp_directory_path())
+        : root_(madeIn(base)) {
         std::filesystem::create_directory(folder());
     }
     UserFolders(const UserFolders&) = delete;
     UserFolders& operator=(const UserFolders&) = delete;
     ~UserFolders() {
-        unsetenv("XDG_DATA_HOME");
-        unsetenv("XDG_CACHE_HOME");
         std::error_code ignored;
         std::filesystem::remove_all(root_, ignored);
     }
@@ -47,7 +41,17 @@ class UserFolders {
     }
 
   private:
+    static std::filesystem::path madeIn(const std::filesystem::path& base) {
+        std::string name = (base / "corvanta-XXXXXX").string();
+        if (mkdtemp(name.data()) == nullptr) {
+            throw std::runtime_error("No temporary folder: " + name);
+        }
+        return name;
+    }
+
     std::filesystem::path root_;
+    ScopedVariable data_{"XDG_DATA_HOME", root_ / "data"};
+    ScopedVariable cache_{"XDG_CACHE_HOME", root_ / "cache"};
 };
 
 } // namespace corvanta::test

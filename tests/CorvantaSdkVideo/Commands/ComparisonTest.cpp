@@ -1,9 +1,6 @@
-#include <CorvantaSdkVideo/Commands/Concat/ConcatInputValidator.hpp>
-#include <CorvantaSdkVideo/Commands/Concat/VideosGlobalInformation.hpp>
+#include "EngineBench.hpp"
 
-#include "support/ScriptedExecutor.hpp"
-#include "support/Processes.hpp"
-#include "support/RecordedLog.hpp"
+#include <CorvantaSdkVideo/Commands/Concat/VideosGlobalInformation.hpp>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -12,31 +9,21 @@ namespace corvanta {
 namespace {
 
 using ::testing::Contains;
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::UnorderedElementsAre;
 using Information = CorvantaSdkVideoInformation;
 
-Information turned(const Information& from, int width, int height, Orientation orientation) {
-    return {from.url,
-            from.size,
-            from.durationMillis,
-            from.format,
-            from.videos,
-            from.audios,
-            orientation,
-            {static_cast<double>(width), static_cast<double>(height)}};
+/// The same tracks in another shape on screen.
+Information shapedAs(const Information& from, VideoSize size, Orientation orientation) {
+    return {from.url,    from.size,   from.durationMillis, from.format,
+            from.videos, from.audios, orientation,         size};
 }
 
-class ComparisonTest : public testing::Test {
+class ComparisonTest : public testing::Test, protected test::EngineBench {
   protected:
     ComparisonTest() {
-        for (const char* name : {"a.mp4", "b.mp4", "c.mp4"}) {
-            test::writeFile(directory_.file(name), "");
-            videos_.push_back(URL::fromFilePath(directory_.file(name)));
-        }
-        executor_->onProbe = [this](const URL& url) {
+        folders.make("c.mp4");
+        executor->onProbe = [this](const URL& url) {
             Information information = test::plainInformation(url);
             if (url == videos_[changed_]) {
                 change_(information);
@@ -45,34 +32,20 @@ class ComparisonTest : public testing::Test {
         };
     }
 
-    // The answer, or the error's name.
     std::string canProcess(std::vector<URL> videos) const {
-        try {
-            return runBlocking(validator_.canProcessConcatWith(std::move(videos))) ? "yes" : "no";
-        } catch (const std::exception& error) {
-            return error.what();
-        }
+        bool answer = false;
+        const std::string failure = test::failureOf(
+            [&] { answer = runBlocking(comparison.canProcessConcatWith(std::move(videos))); });
+        return !failure.empty() ? failure : answer ? "yes" : "no";
     }
 
     std::string difference(std::vector<URL> videos) const {
-        try {
-            runBlocking(validator_.validateVideosForConcat(std::move(videos)));
-            return "none";
-        } catch (const std::exception& error) {
-            return error.what();
-        }
+        return test::failureOf([&] { runBlocking(comparison.validateVideosForConcat(std::move(videos))); });
     }
 
-    test::RecordedLog log_;
-    test::TemporaryDirectory directory_;
-    std::vector<URL> videos_;
+    const std::vector<URL> videos_ = {input("a.mp4"), input("b.mp4"), input("c.mp4")};
     std::size_t changed_ = 2;
     std::function<void(Information&)> change_ = [](Information&) {};
-    const std::shared_ptr<test::ScriptedExecutor> executor_ = std::make_shared<test::ScriptedExecutor>();
-    const std::shared_ptr<CorvantaCredentialsManager> credentials_ =
-        std::make_shared<CorvantaCredentialsManagerImp>();
-    const ConcatInputValidator validator_{executor_, credentials_,
-                                          VideosInformationGenerator(credentials_, executor_)};
 };
 
 TEST_F(ComparisonTest, NamesTheFirstDifferenceWhereverItIs) {
@@ -85,15 +58,19 @@ TEST_F(ComparisonTest, NamesTheFirstDifferenceWhereverItIs) {
         std::string difference;
     };
     const std::vector<Case> cases = {
-        {"nothing", [](Information&) {}, "none"},
-        {"size, length", [](Information& i) { i.size = i.durationMillis = 9; }, "none"},
-        {"shown size", [](Information& i) { i = turned(i, 4, 8, Orientation::portrait); }, "none"},
-        {"video index", [](Information& i) { i.videos[0].index = 1; }, "none"},
-        {"video bit rate", [](Information& i) { i.videos[0].bitRate = 1; }, "none"},
-        {"video length", [](Information& i) { i.videos[0].durationMillis = 1; }, "none"},
-        {"audio index", [](Information& i) { i.audios[0].index = 0; }, "none"},
-        {"audio bit rate", [](Information& i) { i.audios[0].bitRate = 1; }, "none"},
-        {"audio length", [](Information& i) { i.audios[0].durationMillis = 1; }, "none"},
+        {"nothing", [](Information&) {}, ""},
+        {"size, length", [](Information& i) { i.size = i.durationMillis = 9; }, ""},
+        {"shown size",
+         [](Information& i) {
+             i = shapedAs(i, {4, 8}, Orientation::portrait);
+         },
+         ""},
+        {"what can differ",
+         [](Information& i) {
+             i.videos[0].index = i.videos[0].bitRate = i.videos[0].durationMillis = 7;
+             i.audios[0].index = i.audios[0].bitRate = i.audios[0].durationMillis = 7;
+         },
+         ""},
         {"format", [](Information& i) { i.format = "matroska,webm"; }, formats},
         {"width", [](Information& i) { i.videos[0].width = 1918; }, videoTracks},
         {"height", [](Information& i) { i.videos[0].height = 1078; }, videoTracks},
@@ -126,73 +103,58 @@ TEST_F(ComparisonTest, NamesTheFirstDifferenceWhereverItIs) {
         }
     }
     changed_ = 0;
-    EXPECT_EQ(difference({videos_[0]}), "none");
-    EXPECT_EQ(difference({videos_[0], videos_[0]}), "none");
     EXPECT_DEATH(difference({}), "at least one video");
 }
 
 TEST_F(ComparisonTest, AnswersWhetherFilesCanBeJoined) {
-    const URL missing = URL::fromFilePath(directory_.file("missing.mp4"));
+    const URL missing = input("missing.mp4");
     EXPECT_EQ(canProcess({videos_[0], videos_[1]}), "yes");
     EXPECT_EQ(canProcess({}), "invalidInputFiles(notEnoughVideos)");
-    EXPECT_EQ(canProcess({missing}), "invalidInputFiles(notEnoughVideos)");
     EXPECT_EQ(canProcess({videos_[0], missing}), "invalidInputFiles(inputContainsNonExistingFiles)");
-    for (const std::string& line : log_.take()) {
-        EXPECT_THAT(line, HasSubstr("info event_video_get_info: Get info called"));
-    }
+    EXPECT_THAT(takeErrors(), IsEmpty());
     change_ = [](Information& i) { i.format = "avi"; };
     EXPECT_EQ(canProcess(videos_), "no");
     const std::string failed =
         "error event_video_compare: Error comparing videos. The operation couldn’t be completed. ";
-    EXPECT_THAT(log_.take(), Contains(failed + "(CorvantaSdkVideoError error 9.)"));
+    EXPECT_THAT(log.take(), Contains(failed + "(CorvantaSdkVideoError error 9.)"));
     change_ = [](Information&) { throw CorvantaSdkVideoError(CorvantaSdkVideoError::getInformationFailed); };
     EXPECT_EQ(canProcess(videos_), "no");
-    EXPECT_THAT(log_.take(), Contains(failed + "(CorvantaSdkVideoError error 23.)"));
+    EXPECT_THAT(log.take(), Contains(failed + "(CorvantaSdkVideoError error 23.)"));
 
     const test::RecordedLog loggedOut(false);
     EXPECT_EQ(canProcess({}), "userNotAuthenticated");
 }
 
 TEST(VideosGlobalInformation, FoldsItsVideos) {
-    const VideosGlobalInformation nothing({});
-    EXPECT_TRUE(nothing.allVideosHaveAudio());
-    EXPECT_TRUE(nothing.noVideoHasAudio());
-    EXPECT_EQ(nothing.targetSize(), (VideoSize{0, 0}));
-    EXPECT_THAT(nothing.portraitSizes(), IsEmpty());
-
     const Information plain = test::plainInformation(URL::fromFilePath("/a.mp4"));
-    Information silent = turned(plain, 1080, 1920, Orientation::portrait);
+    Information silent = shapedAs(plain, {1080, 1920}, Orientation::portrait);
     silent.audios.clear();
     silent.videos[0].codec = "hevc";
     silent.videos[0].frameRate = "30000/1001";
-    Information blind = turned(plain, 0, 0, Orientation::portrait);
+    Information blind = shapedAs(plain, {0, 0}, Orientation::portrait);
     blind.videos.clear();
     blind.audios[0].codec = "mp3";
     blind.audios[0].sampleRate = 44'100;
 
-    const VideosGlobalInformation like({plain, plain});
-    EXPECT_TRUE(like.allVideosHaveAudio());
-    EXPECT_FALSE(like.noVideoHasAudio());
-    EXPECT_THAT(like.landscapeSizes(), ElementsAre(VideoSize{1920, 1080}));
-    EXPECT_THAT(like.framesPerRate(), ElementsAre(CorvantaSdkVideoFrameRate::thirtyFps));
+    const auto sound = [](const std::vector<Information>& videos) {
+        const VideosGlobalInformation all(videos);
+        return std::pair(all.allVideosHaveAudio(), all.noVideoHasAudio());
+    };
+    EXPECT_EQ(sound({}), std::pair(true, true));
+    EXPECT_EQ(sound({plain, plain}), std::pair(true, false));
+    EXPECT_EQ(sound({silent, silent}), std::pair(false, true));
+    EXPECT_EQ(sound({plain, silent}), std::pair(false, false));
+    EXPECT_EQ(sound({silent, plain}), std::pair(false, false));
 
-    const VideosGlobalInformation silence({silent, silent});
-    EXPECT_FALSE(silence.allVideosHaveAudio());
-    EXPECT_TRUE(silence.noVideoHasAudio());
-
-    for (const auto& list : {std::vector{plain, silent, blind}, std::vector{blind, silent, plain}}) {
-        const VideosGlobalInformation all(list);
-        EXPECT_FALSE(all.allVideosHaveAudio());
-        EXPECT_FALSE(all.noVideoHasAudio());
-        EXPECT_EQ(all.targetSize(), (VideoSize{1920, 1920}));
-        EXPECT_THAT(all.portraitSizes(), UnorderedElementsAre(VideoSize{1080, 1920}, VideoSize{0, 0}));
-        EXPECT_THAT(all.landscapeSizes(), ElementsAre(VideoSize{1920, 1080}));
-        EXPECT_THAT(all.videoCodecs(), UnorderedElementsAre("h264", "hevc", ""));
-        EXPECT_THAT(all.audioCodecs(), UnorderedElementsAre("aac", "", "mp3"));
-        EXPECT_THAT(all.audioSampleRates(), UnorderedElementsAre(48'000.0, 0.0, 44'100.0));
-        EXPECT_THAT(all.framesPerRate(), UnorderedElementsAre(CorvantaSdkVideoFrameRate::thirtyFps,
-                                                              CorvantaSdkVideoFrameRate::unknown));
-    }
+    const VideosGlobalInformation all({plain, silent, blind, plain});
+    EXPECT_EQ(all.targetSize(), (VideoSize{1920, 1920}));
+    EXPECT_THAT(all.portraitSizes(), UnorderedElementsAre(VideoSize{1080, 1920}, VideoSize{0, 0}));
+    EXPECT_THAT(all.landscapeSizes(), UnorderedElementsAre(VideoSize{1920, 1080}));
+    EXPECT_THAT(all.videoCodecs(), UnorderedElementsAre("h264", "hevc", ""));
+    EXPECT_THAT(all.audioCodecs(), UnorderedElementsAre("aac", "", "mp3"));
+    EXPECT_THAT(all.audioSampleRates(), UnorderedElementsAre(48'000.0, 0.0, 44'100.0));
+    EXPECT_THAT(all.framesPerRate(), UnorderedElementsAre(CorvantaSdkVideoFrameRate::thirtyFps,
+                                                          CorvantaSdkVideoFrameRate::unknown));
 }
 
 } // namespace

@@ -4,15 +4,18 @@
 #include <CorvantaSdkVideo/Commands/CorvantaSdkVideoRequestBuilder.hpp>
 #include <CorvantaSdkVideo/Commands/Encoding/CorvantaSdkVideoVideoEncoderEngine.hpp>
 #include <CorvantaSdkVideo/Commands/Merge/CorvantaSdkVideoMergeEngine.hpp>
+#include <CorvantaSdkVideo/Store/CoreData/CoreDataCorvantaStore.hpp>
+#include <platform/Directories.hpp>
 
-#include "support/InMemoryVideoStore.hpp"
+#include "support/Failure.hpp"
 #include "support/Processes.hpp"
 #include "support/RecordedLog.hpp"
-#include "support/ScopedVariable.hpp"
 #include "support/ScriptedExecutor.hpp"
+#include "support/UserFolders.hpp"
 
-#include <algorithm>
 #include <array>
+#include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -31,38 +34,47 @@ inline std::string statusName(Stored status) {
     return std::string(name(static_cast<CorvantaSdkVideoRequestStatus>(status)));
 }
 
+/// "concatFailed" and so on.
+inline std::string failedName(Type type) {
+    return type == Type::encode ? "encodingFailed" : std::string(name(type)) + "Failed";
+}
+
 /// Notes each update as it is asked for ("processing", "pid 7", "complete -pid"), and fails on demand.
-class NotingStore : public InMemoryVideoStore {
+class NotingStore : public CoreDataCorvantaStore {
   public:
-    explicit NotingStore(std::shared_ptr<ScriptedExecutor::Notes> notes) : notes_(std::move(notes)) {}
+    /// Without `notes` it may be used from any thread.
+    NotingStore(const std::string& path, std::shared_ptr<ScriptedExecutor::Notes> notes)
+        : CoreDataCorvantaStore(URL::fromFilePath(path)), notes_(std::move(notes)) {}
 
     bool failsReads = false;
     bool failsWrites = false;
+    std::function<void(const LocalVideoRequest&)> onInsert = [](const LocalVideoRequest&) {};
 
     void insert(const LocalVideoRequest& request) override {
+        onInsert(request);
         failIf(failsWrites);
-        InMemoryVideoStore::insert(request);
+        CoreDataCorvantaStore::insert(request);
     }
 
     void updateRequest(const UUID& withId, const UpdateRequestData& data) override {
-        notes_->push_back(described(data));
+        if (notes_) {
+            notes_->push_back(described(data));
+        }
         failIf(failsWrites);
-        InMemoryVideoStore::updateRequest(withId, data);
+        CoreDataCorvantaStore::updateRequest(withId, data);
     }
 
     std::optional<LocalVideoRequest> getRequest(const UUID& withId) override {
         failIf(failsReads);
-        return InMemoryVideoStore::getRequest(withId);
+        return CoreDataCorvantaStore::getRequest(withId);
     }
 
     std::vector<LocalVideoRequest> getRequests(Stored withStatus) override {
         failIf(failsReads);
-        return InMemoryVideoStore::getRequests(withStatus);
+        return CoreDataCorvantaStore::getRequests(withStatus);
     }
 
   private:
-    using Field = UpdateRequestData::Field;
-
     static void failIf(bool fails) {
         if (fails) {
             throw std::runtime_error("the disk is full");
@@ -70,76 +82,67 @@ class NotingStore : public InMemoryVideoStore {
     }
 
     static std::string described(const UpdateRequestData& data) {
-        std::vector<std::string> words;
-        for (const Field& field : data.fields) {
-            if (field.kind() == Field::Case::status) {
-                words.insert(words.begin(), statusName(field.newStatus()));
-            } else if (field.kind() == Field::Case::processId) {
-                words.push_back(field.text() ? "pid " + *field.text() : "-pid");
-            } else {
-                words.push_back("error text");
+        std::string status;
+        std::string processId;
+        for (const UpdateRequestData::Field& field : data.fields) {
+            if (field.kind() == UpdateRequestData::Field::Case::status) {
+                status = statusName(field.newStatus());
+            } else if (field.kind() == UpdateRequestData::Field::Case::processId) {
+                processId = field.text() ? "pid " + *field.text() : "-pid";
             }
         }
-        std::string text;
-        for (const std::string& word : words) {
-            text += (text.empty() ? "" : " ") + word;
-        }
-        return text;
+        return status + (status.empty() || processId.empty() ? "" : " ") + processId;
     }
 
     std::shared_ptr<ScriptedExecutor::Notes> notes_;
 };
 
-/// The three engines and the directory over a store in memory and an executor that runs nothing, with two
-/// empty inputs "a.mp4" and "b.mp4". Everything in the notes stands in the order in which it was asked for.
+/// The three engines and the directory over a store and an executor that runs nothing, with two empty inputs
+/// "a.mp4" and "b.mp4". Everything in the notes stands in the order in which it was asked for.
 struct EngineBench {
-    TemporaryDirectory directory;
-    ScopedVariable data{"XDG_DATA_HOME", directory.file("data")};
-    RecordedLog log;
+    /// `other` runs commands in place of the scripted executor, on any thread, and nothing is noted.
+    explicit EngineBench(std::shared_ptr<FFMPEGCommandExecutor> other = nullptr)
+        : runner(other ? std::move(other) : executor) {
+        folders.make("a.mp4", "");
+        folders.make("b.mp4", "");
+    }
 
-    std::shared_ptr<ScriptedExecutor::Notes> notes = std::make_shared<ScriptedExecutor::Notes>();
-    std::shared_ptr<ScriptedExecutor> executor = std::make_shared<ScriptedExecutor>(notes);
-    std::shared_ptr<NotingStore> store = std::make_shared<NotingStore>(notes);
+    UserFolders folders{UserFolders::memory()};
+    RecordedLog log;
+    std::shared_ptr<ScriptedExecutor> executor = std::make_shared<ScriptedExecutor>();
+    std::shared_ptr<FFMPEGCommandExecutor> runner;
+    std::shared_ptr<NotingStore> store = std::make_shared<NotingStore>(
+        folders.file("store.sqlite"), runner == executor ? executor->notes : nullptr);
     std::shared_ptr<CorvantaCredentialsManager> credentials =
         std::make_shared<CorvantaCredentialsManagerImp>();
 
-    VideosInformationGenerator probes{credentials, executor};
+    VideosInformationGenerator probes{credentials, runner};
+    ConcatInputValidator comparison{runner, credentials, probes};
     std::shared_ptr<CorvantaSdkVideoConcatEngine> concat = std::make_shared<CorvantaSdkVideoConcatEngine>(
-        credentials, FFMPEGCommandGenerator(), executor, ConcatInputValidator(executor, credentials, probes),
-        probes, CorvantaSdkVideoFileValidator(), store);
+        credentials, FFMPEGCommandGenerator(), runner, comparison, probes, CorvantaSdkVideoFileValidator(),
+        store);
     std::shared_ptr<CorvantaSdkVideoMergeEngine> merge = std::make_shared<CorvantaSdkVideoMergeEngine>(
-        credentials, FFMPEGMergeCommandGenerator(), executor, probes, CorvantaSdkVideoFileValidator(), store);
+        credentials, FFMPEGMergeCommandGenerator(), runner, probes, CorvantaSdkVideoFileValidator(), store);
     std::shared_ptr<CorvantaSdkVideoVideoEncoderEngine> encode =
         std::make_shared<CorvantaSdkVideoVideoEncoderEngine>(credentials, CorvantaSdkVideoFileValidator(),
-                                                             executor, FFMPEGMergeCommandGenerator(), store);
+                                                             runner, FFMPEGMergeCommandGenerator(), store);
     CorvantaSdkVideoRequestBuilder requests{store, merge, concat, encode};
 
-    EngineBench() {
-        for (const char* name : {"a.mp4", "b.mp4"}) {
-            writeFile(directory.file(name), "");
-        }
-    }
-
-    URL input(const std::string& name) const { return URL::fromFilePath(directory.file(name)); }
+    URL input(const std::string& name) const { return URL::fromFilePath(folders.file(name)); }
     /// Where a run writes, without and with its extension.
-    std::string output() const { return directory.file("out"); }
+    std::string output() const { return folders.file("out"); }
     URL outputURL() const { return *URL::parse(output() + ".mp4"); }
 
     std::shared_ptr<CorvantaSdkVideoRequestEngine> engineOf(Type type) const {
-        switch (type) {
-        case Type::merge:
-            return merge;
-        case Type::encode:
-            return encode;
-        case Type::concat:
-            break;
-        }
-        return concat;
+        return type == Type::concat  ? std::shared_ptr<CorvantaSdkVideoRequestEngine>(concat)
+               : type == Type::merge ? std::shared_ptr<CorvantaSdkVideoRequestEngine>(merge)
+                                     : encode;
     }
 
-    /// A stored row like a builder's, of another status and process id if wanted.
-    LocalVideoRequest insertRow(Type type, Stored status = Stored::idle,
-                                const std::optional<std::string>& processId = std::nullopt) {
+    /// A stored row like a builder's, with what is given in place of the builder's.
+    LocalVideoRequest insertRow(
+        Type type, Stored status = Stored::idle, const std::optional<std::string>& processId = std::nullopt,
+        std::optional<std::string> rawData = R"({"videoTracks":[],"audioTracks":[],"framesRate":"30"})") {
         using Operation = LocalVideoRequest::OperationType;
         LocalVideoRequest row{.id = makeUUID(),
                               .status = status,
@@ -150,18 +153,15 @@ struct EngineBench {
                                                              : Operation::concat,
                               .error = std::nullopt,
                               .inputFiles = {{input("a.mp4"), 0}, {input("b.mp4"), 1}},
-                              .rawData = R"({"videoTracks":[],"audioTracks":[],"framesRate":"30"})",
+                              .rawData = std::move(rawData),
                               .processId = std::nullopt,
                               .createdAt = std::chrono::system_clock::now(),
                               .updatedAt = std::chrono::system_clock::now()};
-        if (type == Type::encode) {
-            row.inputFiles.pop_back();
-        }
         store->insert(row);
         if (processId) {
             store->updateRequest(row.id, {{UpdateRequestData::Field::processId(processId)}});
         }
-        notes->clear();
+        executor->notes->clear();
         return row;
     }
 
@@ -175,13 +175,13 @@ struct EngineBench {
 
     /// "error -" without, "processing 7" with a process id; "no row".
     std::string rowOf(const UUID& id) const {
-        const auto row = store->InMemoryVideoStore::getRequest(id);
+        const auto row = store->CoreDataCorvantaStore::getRequest(id);
         return row ? statusName(row->status) + ' ' + row->processId.value_or("-") : "no row";
     }
 
     std::string takeNotes() const {
         std::string text;
-        for (const std::string& note : std::exchange(*notes, {})) {
+        for (const std::string& note : std::exchange(*executor->notes, {})) {
             text += (text.empty() ? "" : ", ") + note;
         }
         return text;
@@ -197,24 +197,16 @@ struct EngineBench {
     /// The extensions of the files left in the documents directory.
     std::vector<std::string> documents() const {
         std::vector<std::string> names;
-        std::error_code notMade;
-        const auto folder = directory.path() / "data/corvanta-sdk-video/documents";
-        for (const auto& entry : std::filesystem::directory_iterator(folder, notMade)) {
+        for (const auto& entry : std::filesystem::directory_iterator(Directories::documents().path())) {
             names.push_back(entry.path().extension());
         }
         return names;
     }
 };
 
-/// "" or the error's name.
-template <typename Run>
-std::string failureOf(Run run) {
-    try {
-        run();
-        return "";
-    } catch (const std::exception& error) {
-        return error.what();
-    }
+/// How a run of that request fails, or "".
+inline std::string failureOf(const RequestPointer& request) {
+    return failureOf([&] { runBlocking(request->process()); });
 }
 
 } // namespace corvanta::test

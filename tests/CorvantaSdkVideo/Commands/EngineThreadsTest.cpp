@@ -24,51 +24,6 @@ class RunningExecutor : public FFMPEGCommandExecutorImplementation {
     }
 };
 
-struct ThreadsBench {
-    ThreadsBench() {
-        for (const char* name : {"a.mp4", "b.mp4"}) {
-            writeFile(directory.file(name), "");
-        }
-    }
-
-    UUID insertRow() const {
-        const auto now = std::chrono::system_clock::now();
-        const LocalVideoRequest row{.id = makeUUID(),
-                                    .status = Stored::idle,
-                                    .outputPath = URL::fromFilePath(directory.file("out.mp4")),
-                                    .output = CorvantaSdkVideoFileDescriptor::custom(directory.file("out")),
-                                    .type = LocalVideoRequest::OperationType::merge,
-                                    .error = std::nullopt,
-                                    .inputFiles = {{URL::fromFilePath(directory.file("a.mp4")), 0},
-                                                   {URL::fromFilePath(directory.file("b.mp4")), 1}},
-                                    .rawData = R"({"videoTracks":[],"audioTracks":[],"framesRate":"30"})",
-                                    .processId = std::nullopt,
-                                    .createdAt = now,
-                                    .updatedAt = now};
-        store->insert(row);
-        return row.id;
-    }
-
-    RequestPointer fetch(const UUID& id) const {
-        RequestPointer fetched;
-        const auto subscription = requests.streamVideoRequest(id).subscribe(
-            [&](const RequestPointer& request) { fetched = request; });
-        return fetched;
-    }
-
-    TemporaryDirectory directory;
-    RecordedLog log;
-    std::shared_ptr<FFMPEGCommandExecutor> executor = std::make_shared<RunningExecutor>();
-    std::shared_ptr<corvanta::InMemoryVideoStore> store =
-        std::make_shared<corvanta::InMemoryVideoStore>();
-    std::shared_ptr<CorvantaCredentialsManager> credentials =
-        std::make_shared<CorvantaCredentialsManagerImp>();
-    std::shared_ptr<CorvantaSdkVideoMergeEngine> merge = std::make_shared<CorvantaSdkVideoMergeEngine>(
-        credentials, FFMPEGMergeCommandGenerator(), executor,
-        VideosInformationGenerator(credentials, executor), CorvantaSdkVideoFileValidator(), store);
-    CorvantaSdkVideoRequestBuilder requests{store, merge, nullptr, nullptr};
-};
-
 // "" or the error's name. The error stays on the threads that the sanitizer can follow it on: the standard
 // library counts an exception's owners out of its sight.
 Task<std::string> outcomeOf(RequestPointer request) {
@@ -80,27 +35,18 @@ Task<std::string> outcomeOf(RequestPointer request) {
     co_return "";
 }
 
-// The end of such a run comes on another thread while the starting one still stores the session's id.
-TEST(EngineThreads, EndRunsThatEndAtOnceWithoutAProcessId) {
-    ThreadsBench bench;
-    const ScopedVariable ffmpeg("CORVANTA_FFMPEG", "/nonexistent/ffmpeg");
-    asio::thread_pool pool(4);
-    std::vector<std::pair<UUID, std::future<std::string>>> runs;
-    // Each prints why it could not be started.
-    ::testing::internal::CaptureStdout();
-    for (int run = 0; run < 150; ++run) {
-        const UUID id = bench.insertRow();
-        runs.emplace_back(id, asio::co_spawn(pool, outcomeOf(bench.fetch(id)), asio::use_future));
+/// Merges on four threads, with a script in place of ffmpeg.
+struct ThreadsBench : EngineBench {
+    explicit ThreadsBench(std::string_view script)
+        : EngineBench(std::make_shared<RunningExecutor>()), ffmpeg("CORVANTA_FFMPEG", script) {}
+
+    std::future<std::string> start(RequestPointer request) {
+        return asio::co_spawn(pool, outcomeOf(std::move(request)), asio::use_future);
     }
-    for (auto& [id, result] : runs) {
-        EXPECT_EQ(result.get(), "mergeFailed");
-        const auto row = bench.store->getRequest(id);
-        EXPECT_EQ(row->status, Stored::error);
-        EXPECT_EQ(row->processId, std::nullopt);
-    }
-    pool.join();
-    ::testing::internal::GetCapturedStdout();
-}
+
+    FakeProgram ffmpeg;
+    asio::thread_pool pool{4};
+};
 
 /// Holds the second update, that of the session's id, back until the run's failure is told, or a moment.
 class HoldingLog : public SharedCorvantaSdkLogSink {
@@ -122,27 +68,22 @@ class HoldingLog : public SharedCorvantaSdkLogSink {
     bool failed_ = false;
 };
 
+// The end of such a run comes on another thread while the starting one still stores the session's id.
 TEST(EngineThreads, SettleTheRowAfterTheSessionsIdIsStored) {
-    ThreadsBench bench;
+    ThreadsBench bench("exit 1\n");
     SharedCorvantaSdkCommonKt::sdk_common().setLog(std::make_shared<HoldingLog>());
-    const FakeProgram ffmpeg("CORVANTA_FFMPEG", "exit 1\n");
-    asio::thread_pool pool(2);
-    const UUID id = bench.insertRow();
-    EXPECT_EQ(asio::co_spawn(pool, outcomeOf(bench.fetch(id)), asio::use_future).get(), "mergeFailed");
-    pool.join();
-    const auto row = bench.store->getRequest(id);
-    EXPECT_EQ(row->status, Stored::error);
-    EXPECT_EQ(row->processId, std::nullopt);
+    const UUID id = bench.insertRow(Type::merge).id;
+    EXPECT_EQ(bench.start(bench.fetch(id)).get(), "mergeFailed");
+    bench.pool.join();
+    EXPECT_EQ(bench.rowOf(id), "error -");
 }
 
 TEST(EngineThreads, CancelRunsOfOtherThreads) {
-    ThreadsBench bench;
-    const FakeProgram ffmpeg("CORVANTA_FFMPEG", "exec sleep 600\n");
-    asio::thread_pool pool(4);
+    ThreadsBench bench("exec sleep 600\n");
     std::vector<std::pair<UUID, std::future<std::string>>> runs;
     for (int run = 0; run < 8; ++run) {
-        const UUID id = bench.insertRow();
-        runs.emplace_back(id, asio::co_spawn(pool, outcomeOf(bench.fetch(id)), asio::use_future));
+        const UUID id = bench.insertRow(Type::merge).id;
+        runs.emplace_back(id, bench.start(bench.fetch(id)));
     }
     std::vector<std::jthread> cancellers;
     for (const auto& [id, result] : runs) {
@@ -154,22 +95,18 @@ TEST(EngineThreads, CancelRunsOfOtherThreads) {
         EXPECT_EQ(result.get(), "mergeFailed");
     }
     cancellers.clear();
-    pool.join();
+    bench.pool.join();
     for (const auto& [id, result] : runs) {
-        const auto row = bench.store->getRequest(id);
-        EXPECT_EQ(row->status, Stored::cancelled);
-        EXPECT_EQ(row->processId, std::nullopt);
+        EXPECT_EQ(bench.rowOf(id), "cancelled -");
     }
 }
 
 TEST(EngineThreads, GiveOneResultToManyCallers) {
-    ThreadsBench bench;
-    const FakeProgram ffmpeg("CORVANTA_FFMPEG", "exit 0\n");
-    asio::thread_pool pool(4);
-    const RequestPointer request = bench.fetch(bench.insertRow());
+    ThreadsBench bench("exit 0\n");
+    const RequestPointer request = bench.fetch(bench.insertRow(Type::merge).id);
     std::vector<std::future<std::string>> calls;
     for (int call = 0; call < 32; ++call) {
-        calls.push_back(asio::co_spawn(pool, outcomeOf(request), asio::use_future));
+        calls.push_back(bench.start(request));
     }
     int successes = 0;
     for (auto& call : calls) {
@@ -177,9 +114,8 @@ TEST(EngineThreads, GiveOneResultToManyCallers) {
         EXPECT_TRUE(failure.empty() || failure == "operationStillsInProgress") << failure;
         successes += failure.empty() ? 1 : 0;
     }
-    pool.join();
+    bench.pool.join();
     EXPECT_GE(successes, 1);
-    EXPECT_TRUE(request->outputPath());
 }
 
 } // namespace

@@ -28,200 +28,145 @@ struct Scene : EngineBench {
     std::optional<double> height;
     std::optional<RecordedLog> loggedOut;
 
-    void fill(CorvantaSdkVideoRequest& request) const {
-        request.concatData.reset();
-        request.mergeData.reset();
-        request.encodingData.reset();
-        if (!hasData) {
-            return;
-        }
-        switch (type) {
-        case Type::concat:
-            request.concatData = VideoConcatData{videos};
-            break;
-        case Type::merge:
-            request.mergeData.emplace();
-            request.mergeData->videos = videos;
-            request.mergeData->width = width;
-            request.mergeData->height = height;
-            break;
-        case Type::encode:
-            request.encodingData.emplace();
-            request.encodingData->inputFileURL = videos.empty() ? URL() : videos.front();
-            request.encodingData->width = width;
-            request.encodingData->height = height;
-            break;
-        }
-    }
-
     RequestPointer request() const {
-        const auto made = std::make_shared<CorvantaSdkVideoRequest>(
+        const auto dataOf = [this](Type wanted, auto data) {
+            return hasData && type == wanted ? std::optional(std::move(data)) : std::nullopt;
+        };
+        const URL video = videos.empty() ? URL() : videos.front();
+        return std::make_shared<CorvantaSdkVideoRequest>(
             row.id, type, CorvantaSdkVideoRequest::Status::idle,
-            CorvantaSdkVideoFileDescriptor::custom(location), row.createdAt, row.updatedAt, std::nullopt,
-            std::nullopt, std::nullopt, std::nullopt, std::nullopt, engineOf(type));
-        fill(*made);
-        return made;
+            CorvantaSdkVideoFileDescriptor::custom(location), row.createdAt, row.updatedAt,
+            dataOf(Type::encode,
+                   VideoEncodingData{video, width, height, {}, {}, CorvantaSdkVideoFrameRate::thirtyFps}),
+            dataOf(Type::merge,
+                   VideoMergeData{videos, width, height, CorvantaSdkVideoFrameRate::thirtyFps, {}, {}}),
+            dataOf(Type::concat, VideoConcatData{videos}), std::nullopt, std::nullopt, engineOf(type));
     }
 
     void setStatus(Stored status) {
         store->updateRequest(row.id, {{UpdateRequestData::Field::status(status)}});
-        notes->clear();
+        executor->notes->clear();
     }
 };
 
+/// In `error`, FAILED is the type's own error; in `notes`, PROBES are the probes that its run begins with.
 struct Expected {
     std::string error;
     std::string row;
     std::string notes;
+
+    std::string errorOf(Type type) const { return error == "FAILED" ? failedName(type) : error; }
+    std::string notesOf(Type type) const {
+        const std::string both = "probe a.mp4, probe b.mp4";
+        const std::string probes = type == Type::concat  ? both + ", " + both
+                                   : type == Type::merge ? both
+                                                         : "probe a.mp4";
+        return notes.starts_with("PROBES") ? probes + notes.substr(6) : notes;
+    }
 };
 
 struct Situation {
     std::string name;
     std::function<void(Scene&)> arrange;
     Expected concat;
-    Expected merge;
-    Expected encode;
-    /// Whether the merge and the encode log the failure.
-    bool logged = false;
-
-    const Expected& expected(Type type) const {
-        return type == Type::concat ? concat : type == Type::merge ? merge : encode;
-    }
+    Expected merge = concat;
+    Expected encode = merge;
 };
 
-const std::string joined = "probe a.mp4, probe b.mp4, probe a.mp4, probe b.mp4, processing, run, pid 7";
-const std::string merged = "probe a.mp4, probe b.mp4, processing, run, pid 7";
-const std::string encoded = "probe a.mp4, processing, run, pid 7";
-constexpr const char* badLocation = "http://[";
-
-Situation refusal(std::string name, std::function<void(Scene&)> arrange, const std::string& error,
-                  const std::string& row = "idle -") {
-    const Expected expected{error, row, ""};
-    return {std::move(name), std::move(arrange), expected, expected, expected};
-}
+Expected refused(std::string error) { return {std::move(error), "idle -", ""}; }
 
 std::vector<Situation> situations() {
-    const auto probeFails = [](Scene& scene) {
-        scene.executor->onProbe = [](const URL& url) {
-            return url.lastPathComponent() == "a.mp4"
-                       ? throw CorvantaSdkVideoError(CorvantaSdkVideoError::getInformationFailed)
-                       : plainInformation(url);
-        };
-    };
-    const auto small = [](Scene& scene) { scene.width = 127.5; };
+    const Expected done = {"", "complete -", "PROBES, processing, run, pid 7, complete -pid"};
+    const Expected failed = {"FAILED", "error -", "PROBES, processing, run, pid 7, error -pid"};
+    const Expected notEnough = refused("invalidInputFiles(notEnoughVideos)");
+    const Expected tooSmall = refused("invalidResolution");
+    const Expected unplaced = refused("unableToProcessOutput");
+    const Expected missing = refused("invalidInputFiles(inputContainsNonExistingFiles)");
+    const std::string badLocation = "http://[";
+    const auto fail = [](const std::string&) { throw PlatformError("COMPLETED", 1); };
     return {
-        {"success",
-         [](Scene&) {},
-         {"", "complete -", joined + ", complete -pid"},
-         {"", "complete -", merged + ", complete -pid"},
-         {"", "complete -", encoded + ", complete -pid"}},
-        {"again after an error",
-         [](Scene& scene) { scene.setStatus(Stored::error); },
-         {"", "complete -", joined + ", complete -pid"},
-         {"", "complete -", merged + ", complete -pid"},
-         {"", "complete -", encoded + ", complete -pid"}},
-        {"again after a cancel",
-         [](Scene& scene) { scene.setStatus(Stored::cancelled); },
-         {"", "complete -", joined + ", complete -pid"},
-         {"", "complete -", merged + ", complete -pid"},
-         {"", "complete -", encoded + ", complete -pid"}},
-        refusal(
-            "nobody logged in, and everything else wrong too",
-            [badLocation = badLocation](Scene& scene) {
-                scene.loggedOut.emplace(false);
-                scene.hasData = false;
-                scene.location = badLocation;
-            },
-            "userNotAuthenticated"),
-        refusal(
-            "no row", [](Scene& scene) { scene.store->deleteRequest(scene.row.id); }, "operationNotFound",
-            "no row"),
-        refusal(
-            "a row that can't be read", [](Scene& scene) { scene.store->failsReads = true; },
-            "operationNotFound"),
-        refusal(
-            "a running row",
-            [](Scene& scene) {
-                scene.setStatus(Stored::processing);
-                scene.hasData = false;
-            },
-            "operationStillsInProgress", "processing -"),
-        refusal(
-            "a complete row", [](Scene& scene) { scene.setStatus(Stored::completed); },
-            "operationAlreadyCompleted", "complete -"),
-        {"no data, no place",
-         [](Scene& scene) {
+        {"success", [](Scene&) {}, done},
+        {"nobody logged in, and everything else wrong too",
+         [=](Scene& scene) {
+             scene.loggedOut.emplace(false);
              scene.hasData = false;
              scene.location = badLocation;
          },
-         {"concatFailed", "error -", "error"},
-         {"mergeFailed", "error -", "error"},
-         {"encodingFailed", "error -", "error"}},
-        {"no place and no inputs",
+         refused("userNotAuthenticated")},
+        {"no row",
+         [](Scene& scene) { scene.store->deleteRequest(scene.row.id); },
+         {"operationNotFound", "no row", ""}},
+        {"a row that can't be read", [](Scene& scene) { scene.store->failsReads = true; },
+         refused("operationNotFound")},
+        {"a running row",
          [](Scene& scene) {
+             scene.setStatus(Stored::processing);
+             scene.hasData = false;
+         },
+         {"operationStillsInProgress", "processing -", ""}},
+        {"a complete row",
+         [](Scene& scene) { scene.setStatus(Stored::completed); },
+         {"operationAlreadyCompleted", "complete -", ""}},
+        {"no data, no place",
+         [=](Scene& scene) {
+             scene.hasData = false;
+             scene.location = badLocation;
+         },
+         {"FAILED", "error -", "error"}},
+        {"no place and no inputs",
+         [=](Scene& scene) {
              scene.location = badLocation;
              scene.videos = {};
          },
-         {"concatFailed", "idle -", ""},
-         {"invalidInputFiles(notEnoughVideos)", "idle -", ""},
-         {"unableToProcessOutput", "idle -", ""}},
+         refused("FAILED"), notEnough, unplaced},
         {"no place",
-         [](Scene& scene) { scene.location = badLocation; },
-         {"concatFailed", "idle -", ""},
-         {"unableToProcessOutput", "idle -", "probe a.mp4, probe b.mp4"},
-         {"unableToProcessOutput", "idle -", ""}},
-        {"one input",
-         [](Scene& scene) { scene.videos.pop_back(); },
-         {"invalidInputFiles(notEnoughVideos)", "idle -", ""},
-         {"invalidInputFiles(notEnoughVideos)", "idle -", ""},
-         {"", "complete -", encoded + ", complete -pid"}},
+         [=](Scene& scene) { scene.location = badLocation; },
+         refused("FAILED"),
+         {"unableToProcessOutput", "idle -", "PROBES"},
+         unplaced},
+        {"a place that a command can't name",
+         [](Scene& scene) { scene.location += " \"quoted\""; },
+         {"FAILED", "error -", "PROBES, processing, error -pid"}},
+        {"a place that is an input",
+         [](Scene& scene) { scene.location = scene.folders.file("a"); },
+         {"FAILED", "error -", "PROBES, processing, error -pid"}},
+        {"one input", [](Scene& scene) { scene.videos.pop_back(); }, notEnough, notEnough, done},
         {"an input that is not there, and too small a size",
-         [small](Scene& scene) {
-             small(scene);
-             std::filesystem::remove(scene.directory.file("a.mp4"));
+         [](Scene& scene) {
+             scene.width = 127.5;
+             std::filesystem::remove(scene.folders.file("a.mp4"));
          },
-         {"invalidInputFiles(inputContainsNonExistingFiles)", "idle -", ""},
-         {"invalidInputFiles(inputContainsNonExistingFiles)", "idle -", ""},
-         {"notFoundVideo", "idle -", ""}},
+         missing, missing, refused("notFoundVideo")},
         {"an input of another kind",
          [](Scene& scene) {
              scene.videos[0] = scene.input("a.txt");
-             writeFile(scene.videos[0].path(), "");
-             scene.location = scene.output() + ".x";
+             scene.folders.make("a.txt");
+             scene.location += ".x";
              scene.executor->onRun = [](const std::string&) { throw std::runtime_error("refused"); };
          },
-         {"concatFailed", "error -",
+         {"FAILED", "error -",
           "probe a.txt, probe b.mp4, probe a.txt, probe b.mp4, processing, run, pid 7, error -pid"},
-         {"mergeFailed", "error -", "probe a.txt, probe b.mp4, processing, run, pid 7, error -pid"},
-         {"invalidFile", "idle -", ""}},
-        {"too narrow",
-         small,
-         {"", "complete -", joined + ", complete -pid"},
-         {"invalidResolution", "idle -", ""},
-         {"invalidResolution", "idle -", ""}},
+         {"FAILED", "error -", "probe a.txt, probe b.mp4, processing, run, pid 7, error -pid"},
+         refused("invalidFile")},
+        {"too narrow", [](Scene& scene) { scene.width = 127.5; }, done, tooSmall},
         {"too low",
          [](Scene& scene) {
              scene.width = 128;
              scene.height = std::nextafter(128.0, 0.0);
          },
-         {"", "complete -", joined + ", complete -pid"},
-         {"invalidResolution", "idle -", ""},
-         {"invalidResolution", "idle -", ""}},
-        {"no number",
-         [](Scene& scene) { scene.height = std::numeric_limits<double>::quiet_NaN(); },
-         {"", "complete -", joined + ", complete -pid"},
-         {"invalidResolution", "idle -", ""},
-         {"invalidResolution", "idle -", ""}},
-        {"just large enough",
-         [](Scene& scene) { scene.width = scene.height = 128; },
-         {"", "complete -", joined + ", complete -pid"},
-         {"", "complete -", merged + ", complete -pid"},
-         {"", "complete -", encoded + ", complete -pid"}},
+         done, tooSmall},
+        {"no number", [](Scene& scene) { scene.height = std::numeric_limits<double>::quiet_NaN(); }, done,
+         tooSmall},
+        {"just large enough", [](Scene& scene) { scene.width = scene.height = 128; }, done},
         {"a probe that fails",
-         probeFails,
+         [](Scene& scene) {
+             scene.executor->onProbe = [](const URL&) -> CorvantaSdkVideoInformation {
+                 throw CorvantaSdkVideoError(CorvantaSdkVideoError::getInformationFailed);
+             };
+         },
          {"getInformationFailed", "idle -", "probe a.mp4"},
          {"getInformationFailed", "idle -", "probe a.mp4"},
-         {"encodingFailed", "error -", "probe a.mp4, error -pid"}},
+         {"FAILED", "error -", "probe a.mp4, error -pid"}},
         {"unlike inputs",
          [](Scene& scene) {
              scene.executor->onProbe = [](const URL& url) {
@@ -230,217 +175,112 @@ std::vector<Situation> situations() {
                  return information;
              };
          },
-         {"invalidInputFiles(differentVideoTracks)", "idle -",
-          "probe a.mp4, probe b.mp4, probe a.mp4, probe b.mp4"},
-         {"", "complete -", merged + ", complete -pid"},
-         {"", "complete -", encoded + ", complete -pid"}},
-        {"a run that fails",
-         [](Scene& scene) {
-             scene.executor->onRun = [](const std::string&) { throw PlatformError("COMPLETED", 1); };
-         },
-         {"concatFailed", "error -", joined + ", error -pid"},
-         {"mergeFailed", "error -", merged + ", error -pid"},
-         {"encodingFailed", "error -", encoded + ", error -pid"},
-         true},
+         {"invalidInputFiles(differentVideoTracks)", "idle -", "PROBES"},
+         done},
+        {"a run that fails", [=](Scene& scene) { scene.executor->onRun = fail; }, failed},
         {"a run that fails before it has an id",
-         [](Scene& scene) {
+         [=](Scene& scene) {
              scene.executor->tellsSession = false;
-             scene.executor->onRun = [](const std::string&) { throw PlatformError("COMPLETED", 1); };
+             scene.executor->onRun = fail;
          },
-         {"concatFailed", "error -",
-          "probe a.mp4, probe b.mp4, probe a.mp4, probe b.mp4, processing, run, error -pid"},
-         {"mergeFailed", "error -", "probe a.mp4, probe b.mp4, processing, run, error -pid"},
-         {"encodingFailed", "error -", "probe a.mp4, processing, run, error -pid"},
-         true},
+         {"FAILED", "error -", "PROBES, processing, run, error -pid"}},
         {"a row deleted during the run",
          [](Scene& scene) {
-             scene.executor->onRun = [&scene](const std::string&) {
-                 scene.store->deleteRequest(scene.row.id);
-             };
+             scene.executor->onRun = [&](const std::string&) { scene.store->deleteRequest(scene.row.id); };
          },
-         {"", "no row", joined + ", complete -pid"},
-         {"", "no row", merged + ", complete -pid"},
-         {"", "no row", encoded + ", complete -pid"}},
+         {"", "no row", done.notes}},
         {"a store that writes no more",
          [](Scene& scene) { scene.store->failsWrites = true; },
-         {"", "idle -", joined + ", complete -pid"},
-         {"", "idle -", merged + ", complete -pid"},
-         {"", "idle -", encoded + ", complete -pid"}},
+         {"", "idle -", done.notes}},
         {"a store that reads no more after the start",
-         [](Scene& scene) {
-             scene.executor->onRun = [&scene](const std::string&) {
+         [=](Scene& scene) {
+             scene.executor->onRun = [&scene, fail](const std::string& script) {
                  scene.store->failsReads = true;
-                 throw PlatformError("COMPLETED", 1);
+                 fail(script);
              };
          },
-         {"concatFailed", "error -", joined + ", error -pid"},
-         {"mergeFailed", "error -", merged + ", error -pid"},
-         {"encodingFailed", "error -", encoded + ", error -pid"},
-         true},
+         failed},
     };
 }
 
 TEST(Engines, DoWhatTheSituationAsksFor) {
-    const std::string description = "The operation couldn’t be completed. (COMPLETED error 1.)";
+    const std::string mergeFailure = "error event_video_merge_request: Merge requeset failed. "
+                                     "The operation couldn’t be completed. (COMPLETED error 1.)";
+    const std::string encodeFailure =
+        "error event_video_request_process: Process request failed. COMPLETED error 1";
     for (const Situation& situation : situations()) {
-        for (const Type type : {Type::concat, Type::merge, Type::encode}) {
+        for (const Type type : types) {
             SCOPED_TRACE(situation.name + ", " + std::string(name(type)));
             Scene scene(type);
             situation.arrange(scene);
-            const Expected& expected = situation.expected(type);
+            const Expected& expected = type == Type::concat  ? situation.concat
+                                       : type == Type::merge ? situation.merge
+                                                             : situation.encode;
             const RequestPointer request = scene.request();
             scene.takeErrors();
 
             ::testing::internal::CaptureStdout();
-            std::optional<URL> result;
-            EXPECT_EQ(failureOf([&] { result = runBlocking(request->process()).videoURL; }), expected.error);
+            EXPECT_EQ(failureOf(request), expected.errorOf(type));
             const std::string printed = ::testing::internal::GetCapturedStdout();
 
-            EXPECT_EQ(scene.takeNotes(), expected.notes);
+            EXPECT_EQ(scene.takeNotes(), expected.notesOf(type));
             EXPECT_EQ(scene.rowOf(scene.row.id), expected.row);
-            EXPECT_EQ(result.has_value(), expected.error.empty());
-            EXPECT_EQ(result.value_or(scene.outputURL()), scene.outputURL());
-            EXPECT_EQ(request->outputPath(), result);
-            if (scene.store->failsWrites) {
-                EXPECT_THAT(printed, HasSubstr("Request update failed with error the disk is full\n"));
-            } else {
-                EXPECT_EQ(printed, "");
-            }
-            if (situation.logged && type == Type::merge) {
-                EXPECT_THAT(
-                    scene.takeErrors(),
-                    ElementsAre("error event_video_merge_request: Merge requeset failed. " + description));
-            } else if (situation.logged && type == Type::encode) {
-                EXPECT_THAT(
-                    scene.takeErrors(),
-                    ElementsAre(
-                        "error event_video_request_process: Process request failed. COMPLETED error 1"));
-            } else if (type == Type::concat) {
+            EXPECT_EQ(request->outputPath(),
+                      expected.error.empty() ? std::optional(scene.outputURL()) : std::nullopt);
+            EXPECT_THAT(printed, HasSubstr(scene.store->failsWrites
+                                               ? "Request update failed with error the disk is full\n"
+                                               : ""));
+            EXPECT_EQ(printed.empty(), !scene.store->failsWrites);
+            if (type == Type::concat) {
                 EXPECT_THAT(scene.takeErrors(), IsEmpty());
+            } else if (situation.name == "a run that fails") {
+                EXPECT_THAT(scene.takeErrors(),
+                            ElementsAre(type == Type::merge ? mergeFailure : encodeFailure));
             }
         }
     }
 }
 
-TEST(ConcatEngine, KeepsItsListFileOnlyOnFailure) {
+TEST(ConcatEngine, ReadsFilesThatAListCantNameThroughLinksAndKeepsTheListOnFailure) {
     for (const bool fails : {false, true}) {
         Scene scene(Type::concat);
-        std::string list;
-        scene.executor->onRun = [&](const std::string& script) {
-            const std::size_t start = script.find("/", script.find(" -i "));
-            list = script.substr(start, script.find(' ', start) - start);
-            EXPECT_EQ(script, "-y -f concat -safe 0 -i " + list + " -c copy \"" + scene.output() + ".mp4\"");
-            EXPECT_EQ(readFile(list), "file " + scene.directory.file("a.mp4") + "\nfile " +
-                                          scene.directory.file("b.mp4") + "\n");
-            if (fails) {
-                throw PlatformError("COMPLETED", 1);
-            }
-        };
-        EXPECT_EQ(failureOf([&] { runBlocking(scene.request()->process()); }), fails ? "concatFailed" : "");
-        EXPECT_EQ(std::filesystem::exists(list), fails);
-        EXPECT_EQ(std::filesystem::path(list).parent_path(),
-                  scene.directory.path() / "data/corvanta-sdk-video/documents");
-        EXPECT_TRUE(parseUUID(std::filesystem::path(list).stem().string()));
-    }
-}
-
-TEST(ConcatEngine, ReadsFilesThatAListCantNameThroughLinks) {
-    for (const bool fails : {false, true}) {
-        Scene scene(Type::concat);
-        scene.videos = {scene.input("it's a \"clip\".mp4"), scene.input("b.mp4"),
+        scene.videos = {scene.input("a.mp4"), scene.input("it's a \"clip\".mp4"),
                         scene.input("back\\slash.mp4")};
         for (const URL& video : scene.videos) {
             writeFile(video.path(), video.path());
         }
         scene.executor->onRun = [&](const std::string& script) {
             const std::size_t start = script.find("/", script.find(" -i "));
-            std::istringstream list(readFile(script.substr(start, script.find(' ', start) - start)));
-            std::vector<std::string> contents;
-            for (std::string line; std::getline(list, line);) {
-                contents.push_back(readFile(line.substr(5)));
+            const std::string list = readFile(script.substr(start, script.find(' ', start) - start));
+            EXPECT_THAT(list, ::testing::StartsWith("file " + scene.videos[0].path() + "\n"));
+            std::istringstream lines(list);
+            for (const URL& video : scene.videos) {
+                std::string line;
+                std::getline(lines, line);
+                EXPECT_EQ(readFile(line.substr(5)), video.path());
             }
-            EXPECT_THAT(contents,
-                        ElementsAre(scene.videos[0].path(), scene.videos[1].path(), scene.videos[2].path()));
             if (fails) {
                 throw PlatformError("COMPLETED", 1);
             }
         };
-        EXPECT_EQ(failureOf([&] { runBlocking(scene.request()->process()); }), fails ? "concatFailed" : "");
+        EXPECT_EQ(failureOf(scene.request()), fails ? "concatFailed" : "");
         EXPECT_EQ(scene.documents(), fails ? std::vector<std::string>{".txt"} : std::vector<std::string>{});
     }
 }
 
-TEST(ConcatEngine, TakesTheExtensionOfItsFirstVideo) {
-    struct Case {
-        std::vector<std::string> names;
-        std::string extension;
-    };
-    for (const Case& inputs :
-         {Case{{"a.mov", "b.mp4"}, ".mov"}, {{"a.MKV", "b.MKV"}, ".MKV"}, {{"x.y/a", "b.mp4"}, "."}}) {
-        Scene scene(Type::concat);
-        scene.videos.clear();
-        for (const std::string& name : inputs.names) {
-            std::filesystem::create_directories(
-                std::filesystem::path(scene.directory.file(name)).parent_path());
-            writeFile(scene.directory.file(name), "");
-            scene.videos.push_back(scene.input(name));
-        }
-        EXPECT_EQ(runBlocking(scene.request()->process()).videoURL.path(), scene.output() + inputs.extension);
-        EXPECT_THAT(scene.executor->scripts,
-                    ElementsAre(HasSubstr('"' + scene.output() + inputs.extension + '"')));
-    }
-}
-
-TEST(EncoderEngine, StartsFromAnEmptyPlaceAndPassesItsSelection) {
-    Scene scene(Type::encode);
-    for (const bool readable : {false, true}) {
-        writeFile(scene.outputURL().path(), "older");
-        scene.executor->onProbe = [&](const URL& url) {
-            EXPECT_EQ(readFile(scene.outputURL().path()), "older");
-            return readable ? plainInformation(url)
-                            : throw CorvantaSdkVideoError(CorvantaSdkVideoError::getInformationFailed);
-        };
-        scene.executor->onRun = [&](const std::string&) {
-            EXPECT_FALSE(std::filesystem::exists(scene.outputURL().path()));
-            EXPECT_EQ(scene.rowOf(scene.row.id), "processing 7");
-            throw PlatformError("COMPLETED", 1);
-        };
-        EXPECT_EQ(failureOf([&] { runBlocking(scene.request()->process()); }), "encodingFailed");
-        EXPECT_EQ(std::filesystem::exists(scene.outputURL().path()), !readable);
-    }
-    // The merge leaves an older file for ffmpeg to overwrite.
-    Scene merge(Type::merge);
-    writeFile(merge.outputURL().path(), "older");
-    merge.executor->onRun = [&](const std::string&) {
-        EXPECT_EQ(readFile(merge.outputURL().path()), "older");
-    };
-    runBlocking(merge.request()->process());
-
-    Scene selection(Type::encode);
-    const auto request = selection.request();
-    request->encodingData->videoTracks = {{1, 640, {}}, {0, {}, {}}};
-    request->encodingData->audioTracks = {2, 0};
-    auto rich = plainInformation(selection.input("a.mp4"));
-    rich.videos = {rich.videos[0], rich.videos[0]};
-    rich.videos[1].index = 1;
-    rich.audios = {rich.audios[0], rich.audios[0]};
-    rich.audios[0].index = 2;
-    rich.audios[1].index = 3;
-    selection.executor->onProbe = [rich](const URL&) { return rich; };
-    runBlocking(request->process());
-    const auto command = FFMPEGMergeCommandGenerator().generateCommand(
-        {rich}, std::nullopt, std::nullopt, {{{{0, 1}}, 640, {}}, {{{0, 0}}, {}, {}}},
-        {{{{0, 2}}}, {{{0, 0}}}}, CorvantaSdkVideoFrameRate::thirtyFps, selection.outputURL().path());
-    EXPECT_THAT(selection.executor->scripts, ElementsAre(command.script));
-}
-
-TEST(Engines, RefusePlacesThatACommandCantName) {
-    for (const Type type : {Type::concat, Type::merge, Type::encode}) {
+TEST(Engines, RemoveAnOlderOutputWhenItsTurnComes) {
+    // The merge leaves it for ffmpeg to overwrite.
+    for (const auto& [type, remains] : {std::pair(Type::encode, false), {Type::merge, true}}) {
         Scene scene(type);
-        scene.location = scene.directory.file("a \"quoted\" name");
-        EXPECT_NE(failureOf([&] { runBlocking(scene.request()->process()); }), "");
-        EXPECT_EQ(scene.rowOf(scene.row.id), "error -");
-        EXPECT_THAT(scene.executor->scripts, IsEmpty());
+        const std::string older = scene.folders.make("out.mp4");
+        scene.executor->onProbe = [&](const URL& url) {
+            EXPECT_TRUE(std::filesystem::exists(older));
+            return plainInformation(url);
+        };
+        scene.executor->onRun = [&, remains = remains](const std::string&) {
+            EXPECT_EQ(std::filesystem::exists(older), remains);
+        };
+        EXPECT_EQ(failureOf(scene.request()), "");
     }
 }
 

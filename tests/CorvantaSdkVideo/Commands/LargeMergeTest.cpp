@@ -1,9 +1,5 @@
 #include "CorvantaSdkVideo/Commands/MergeRun.hpp"
 
-#include <platform/Errors.hpp>
-#include <platform/FFmpegKit.hpp>
-
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -49,23 +45,14 @@ std::vector<CorvantaSdkVideoInformation> copies(const std::vector<Clip>& clips, 
     return files;
 }
 
-struct Case {
-    std::string name;
-    std::vector<Clip> clips;
-    int count;
-};
-
-std::vector<Case> cases() {
-    const test::Picture large{.source = "testsrc2", .width = 3840, .height = 2160};
-    return {{"200 files", {{.seconds = 0.2}, {.seconds = 0.5, .sounds = {}}}, 200},
-            {"4K", {{.seconds = 2, .pictures = {large}}}, 3}};
-}
-
 TEST(LargeMerge, EndsWholeWithoutGrowingTheModule) {
-    for (const Case& merge : cases()) {
-        SCOPED_TRACE(merge.name);
+    const test::Picture large{.source = "testsrc2", .width = 3840, .height = 2160};
+    for (const auto& [clips, count] :
+         {std::pair(std::vector<Clip>{{.seconds = 0.2}, {.seconds = 0.5, .sounds = {}}}, 200),
+          {{{.seconds = 2, .pictures = {large}}}, 3}}) {
+        SCOPED_TRACE(count);
         const TemporaryDirectory directory;
-        const MergeRun run{.files = copies(merge.clips, merge.count, directory)};
+        const MergeRun run{.files = copies(clips, count, directory)};
         std::int64_t total = 0;
         for (const auto& file : run.files) {
             total += file.durationMillis;
@@ -78,25 +65,7 @@ TEST(LargeMerge, EndsWholeWithoutGrowingTheModule) {
         EXPECT_LE(std::abs(merged.videos[0].durationMillis - total), 34);
         // AAC fills its last frame up, and nothing cuts that off: each file's sound may run 22 ms longer.
         EXPECT_GE(merged.audios[0].durationMillis, total - 34);
-        EXPECT_LE(merged.audios[0].durationMillis, total + merge.count * 22);
-    }
-}
-
-TEST(LargeMerge, StopsWhenCancelled) {
-    for (const Case& merge : cases()) {
-        SCOPED_TRACE(merge.name);
-        const TemporaryDirectory directory;
-        const std::string output = directory.file("out.mp4");
-        const MergeRun run{.files = copies(merge.clips, merge.count, directory)};
-        FFMPEGCommandExecutorImplementation executor;
-        FFmpegKitConfig::enableStatisticsCallback([&](const Statistics& statistics) {
-            if (statistics.frame > 0) {
-                executor.cancelCommandExecution(statistics.sessionId);
-            }
-        });
-        EXPECT_THAT([&] { runBlocking(executor.executeFFMPEGCommand(run.scriptFor(output))); },
-                    testing::Throws<PlatformError>(PlatformError("COMPLETED", ReturnCode::cancelled)));
-        FFmpegKitConfig::enableStatisticsCallback(nullptr);
+        EXPECT_LE(merged.audios[0].durationMillis, total + count * 22);
     }
 }
 

@@ -18,17 +18,7 @@
 namespace corvanta {
 namespace {
 
-using test::Clip;
-using test::Colour;
-using test::DecodedSound;
-using test::Frame;
-using test::makeClip;
-using test::MergeRun;
-using test::Picture;
-using test::Region;
-using test::Sound;
-using test::TemporaryDirectory;
-using test::TimedFrame;
+using namespace test;
 
 // One clip's place in the output.
 struct Segment {
@@ -102,7 +92,7 @@ const Frame& firstFrameOf(const std::string& path, std::size_t track) {
     static std::map<std::pair<std::string, std::size_t>, Frame> frames;
     const auto [place, isNew] = frames.try_emplace({path, track});
     if (isNew) {
-        place->second = test::frameAt(path, 0, static_cast<int>(track));
+        place->second = frameAt(path, 0, static_cast<int>(track));
     }
     return place->second;
 }
@@ -115,7 +105,7 @@ const Frame& frameShownAt(const std::vector<TimedFrame>& frames, double seconds)
 // Checks the picture of one output track in each segment; gives when each picture appears.
 std::vector<std::optional<double>> checkPictures(const std::string& output, std::size_t track,
                                                  const std::vector<Segment>& segments) {
-    const std::vector<TimedFrame> frames = test::decodedVideo(output, static_cast<int>(track));
+    const std::vector<TimedFrame> frames = decodedVideo(output, static_cast<int>(track));
     std::vector<std::optional<double>> onsets;
     for (const Segment& segment : segments) {
         SCOPED_TRACE("picture of " + segment.path);
@@ -146,7 +136,7 @@ std::vector<std::optional<double>> checkPictures(const std::string& output, std:
 std::vector<std::optional<double>> checkSounds(const std::string& output, std::size_t track,
                                                const std::vector<Segment>& segments,
                                                const std::vector<Clip>& clips) {
-    const DecodedSound sound = test::decodedSound(output, static_cast<int>(track));
+    const DecodedSound sound = decodedSound(output, static_cast<int>(track));
     std::vector<std::optional<double>> onsets;
     for (std::size_t position = 0; position < segments.size(); ++position) {
         const Segment& segment = segments[position];
@@ -187,7 +177,7 @@ void check(const Case& merge) {
     std::size_t audioTracks = 0;
     for (const Clip& clip : merge.clips) {
         const std::string path = makeClip(clip);
-        const CorvantaSdkVideoInformation info = test::probed(path);
+        const CorvantaSdkVideoInformation info = probed(path);
         const double length = inSeconds(info.durationMillis) * (statesDurations(info) ? 1 : 2);
         run.files.push_back(info);
         segments.push_back({path, info, total, total + length});
@@ -282,8 +272,6 @@ std::vector<Case> cases() {
     return {
         {"landscape with portrait",
          {with(bars(400), 320, 240), with(shades(700), 120, 320), with(blue(1000), 320, 140)}},
-        {"an own size", {with(bars(400), 320, 240), with(shades(700), 120, 320)}, Rate::thirtyFps, 200, 120},
-        {"a width alone", {with(bars(400), 320, 240), with(shades(700), 160, 320)}, Rate::thirtyFps, 160},
         {"phone clips",
          {with(turned(bars(400), -90), 320, 240), with(turned(shades(700), 90), 320, 180),
           with(turned(bars(1000), 180), 320, 240)}},
@@ -310,7 +298,6 @@ std::vector<Case> cases() {
         {"7.1 and mono, 48 and 44.1 kHz",
          {sounding(bars(400), 48000, "7.1"), sounding(blue(700), 44100, "mono"), shades(1000)}},
         {"a variable rate", {in(bars(400), "mp4", dropsFrames), blue(700)}},
-        {"B-frames", {in(bars(400), "mp4", bFrames), in(blue(700), "mp4", bFrames)}},
         {"a file listed twice", {bars(400), blue(700), bars(400)}},
         {"short streams",
          {{.pictures = {{.source = "smptebars", .seconds = 0.6}}, .sounds = {{.frequency = 400}}},
@@ -323,21 +310,6 @@ std::vector<Case> cases() {
     };
 }
 
-std::vector<Case> rateCases() {
-    std::vector<Case> all;
-    const std::vector<Clip> slow = {with(bars(400), 160, 120, "24"), with(blue(700), 160, 120, "25"),
-                                    with(shades(1000), 160, 120, "30000/1001")};
-    const std::vector<Clip> fast = {with(bars(1300), 160, 120, "60"), with(blue(1600), 160, 120, "50"),
-                                    with(shades(1900), 160, 120, "30")};
-    for (const Rate rate :
-         {Rate::twentyFourFps, Rate::twentyFiveFps, Rate::thirtyFps, Rate::fiftyFps, Rate::sixtyFps}) {
-        for (const auto& clips : {slow, fast}) {
-            all.push_back({"rates to " + std::string(rate.rawValue()), clips, rate, {}, {}, true});
-        }
-    }
-    return all;
-}
-
 TEST(MergeOnRealFiles, KeepsEveryClipInItsPlace) {
     for (const Case& merge : cases()) {
         check(merge);
@@ -345,8 +317,18 @@ TEST(MergeOnRealFiles, KeepsEveryClipInItsPlace) {
 }
 
 TEST(MergeOnRealFiles, ConvertsRates) {
-    for (const Case& merge : rateCases()) {
-        check(merge);
+    const auto at = [](const Clip& clip, const std::string& rate) { return with(clip, 160, 120, rate); };
+    for (const Rate rate :
+         {Rate::twentyFourFps, Rate::twentyFiveFps, Rate::thirtyFps, Rate::fiftyFps, Rate::sixtyFps}) {
+        const std::string name = "rates to " + std::string(rate.rawValue());
+        check({name,
+               {at(bars(400), "24"), at(blue(700), "25"), at(shades(1000), "30000/1001")},
+               rate,
+               {},
+               {},
+               true});
+        check(
+            {name, {at(bars(1300), "60"), at(blue(1600), "50"), at(shades(1900), "30")}, rate, {}, {}, true});
     }
 }
 
@@ -355,7 +337,7 @@ TEST(MergeOnRealFiles, FollowsASelection) {
     const std::string output = directory.file("out.mp4");
     const Clip rich{.pictures = {{.source = "smptebars"}, {.source = "color=c=blue"}},
                     .sounds = {{.frequency = 400}, {.frequency = 700}}};
-    const MergeRun run{.files = {test::probed(makeClip(rich)), test::probed(makeClip(shades(1000)))},
+    const MergeRun run{.files = {probed(makeClip(rich)), probed(makeClip(shades(1000)))},
                        .width = 96,
                        .videoTracks = {{{{1, 0}, {0, 1}}, 160, {}}, {{{0, 0}, {9, 0}, {1, 5}}, {}, 64}},
                        .audioTracks = {{{{0, 3}, {1, 1}}}, {{{7, 1}}}}};
@@ -365,20 +347,20 @@ TEST(MergeOnRealFiles, FollowsASelection) {
     EXPECT_EQ(std::pair(merged.videos[0].width, merged.videos[0].height), std::pair(160L, 120L));
     EXPECT_EQ(std::pair(merged.videos[1].width, merged.videos[1].height), std::pair(96L, 64L));
     EXPECT_NEAR(inSeconds(merged.durationMillis), 2, 0.034);
-    EXPECT_TRUE(areNear(fieldsOf(test::frameAt(output, 0.5), {}),
-                        fieldsOf(test::frameAt(makeClip(shades(1000)), 0), {})));
-    EXPECT_TRUE(isNear(test::meanColour(output, 1.5), {0, 0, 254}));
-    EXPECT_FALSE(areNear(fieldsOf(test::frameAt(output, 0.5, 1), {}), black));
-    EXPECT_TRUE(areNear(fieldsOf(test::frameAt(output, 1.5, 1), {}), black));
-    const DecodedSound sound = test::decodedSound(output);
+    EXPECT_TRUE(
+        areNear(fieldsOf(frameAt(output, 0.5), {}), fieldsOf(frameAt(makeClip(shades(1000)), 0), {})));
+    EXPECT_TRUE(isNear(meanColour(output, 1.5), {0, 0, 254}));
+    EXPECT_FALSE(areNear(fieldsOf(frameAt(output, 0.5, 1), {}), black));
+    EXPECT_TRUE(areNear(fieldsOf(frameAt(output, 1.5, 1), {}), black));
+    const DecodedSound sound = decodedSound(output);
     EXPECT_GT(sound.amplitude(700, 0.5), 1000);
     EXPECT_GT(sound.amplitude(1000, 1.5), 1000);
 }
 
 TEST(MergeOnRealFiles, PassesOnWhatFFmpegRefuses) {
     const TemporaryDirectory directory;
-    const auto clip = test::probed(makeClip(bars(400)));
-    const auto blindClip = test::probed(makeClip(blind(bars(400))));
+    const auto clip = probed(makeClip(bars(400)));
+    const auto blindClip = probed(makeClip(blind(bars(400))));
     const std::vector<std::pair<std::string, MergeRun>> refused = {
         {"an unknown rate", {.files = {clip, clip}, .rate = Rate::unknown}},
         {"no size", {.files = {blindClip}, .videoTracks = {{{{0, 0}}, {}, {}}}}},

@@ -1,5 +1,6 @@
 #include <CorvantaSdkVideo/CorvantaSdkVideo.hpp>
 
+#include "support/Failure.hpp"
 #include "support/MediaFixtures.hpp"
 #include "support/Processes.hpp"
 #include "support/RecordedLog.hpp"
@@ -26,12 +27,7 @@ using Status = CorvantaSdkVideoRequest::Status;
 using RequestPointer = std::shared_ptr<CorvantaSdkVideoRequest>;
 
 std::string failureOf(const RequestPointer& request) {
-    try {
-        runBlocking(request->process());
-        return "";
-    } catch (const std::exception& error) {
-        return error.what();
-    }
+    return test::failureOf([&] { runBlocking(request->process()); });
 }
 
 RequestPointer fetch(const UUID& id) {
@@ -122,87 +118,49 @@ TEST_F(RequestFilesTest, JoinsLikeClips) {
 TEST_F(RequestFilesTest, TakesOddPaths) {
     const std::string clip = makeClip({.seconds = 0.5});
     std::vector<std::string> odd;
-    for (const std::string name :
-         {"a clip", "it's 'quoted'", "back\\slash", "100% %41 #1?", "tab\tline\nend", " ends in blanks ",
-          "gr\xc3\xbc\xc3\x9f \xe2\x82\xac", "#comment", "a:b", "-x", "sub dir/it's"}) {
+    for (const std::string name : {"a clip", "back\\slash", "100% %41 #1?", "tab\tline\nend",
+                                   "gr\xc3\xbc\xc3\x9f ", "-x:y", "sub dir/it's"}) {
         odd.push_back(copy(clip, name + ".mp4"));
     }
-    for (const std::string name : {"an 'output' \\ 100% %41 #1?", "-o:gr\xc3\xbc\xc3\x9f"}) {
-        SCOPED_TRACE(name);
-        const RequestPointer request = concat(odd, name);
-        EXPECT_EQ(failureOf(request), "");
-        EXPECT_EQ(request->outputPath()->path(), directory_.file(name + ".mp4"));
-        EXPECT_EQ(packets(directory_.file(name + ".mp4")), static_cast<std::int64_t>(15 * odd.size()));
-        EXPECT_TRUE(fs::is_empty(documents_));
-        odd.resize(2);
-    }
+    const std::string name = "-an 'output':\\ 100% %41 #1? gr\xc3\xbc\xc3\x9f";
+    const RequestPointer request = concat(odd, name);
+    EXPECT_EQ(failureOf(request), "");
+    EXPECT_EQ(request->outputPath()->path(), directory_.file(name + ".mp4"));
+    EXPECT_EQ(packets(directory_.file(name + ".mp4")), static_cast<std::int64_t>(15 * odd.size()));
+    EXPECT_TRUE(fs::is_empty(documents_));
     // A double quote can't be told to ffmpeg.
     const std::string quoted = copy(clip, "\"quoted\".mp4");
     const RequestPointer unreadable = concat({clip, quoted});
     EXPECT_EQ(failureOf(unreadable), "getInformationFailed");
     EXPECT_EQ(fetch(unreadable->id)->status, Status::idle);
-    const RequestPointer unwritable = concat({clip, clip}, "\"out\"");
-    EXPECT_EQ(failureOf(unwritable), "concatFailed");
-    EXPECT_EQ(fetch(unwritable->id)->status, Status::error);
-    for (const auto& left : fs::directory_iterator(documents_)) {
-        fs::remove(left);
-    }
 }
 
-TEST_F(RequestFilesTest, NamesWhatKeepsClipsFromBeingJoined) {
-    const std::string x264 = "-c:v libx264 -preset ultrafast -bf 0 -g 30 -pix_fmt ";
-    const auto clip = [](Picture picture, std::vector<Sound> sounds = {Sound{}}) {
-        return Clip{.seconds = 0.3, .pictures = {std::move(picture)}, .sounds = std::move(sounds)};
-    };
-    const auto coded = [](const std::string& codecs, const std::string& container = "mp4") {
+TEST_F(RequestFilesTest, SeesWhatKeepsClipsFromBeingJoined) {
+    const auto clip = [](const std::string& codecs, const std::string& container = "mov") {
         return Clip{.seconds = 0.3, .container = container, .codecs = codecs};
     };
-    const Clip plain = clip({});
+    const std::string x264 = "-c:v libx264 -preset ultrafast -bf 0 -g 30 -pix_fmt yuv420p ";
+    const Clip plain = clip(x264 + "-c:a pcm_s16le");
     Clip turned = plain;
     turned.rotation = 90;
-    Clip twoPictures = plain;
-    twoPictures.pictures.emplace_back();
-    Clip matroska = plain;
-    matroska.container = "mkv";
-    const std::string formats = "invalidInputFiles(differentFormats)";
     const std::string videos = "invalidInputFiles(differentVideoTracks)";
     const std::string audios = "invalidInputFiles(differentAudioTracks)";
-    struct Case {
-        std::string name;
-        Clip first;
-        Clip second;
-        std::string reason;
-    };
-    const std::vector<Case> cases = {
-        {"size", plain, clip({.width = 162}), videos},
-        {"rotation", plain, turned, videos},
-        {"codec", coded("-c:v mpeg4 -c:a aac"), plain, videos},
-        {"tag", plain, coded(x264 + "yuv420p -tag:v avc3 -c:a aac"), videos},
-        {"pixel format", coded(x264 + "yuv422p -c:a aac"), plain, videos},
-        {"rate", plain, clip({.rate = "25"}), videos},
-        {"rate text", plain, clip({.rate = "30000/1001"}), videos},
-        {"picture count", twoPictures, plain, videos},
-        {"no picture", plain, {.seconds = 0.3, .pictures = {}}, videos},
-        {"sample rate", plain, clip({}, {{.sampleRate = 44'100}}), audios},
-        {"channels", clip({}, {{.layout = "mono"}}), plain, audios},
-        {"layout", clip({}, {{.layout = "5.1(side)"}}), clip({}, {{.layout = "5.1"}}), audios},
-        {"audio codec", plain, coded(x264 + "yuv420p -c:a mp3"), audios},
-        {"sample format", coded(x264 + "yuv420p -c:a pcm_s16le", "mov"),
-         coded(x264 + "yuv420p -c:a pcm_s24le", "mov"), audios},
-        {"no sound", plain, clip({}, {}), audios},
-        {"sound count", clip({}, {{}, {}}), plain, audios},
-        {"container", plain, matroska, formats},
-    };
-    for (const Case& pair : cases) {
-        SCOPED_TRACE(pair.name);
-        const std::string first = makeClip(pair.first);
-        const std::string second = makeClip(pair.second);
+    for (const auto& [different, reason] :
+         {std::pair(turned, videos),
+          {clip("-c:v mpeg4 -c:a pcm_s16le"), videos},
+          {clip(x264 + "-tag:v avc3 -c:a pcm_s16le"), videos},
+          {clip(x264 + "-c:a pcm_s24le"), audios},
+          {clip(x264 + "-c:a pcm_s16le -ar 44100"), audios},
+          {clip(x264 + "-c:a pcm_s16le", "mkv"), std::string("invalidInputFiles(differentFormats)")}}) {
+        const std::string first = makeClip(plain);
+        const std::string second = makeClip(different);
+        SCOPED_TRACE(second);
+        EXPECT_FALSE(runBlocking(CorvantaSdkVideo->canConcat(files({first, second}))));
         const RequestPointer request = concat({first, second});
-        EXPECT_EQ(failureOf(request), pair.reason);
+        EXPECT_EQ(failureOf(request), reason);
         EXPECT_EQ(fetch(request->id)->status, Status::idle);
     }
-    EXPECT_FALSE(runBlocking(CorvantaSdkVideo->canConcat(files({makeClip(plain), makeClip(turned)}))));
-    EXPECT_FALSE(fs::exists(directory_.file("out.mp4")));
+    EXPECT_FALSE(fs::exists(directory_.file("out.mov")));
 }
 
 TEST_F(RequestFilesTest, CancelsLongRunsAndLeavesAReadableFile) {
@@ -216,16 +174,10 @@ TEST_F(RequestFilesTest, CancelsLongRunsAndLeavesAReadableFile) {
         auto result = asio::co_spawn(pool, request->process(), asio::use_future);
         EXPECT_TRUE(eventually([&frames] { return frames > 30; }));
         fetch(request->id)->cancel();
-        EXPECT_THROW(
-            try { result.get(); } catch (const CorvantaSdkVideoError& error) {
-                EXPECT_EQ(error.what(), failure);
-                throw;
-            },
-            CorvantaSdkVideoError);
+        EXPECT_EQ(test::failureOf([&] { result.get(); }), failure);
         EXPECT_EQ(fetch(request->id)->status, Status::cancelled);
         const auto written = probed(directory_.file("out.mp4"));
-        EXPECT_GT(written.durationMillis, 900);
-        EXPECT_LT(written.durationMillis, 19'000);
+        EXPECT_TRUE(written.durationMillis > 900 && written.durationMillis < 19'000);
         EXPECT_EQ(written.videos.size(), 1U);
         EXPECT_THAT(childrenOf(getpid()), IsEmpty());
     };
@@ -264,11 +216,6 @@ TEST_F(RequestFilesTest, EncodesAndMergesWhatWasChosen) {
     EXPECT_EQ(failureOf(fetch(refused->id)), "");
     EXPECT_NEAR(static_cast<double>(probed(directory_.file("no/such/folder/out.mp4")).durationMillis), 2000,
                 100);
-    std::vector<UUID> complete;
-    for (const RequestPointer& stored : CorvantaSdkVideo->getRequests(Status::complete)) {
-        complete.push_back(stored->id);
-    }
-    EXPECT_THAT(complete, ::testing::IsSupersetOf({request->id, refused->id}));
 }
 
 } // namespace
