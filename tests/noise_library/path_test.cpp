@@ -6,7 +6,6 @@
 namespace {
 
 using namespace TALVO::UTILS;
-using testing::HasSubstr;
 
 TEST(Path, Normalizes) {
     struct Case {
@@ -83,13 +82,6 @@ TEST(Path, ConvertsToUtf8AndRefusesWhatIsNone) {
         EXPECT_THROW(Path::convertMBString2WString(bad), TalvoException);
     for (wchar_t const bad : {wchar_t(0xD800), wchar_t(0x110000), wchar_t(-1)})
         EXPECT_THROW(Path::convertWString2MBString(std::wstring(1, bad)), TalvoException);
-}
-
-TEST(TalvoException, TellsWhereAndWhat) {
-    EXPECT_STREQ(TalvoException("lost", "weights/weight", 42, "getReference").what(),
-                 "Talvo_Exception in file weights/weight Line 42 Function getReference\n messege lost");
-    EXPECT_STREQ(TalvoException(std::string("lost"), "a", 1, "b").what(),
-                 "Talvo_Exception in file a Line 1 Function b\n messege lost");
 }
 
 } // namespace

@@ -4,7 +4,7 @@
 
 namespace {
 
-// Values and where they come from are compared with the reference; here stand the warnings and the bounds.
+// Values and where they come from are compared with the reference; here stands what no value shows.
 
 using namespace TALVO;
 using namespace NOISE_CANCELLER;
@@ -29,7 +29,7 @@ Read readAll(std::map<std::string, std::string> const& environment) {
     return result;
 }
 
-TEST(Settings, TakeTheDefaultWithAWarningOutOfRange) {
+TEST(Settings, WarnOutOfRange) {
     constexpr char smooth[] =
         "WARNING OF SMOOTH COEF NUMBER VALUE. IT MUST BE iIN INTERVALK (0,1] \n DEFAULT VALUE 1.f\n";
     constexpr char clip[] =
@@ -38,47 +38,24 @@ TEST(Settings, TakeTheDefaultWithAWarningOutOfRange) {
         "WARNING OF THRESH_CUT_REF VALUE. IT MUST BE iIN INTERVALK [1,1000] \n DEFAULT VALUE 100\n";
     constexpr char threshold[] =
         "WARNING OF RM_THRESHOLD VALUE. IT MUST BE iIN INTERVALK [0.0,1.0] \n DEFAULT VALUE 0.5\n";
-    struct Case {
-        char const* key;
-        char const* value;
-        float Settings::*field;
-        float result;
-        char const* printed;
-    };
-    for (Case const& c : {Case{"SMOOT_COEF", "0", &Settings::smoothCoef, 1.0f, smooth},
-                          {"SMOOT_COEF", "1.01", &Settings::smoothCoef, 1.0f, smooth},
-                          {"SMOOT_COEF", "nan", &Settings::smoothCoef, 1.0f, smooth},
-                          {"SMOOT_COEF", "1", &Settings::smoothCoef, 1.0f, ""},
-                          {"CLIP_FIX_POINT", "0", &Settings::clipFixPoint, 25000.0f, clip},
-                          {"CLIP_FIX_POINT", "32769", &Settings::clipFixPoint, 25000.0f, clip},
-                          {"CLIP_FIX_POINT", "32768.9", &Settings::clipFixPoint, 32768.0f, ""},
-                          {"THRESH_CUT_REF_EN", "0", &Settings::threshCutRefEn, 100.0f, gate},
-                          {"THRESH_CUT_REF_EN", "1001", &Settings::threshCutRefEn, 100.0f, gate},
-                          {"THRESH_CUT_REF_EN", "1000", &Settings::threshCutRefEn, 1000.0f, ""},
-                          {"RM_THRESHOLD", "0", &Settings::rmThreshold, 0.5f, threshold},
-                          {"RM_THRESHOLD", "1.5", &Settings::rmThreshold, 0.5f, threshold},
-                          {"RM_THRESHOLD", "1", &Settings::rmThreshold, 1.0f, ""}}) {
-        auto const [s, printed] = readAll({{"ENABLE_CLIP_FIX", "TRUE"},
-                                           {"ENABLE_THRESH_CUT", "TRUE"},
-                                           {"ENABLE_RM_THRESHOLD", "TRUE"},
-                                           {c.key, c.value}});
-        EXPECT_EQ(s.*c.field, c.result) << c.key << " " << c.value;
-        EXPECT_EQ(printed, c.printed) << c.key << " " << c.value;
-    }
+    constexpr char volume[] = "WARNING: Enabled Clip fix, because VolumeUp is Enabled\n";
+    for (auto const& [onSwitch, key, values, printed] :
+         std::initializer_list<std::tuple<char const*, char const*, std::vector<char const*>, char const*>>{
+             {"", "SMOOT_COEF", {"0", "1.01", "nan"}, smooth},
+             {"", "SMOOT_COEF", {"0.001", "1"}, ""},
+             {"ENABLE_CLIP_FIX", "CLIP_FIX_POINT", {"0", "32769"}, clip},
+             {"ENABLE_CLIP_FIX", "CLIP_FIX_POINT", {"1", "32768.9"}, ""},
+             {"ENABLE_THRESH_CUT", "THRESH_CUT_REF_EN", {"0", "1001"}, gate},
+             {"ENABLE_THRESH_CUT", "THRESH_CUT_REF_EN", {"1", "1000"}, ""},
+             {"ENABLE_RM_THRESHOLD", "RM_THRESHOLD", {"0", "1.5"}, threshold},
+             {"ENABLE_RM_THRESHOLD", "RM_THRESHOLD", {"1"}, ""},
+             {"VOLUME_UP", "VOLUME_UP_PERCENT", {"0", "200", "-1"}, ""},
+             {"VOLUME_UP", "VOLUME_UP_PERCENT", {"199.5"}, volume}})
+        for (char const* const value : values)
+            EXPECT_EQ(readAll({{onSwitch, "TRUE"}, {key, value}}).printed, printed) << key << " " << value;
 }
 
-TEST(Settings, TurnOnTheClipFixWithAVolumeInRangeAndHoldSizesToWhatCanBe) {
-    for (auto const& [percent, on] :
-         {std::pair{"0", false}, {"200", false}, {"-1", false}, {"199.5", true}}) {
-        auto const [s, printed] =
-            readAll({{"VOLUME_UP", "TRUE"}, {"VOLUME_UP_PERCENT", percent}, {"CLIP_FIX_POINT", "9"}});
-        EXPECT_EQ(s.volumeUp, on) << percent;
-        EXPECT_EQ(s.volumePercent, on ? 199.5f : 0.0f);
-        EXPECT_EQ(s.clipFix, on);
-        EXPECT_EQ(s.clipFixPoint, 25000.0f);
-        EXPECT_EQ(printed, on ? "WARNING: Enabled Clip fix, because VolumeUp is Enabled\n" : "");
-    }
-    // What no list of frames or bands can be is held to what can.
+TEST(Settings, HoldSizesToWhatAListOfFramesOrBandsCanBe) {
     Settings const odd = readAll({{"BACKGROUND_SPEAKER_FIX_RUN_FRAME_COUNT", "nan"},
                                   {"COMPRESS_RATE", "-3"},
                                   {"BACKGROUND_SPEAKER_FIX_RUN_MIN_LEN", "-2"}})

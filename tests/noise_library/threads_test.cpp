@@ -1,9 +1,6 @@
 #include "noise_library/support/library_scope.hpp"
 
-#include "utils/fft.hpp"
-
 #include <atomic>
-#include <cmath>
 #include <gmock/gmock.h>
 #include <thread>
 
@@ -61,27 +58,6 @@ TEST(Threads, SessionsOfOneModelRunBesideEachOtherAndBesideChanges) {
         thread.join();
     testing::internal::GetCapturedStderr();
     EXPECT_THAT(results, testing::Each(expected));
-}
-
-TEST(Threads, ShareATransform) {
-    auto const fft = TALVO::UTILS::FFT::create(512);
-    std::vector<std::thread> threads;
-    std::vector<int> wrong(16);
-    for (unsigned t = 0; t < wrong.size(); ++t)
-        threads.emplace_back([&, t] {
-            std::vector<float> in = makeSpeech(16000, 0.032);
-            in[100] += static_cast<float>(t);
-            std::vector<std::complex<float>> spectrum;
-            std::vector<float> back;
-            for (int turn = 0; turn < 200; ++turn) {
-                fft->computeForward(in, spectrum);
-                fft->computeBackward(spectrum, back);
-                wrong[t] += std::abs(back[100] - in[100]) > 1e-4f ? 1 : 0;
-            }
-        });
-    for (std::thread& thread : threads)
-        thread.join();
-    EXPECT_THAT(wrong, testing::Each(0));
 }
 
 } // namespace

@@ -1,6 +1,4 @@
-#include "utils/any_map.hpp"
 #include "utils/cyclic_block_data.hpp"
-#include "utils/matrix.hpp"
 
 #include <deque>
 #include <gmock/gmock.h>
@@ -55,26 +53,6 @@ TEST(CyclicBlockDataDeathTest, EndsBeforeItOverlapsOrOverruns) {
     EXPECT_DEATH(filled(20, 10, 5).push_backNULL(12), "startindx_ > size\\(\\)");
     EXPECT_DEATH(filled(20, 10, 0).push_backNULL(5), "data_.size\\(\\) > 2\\*size\\(\\)");
     EXPECT_DEATH(filled(20, 10, 10).push_backNULL(200), "data_.size\\(\\) > 2\\*size\\(\\)");
-}
-
-TEST(AnyMap, FindsAValueUnderItsTypeOnly) {
-    AnyMap map;
-    ASSERT_NE(map.insert<int>("n", 1, AnyMap::KEEP), nullptr);
-    EXPECT_EQ(map.get<float>("n"), nullptr);
-    EXPECT_EQ(map.get<int>("m"), nullptr);
-    EXPECT_EQ(map.insert<int>("n", 2, AnyMap::KEEP), nullptr);
-    EXPECT_EQ(*map.get<int>("n"), 1);
-    // A replacement counts as a failure to its caller, and yet takes place.
-    EXPECT_EQ(map.insert<float>("n", 3.0f, AnyMap::OVERWRITE), nullptr);
-    EXPECT_EQ(map.get<int>("n"), nullptr);
-    EXPECT_EQ(*map.get<float>("n"), 3.0f);
-}
-
-TEST(MatrixDeathTest, RefusesShapesThatDontFit) {
-    Matrix const m(2, 3, {1, 2, 3, 4, 5, 6});
-    EXPECT_EQ(m.row(1)[2], 6.0f);
-    EXPECT_DEATH(Matrix(2, 0), "r\\*c != 0 \\|\\| \\(r==0 && c==0\\)");
-    EXPECT_DEATH(Matrix(2, 3, {1.0f}), "r\\*c == v.size\\(\\)");
 }
 
 } // namespace
