@@ -1,5 +1,4 @@
-#include "support/MediaFixtures.hpp"
-#include "support/Processes.hpp"
+#include "examples/corvanta_host/HostRun.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -19,25 +18,12 @@ using ::testing::MatchesRegex;
 
 const std::string idPattern = "[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}";
 
-struct Ended {
-    int status;
-    std::string output;
-    std::string errors;
-
-    /// The request that was told of.
-    std::string id() const { return errors.substr(8, 36); }
-};
-
 /// The host with a store of its own.
 class RequestCommandsTest : public ::testing::Test {
   protected:
     RequestCommandsTest() { options_.environment = {{"XDG_DATA_HOME", directory_.file("data")}}; }
 
-    Ended run(const std::vector<std::string>& arguments) const {
-        Program host(CORVANTA_HOST, arguments, options_);
-        const int status = host.wait();
-        return {status, host.output(), host.errors()};
-    }
+    HostRun run(const std::vector<std::string>& arguments) const { return runHost(arguments, options_); }
 
     json requests(const std::string& status) const {
         return json::parse(run({"--json", "requests", "--status", status}).output);
@@ -52,105 +38,78 @@ class RequestCommandsTest : public ::testing::Test {
 };
 
 TEST_F(RequestCommandsTest, TellResultsAndFailures) {
-    const std::string request = "^request " + idPattern + "\n";
+    const std::string told = "^request " + idPattern + "\n";
+    const std::string unknownID = "01234567-89ab-4def-8123-456789abcdef";
     struct Case {
         std::vector<std::string> arguments;
-        int status;
-        /// Exact.
         std::string output;
-        std::string errors;
+        std::string errors = "^$";
     };
-    const std::vector<Case> cases = {
-        {{"can-concat", clip_, clip_}, 0, "yes\n", "^$"},
-        {{"can-concat", clip_, wide_}, 0, "no\n", "^$"},
-        {{"can-concat", "--json", clip_, clip_}, 0, "{\n  \"canConcat\": true\n}\n", "^$"},
-        {{"can-concat", clip_}, 1, "", R"(^corvanta_host: invalidInputFiles\(notEnoughVideos\)\n$)"},
-        {{"can-concat", "--logged-out", clip_, clip_}, 1, "", "^corvanta_host: userNotAuthenticated: .*\n$"},
-        {{"concat", file("joined it"), clip_, clip_}, 0, file("joined it.mp4\n"), request + "$"},
-        {{"concat", file("x"), clip_, wide_},
-         1,
-         "",
-         request + R"(corvanta_host: invalidInputFiles\(differentVideoTracks\)\n$)"},
-        {{"concat", file("x"), clip_, "/no/such.mp4"},
-         1,
-         "",
-         request + R"(corvanta_host: invalidInputFiles\(inputContainsNonExistingFiles\)\n$)"},
-        {{"concat", file("no/x"), clip_, clip_},
-         1,
-         "",
-         request + "corvanta_host: concatFailed: .*No such file or directory.*\n$"},
-        {{"concat", file("x"), clip_, clip_, "--logged-out"},
-         1,
-         "",
-         request + "corvanta_host: userNotAuthenticated: .*\n$"},
-        {{"merge", file("m"), clip_, wide_, "--width", "256", "--height", "128", "--fps", "25"},
-         0,
-         file("m.mp4\n"),
-         request + "$"},
-        {{"merge", file("t"), clip_, wide_, "--video-track", "0:0,1:0@160x", "--audio-track", "1:1"},
-         0,
-         file("t.mp4\n"),
-         request + "$"},
-        {{"merge", file("x"), clip_},
-         1,
-         "",
-         request + R"(corvanta_host: invalidInputFiles\(notEnoughVideos\)\n$)"},
-        {{"merge", file("x"), clip_, clip_, "--width", "127"},
-         1,
-         "",
-         request + "corvanta_host: invalidResolution\n$"},
-        {{"merge", file("no/x"), clip_, clip_},
-         1,
-         "",
-         request + "corvanta_host: mergeFailed: Merge requeset failed.*COMPLETED error 1.*No such file or "
-                   "directory.*\n$"},
-        {{"merge", file("x"), clip_, clip_, "--video-track", "0-0"},
-         1,
-         "",
-         "^corvanta_host: \"0-0\" selects no stream\n$"},
-        {{"merge", file("x"), clip_, clip_, "--audio-track", "0:99999999999999999999"},
-         1,
-         "",
-         "^corvanta_host: \"99999999999999999999\" selects no stream\n$"},
-        {{"merge", file("x"), clip_, clip_, "--fps", "31"}, 1, "", "--fps"},
-        {{"encode", file("e"), wide_, "--video", "0@160x128", "--audio", "1", "--fps", "24"},
-         0,
-         file("e.mp4\n"),
-         request + "$"},
-        {{"encode", file("x"), file("x")}, 1, "", request + "corvanta_host: notFoundVideo\n$"},
-        {{"encode", file("x"), wide_, "--video", "a@x"},
-         1,
-         "",
-         "^corvanta_host: \"a@x\" selects no stream\n$"},
-        {{"process", "x"}, 1, "", "^corvanta_host: \"x\" is no request id\n$"},
-        {{"process", "01234567-89ab-4def-8123-456789abcdef"}, 1, "", "^corvanta_host: uploadNotFound\n$"},
-        {{"watch", "01234567-89ab-4def-8123-456789abcdef"}, 1, "", "^corvanta_host: uploadNotFound\n$"},
-        {{"requests", "--status", "done"}, 1, "", "--status"},
-        {{"requests", "--logged-out"}, 1, "", "^corvanta_host: userNotAuthenticated: .*\n$"},
-        {{"tracks", "remove-audio", clip_, file("silent.mp4")}, 0, file("silent.mp4\n"), "^$"},
-        {{"tracks", "remove-video", clip_, file("sound.mp4"), "--json"},
-         0,
-         "{\n  \"videoURL\": \"file://" + file("sound.mp4") + "\"\n}\n",
-         "^$"},
-        {{"tracks", "add-video", clip_, file("two.mp4"), "--duration", "500", "--width", "64", "--height",
-          "64"},
-         0,
-         file("two.mp4\n"),
-         "^$"},
-        {{"tracks", "add-audio", clip_, file("two sounds.mp4")}, 0, file("two sounds.mp4\n"), "^$"},
-        {{"tracks", "remove-audio", "/no/such.mp4", file("x.mp4")},
-         1,
-         "",
-         "^corvanta_host: COMPLETED error 1: .*No such file or directory.*\n$"},
-        {{"tracks"}, 1, "", "subcommand"},
-        {{}, 1, "", "subcommand"},
-    };
-    for (const Case& expected : cases) {
+    for (const Case& expected : std::vector<Case>{
+             {{"can-concat", clip_, clip_}, "yes\n"},
+             {{"can-concat", clip_, wide_}, "no\n"},
+             {{"can-concat", "--json", clip_, clip_}, "{\n  \"canConcat\": true\n}\n"},
+             {{"concat", file("joined it"), clip_, clip_}, file("joined it.mp4\n"), told + "$"},
+             {{"merge", file("m"), clip_, wide_, "--width", "256", "--height", "128", "--fps", "25"},
+              file("m.mp4\n"),
+              told + "$"},
+             {{"merge", file("t"), clip_, wide_, "--video-track", "0:0,1:0@160x", "--audio-track", "1:1"},
+              file("t.mp4\n"),
+              told + "$"},
+             {{"encode", file("e"), wide_, "--video", "0@160x128", "--audio", "1", "--fps", "24"},
+              file("e.mp4\n"),
+              told + "$"},
+             {{"tracks", "remove-audio", clip_, file("silent.mp4")}, file("silent.mp4\n")},
+             {{"tracks", "remove-video", clip_, file("sound.mp4"), "--json"},
+              "{\n  \"videoURL\": \"file://" + file("sound.mp4") + "\"\n}\n"},
+             {{"tracks", "add-video", clip_, file("two.mp4"), "--duration", "500", "--width", "64",
+               "--height", "64"},
+              file("two.mp4\n")},
+             {{"tracks", "add-audio", clip_, file("two sounds.mp4")}, file("two sounds.mp4\n")},
+         }) {
         SCOPED_TRACE(::testing::PrintToString(expected.arguments));
-        const Ended ended = run(expected.arguments);
-        EXPECT_EQ(ended.status, expected.status);
+        const HostRun ended = run(expected.arguments);
+        EXPECT_EQ(ended.status, 0);
         EXPECT_EQ(ended.output, expected.output);
         EXPECT_TRUE(std::regex_search(ended.errors, std::regex(expected.errors))) << ended.errors;
+    }
+    const std::string host = "^corvanta_host: ";
+    const std::string toldHost = told + "corvanta_host: ";
+    for (const auto& [arguments, errors] : std::vector<std::pair<std::vector<std::string>, std::string>>{
+             {{"can-concat", clip_}, host + R"(invalidInputFiles\(notEnoughVideos\)\n$)"},
+             {{"can-concat", "--logged-out", clip_, clip_}, host + "userNotAuthenticated: .*\n$"},
+             {{"concat", file("x"), clip_, wide_},
+              toldHost + R"(invalidInputFiles\(differentVideoTracks\)\n$)"},
+             {{"concat", file("x"), clip_, "/no/such.mp4"},
+              toldHost + R"(invalidInputFiles\(inputContainsNonExistingFiles\)\n$)"},
+             {{"concat", file("no/x"), clip_, clip_},
+              toldHost + "concatFailed: .*No such file or directory.*\n$"},
+             {{"merge", file("x"), clip_, clip_, "--width", "127"}, toldHost + "invalidResolution\n$"},
+             {{"merge", file("no/x"), clip_, clip_},
+              toldHost +
+                  "mergeFailed: Merge requeset failed.*COMPLETED error 1.*No such file or directory.*\n$"},
+             {{"merge", file("x"), clip_, clip_, "--video-track", "0-0"},
+              host + "\"0-0\" selects no stream\n$"},
+             {{"merge", file("x"), clip_, clip_, "--audio-track", "0:99999999999999999999"},
+              host + "\"99999999999999999999\" selects no stream\n$"},
+             {{"merge", file("x"), clip_, clip_, "--fps", "31"}, "--fps"},
+             {{"encode", file("x"), file("x")}, toldHost + "notFoundVideo\n$"},
+             {{"encode", file("x"), wide_, "--video", "a@x"}, host + "\"a@x\" selects no stream\n$"},
+             {{"process", "x"}, host + "\"x\" is no request id\n$"},
+             {{"process", unknownID}, host + "uploadNotFound\n$"},
+             {{"watch", unknownID}, host + "uploadNotFound\n$"},
+             {{"requests", "--status", "done"}, "--status"},
+             {{"requests", "--logged-out"}, host + "userNotAuthenticated: .*\n$"},
+             {{"tracks", "remove-audio", "/no/such.mp4", file("x.mp4")},
+              host + "COMPLETED error 1: .*No such file or directory.*\n$"},
+             {{"tracks"}, "subcommand"},
+             {{}, "subcommand"},
+         }) {
+        SCOPED_TRACE(::testing::PrintToString(arguments));
+        const HostRun ended = run(arguments);
+        EXPECT_EQ(ended.status, 1);
+        EXPECT_EQ(ended.output, "");
+        EXPECT_TRUE(std::regex_search(ended.errors, std::regex(errors))) << ended.errors;
     }
     EXPECT_EQ(probed(file("m.mp4")).videos[0].width, 256);
     EXPECT_EQ(probed(file("m.mp4")).videos[0].frameRate, "25/1");
@@ -162,11 +121,11 @@ TEST_F(RequestCommandsTest, TellResultsAndFailures) {
     // The four that failed before they ran, and those that ffmpeg refused.
     EXPECT_EQ(requests("complete").size(), 4U);
     EXPECT_EQ(requests("error").size(), 2U);
-    EXPECT_EQ(requests("idle").size(), 6U);
+    EXPECT_EQ(requests("idle").size(), 4U);
 }
 
 TEST_F(RequestCommandsTest, FindTheRequestsOfAnotherProcess) {
-    const Ended merged = run({"--json", "merge", file("a/b"), clip_, clip_, "--height", "128"});
+    const HostRun merged = run({"--json", "merge", file("a/b"), clip_, clip_, "--height", "128"});
     EXPECT_EQ(merged.status, 1);
     const json failed = requests("error");
     ASSERT_EQ(failed.size(), 1U);
@@ -182,7 +141,7 @@ TEST_F(RequestCommandsTest, FindTheRequestsOfAnotherProcess) {
                 MatchesRegex(merged.id() + "  merge   error +[^ ]+Z  2 files -> .*/a/b.mp4\n"));
 
     std::filesystem::create_directory(file("a"));
-    const Ended again = run({"--json", "process", merged.id()});
+    const HostRun again = run({"--json", "process", merged.id()});
     EXPECT_EQ(again.status, 0) << again.errors;
     EXPECT_EQ(json::parse(again.output), (json{{"id", merged.id()}, {"videoURL", file("a/b.mp4")}}));
     EXPECT_EQ(probed(file("a/b.mp4")).videos[0].height, 128);
@@ -192,7 +151,7 @@ TEST_F(RequestCommandsTest, FindTheRequestsOfAnotherProcess) {
     // A stored path is found by what the file is, wherever it was moved in its folder.
     const std::string moving = file("moving.mp4");
     std::filesystem::copy_file(clip_, moving);
-    const Ended idle = run({"--logged-out", "concat", file("joined"), moving, clip_});
+    const HostRun idle = run({"--logged-out", "concat", file("joined"), moving, clip_});
     EXPECT_EQ(idle.status, 1);
     std::filesystem::rename(moving, file("moved.mp4"));
     EXPECT_EQ(requests("idle")[0]["inputs"][0], "file://" + file("moved.mp4"));
@@ -226,26 +185,18 @@ TEST_F(RequestCommandsTest, StopOnInterrupts) {
     }
     EXPECT_EQ(requests("idle").size(), 1U);
 
-    for (const std::string& id : {std::string(), requests("idle")[0]["id"].get<std::string>()}) {
-        std::vector<std::string> arguments = {"--json", "watch"};
-        if (!id.empty()) {
-            arguments.push_back(id);
-        }
+    const auto watched = [this](const std::vector<std::string>& arguments) {
         Program host(CORVANTA_HOST, arguments, options_);
         EXPECT_TRUE(eventually([&] { return host.output().ends_with('\n'); }));
         host.signal(SIGTERM);
         EXPECT_EQ(host.wait(), 0);
-        const json emission = json::parse(host.output());
-        EXPECT_EQ(id.empty() ? emission.size() : 1U, id.empty() ? 2U : 1U);
-        EXPECT_EQ((id.empty() ? emission[1] : emission)["status"], "idle");
-    }
-    Program host(CORVANTA_HOST, {"watch"}, options_);
-    EXPECT_TRUE(eventually([&] { return host.output().ends_with('\n'); }));
-    host.signal(SIGTERM);
-    EXPECT_EQ(host.wait(), 0);
-    EXPECT_TRUE(std::regex_match(host.output(), std::regex("2 requests: " + idPattern + " merge cancelled, " +
-                                                           idPattern + " concat idle\n")))
-        << host.output();
+        return host.output();
+    };
+    const json all = json::parse(watched({"--json", "watch"}));
+    ASSERT_EQ(all.size(), 2U);
+    EXPECT_EQ(json::parse(watched({"--json", "watch", all[1]["id"]})), all[1]);
+    EXPECT_THAT(watched({"watch"}),
+                MatchesRegex("2 requests: [-0-9a-f]+ merge cancelled, [-0-9a-f]+ concat idle\n"));
 }
 
 } // namespace

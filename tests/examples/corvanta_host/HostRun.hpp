@@ -1,0 +1,26 @@
+#pragma once
+
+#include "support/Processes.hpp"
+
+#include <string>
+#include <vector>
+
+namespace corvanta::test {
+
+/// A run of the terminal host that has ended.
+struct HostRun {
+    int status;
+    std::string output;
+    std::string errors;
+
+    /// The request that was told of.
+    std::string id() const { return errors.substr(8, 36); }
+};
+
+inline HostRun runHost(const std::vector<std::string>& arguments, const Program::Options& options = {}) {
+    Program host(CORVANTA_HOST, arguments, options);
+    const int status = host.wait();
+    return {status, host.output(), host.errors()};
+}
+
+} // namespace corvanta::test
