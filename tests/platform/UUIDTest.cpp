@@ -2,7 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <mutex>
+#include <algorithm>
+#include <array>
 #include <set>
 #include <thread>
 #include <vector>
@@ -26,23 +27,19 @@ TEST(UUIDTest, TextAndBack) {
 }
 
 TEST(UUIDTest, NewOnesAreRandomAndDifferAcrossThreads) {
-    std::mutex mutex;
-    std::set<UUID> all;
+    std::array<std::array<UUID, 500>, 4> made;
     {
         std::vector<std::jthread> threads;
-        for (int thread = 0; thread < 4; ++thread) {
-            threads.emplace_back([&] {
-                for (int round = 0; round < 500; ++round) {
-                    const UUID made = makeUUID();
-                    const std::lock_guard lock(mutex);
-                    all.insert(made);
-                }
-            });
+        for (auto& ids : made) {
+            threads.emplace_back([&ids] { std::ranges::generate(ids, makeUUID); });
         }
+    }
+    std::set<UUID> all;
+    for (const auto& ids : made) {
+        all.insert(ids.begin(), ids.end());
     }
     EXPECT_EQ(all.size(), 2000U);
     EXPECT_EQ(all.begin()->version(), boost::uuids::uuid::version_random_number_based);
-    EXPECT_EQ(parseUUID(uuidString(*all.begin())), *all.begin());
 }
 
 } // namespace
