@@ -115,27 +115,6 @@ std::vector<GoldenCase> goldenCases() {
              "[v_track0_video0][v_track0_video1][v_track0_video2]concat=n=3:v=1:a=0[v_track0]\""
              " -map \"[v_track0]\"" +
              videoMap("0") + R"(-preset medium  "/tmp/out.mp4")"},
-        {"tracks that only one file has, each track its own size",
-         {.files = {rich, mute}, .rate = CorvantaSdkVideoFrameRate::twentyFiveFps},
-         R"(-y -i "file:///v/rich.mp4" -i "file:///v/mute.mp4" -filter_complex "[0:v:0])" + fit320x240 +
-             "[v_track0_video0];[1:v:0]" + fit320x240 +
-             "[v_track0_video1];[v_track0_video0][v_track0_video1]concat=n=2:v=1:a=0[v_track0];[0:v:1]" +
-             fit64x36 +
-             "[v_track1_video0];color=c=black:s=64x36:d=700ms[v_track1_video1];"
-             "[v_track1_video0][v_track1_video1]concat=n=2:v=1:a=0[v_track1];[0:a:0]" +
-             sound +
-             "[a_track0_audio0];aevalsrc=0:s=44100:d=700ms[a_track0_audio1_rest];"
-             "[a_track0_audio1_rest]" +
-             sound +
-             "[a_track0_audio1];[a_track0_audio0][a_track0_audio1]concat=n=2:v=0:a=1[a_track0];[0:a:1]" +
-             sound +
-             "[a_track1_audio0];aevalsrc=0:s=44100:d=700ms[a_track1_audio1_rest];"
-             "[a_track1_audio1_rest]" +
-             sound +
-             "[a_track1_audio1];[a_track1_audio0][a_track1_audio1]concat=n=2:v=0:a=1[a_track1]\""
-             " -map \"[v_track0]\"" +
-             videoMap("25") + "-map \"[v_track1]\"" + videoMap("25") + "-map \"[a_track0]\"" + audioMap +
-             "-map \"[a_track1]\"" + audioMap + R"(-preset medium  "/tmp/out.mp4")"},
         {"a selection: another order, a wrong stream, a wrong file, a track left empty, an own width",
          {.files = {a, rich},
           .width = 128,
@@ -165,19 +144,6 @@ std::vector<GoldenCase> goldenCases() {
              "[v_track0_video2];[v_track0_video0][v_track0_video1][v_track0_video2]concat=n=3:v=1:a=0"
              "[v_track0]\" -map \"[v_track0]\"" +
              videoMap() + R"(-preset medium  "/tmp/my film.mp4")"},
-        {"streams longer than their file, and streams that state no duration",
-         {.files = {file("/v/long.mp4", 900, {video(0, 320, 240, 967)}, {audio(1, 1000)}), matroska}},
-         R"(-y -i "file:///v/long.mp4" -i "file:///v/m.mkv" -filter_complex "[0:v:0])" + fit320x240 +
-             "[v_track0_video0];[1:v:0]" + fit320x240 +
-             "[v_track0_video1];color=c=black:s=320x240:d=10000ms[v_track0_video2];"
-             "[v_track0_video0][v_track0_video1][v_track0_video2]concat=n=3:v=1:a=0[v_track0];[0:a:0]" +
-             sound + "[a_track0_audio0];[1:a:0]" + sound +
-             "[a_track0_audio1];aevalsrc=0:s=44100:d=10000ms[a_track0_audio2_rest];"
-             "[a_track0_audio2_rest]" +
-             sound +
-             "[a_track0_audio2];[a_track0_audio0][a_track0_audio1][a_track0_audio2]"
-             "concat=n=3:v=0:a=1[a_track0]\" -map \"[v_track0]\"" +
-             videoMap() + "-map \"[a_track0]\"" + audioMap + R"(-preset medium  "/tmp/out.mp4")"},
         {"a file of no length without the stream",
          {.files = {a, file("/v/empty.mp4", 0, {}, {})}, .audioTracks = {{{{1, 0}}}}},
          R"(-y -i "file:///v/a.mp4" -i "file:///v/empty.mp4" -filter_complex "[0:v:0])" + fit320x240 +

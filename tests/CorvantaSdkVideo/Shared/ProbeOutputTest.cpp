@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <csignal>
 #include <limits>
 
@@ -50,13 +49,11 @@ TEST(ProbeOutputTest, AWholeRecord) {
 
 TEST(ProbeOutputTest, WhatIsNoProbeOutput) {
     const std::string deep(100000, '[');
-    for (const std::string& refused :
-         {std::string(), std::string("{}"), std::string("null"), std::string("[]"), std::string("3"),
-          std::string("{"), std::string(R"({"format": {}})"), std::string(R"({"streams": []})"),
-          std::string(R"({"format": [], "streams": []})"), std::string(R"({"format": {}, "streams": {}})"),
-          withStreams("1"), withStreams("{}, []"), withStreams("{}, null"), withStreams("") + "x",
-          std::string(R"({"format": {"format_name": ")") + '\xff' + R"("}, "streams": []})", deep,
-          std::string(1000, '\0')}) {
+    for (const std::string& refused : std::vector<std::string>{
+             "", "{}", "null", "[]", "{", R"({"format": {}})", R"({"streams": []})",
+             R"({"format": [], "streams": []})", R"({"format": {}, "streams": {}})", withStreams("{}, []"),
+             withStreams("{}, null"), withStreams("") + "x",
+             "{\"format\": {\"format_name\": \"\xff\"}, \"streams\": []}", deep, std::string(1000, '\0')}) {
         EXPECT_FALSE(parseProbeOutput(refused)) << refused.substr(0, 100);
     }
     EXPECT_TRUE(parseProbeOutput(withStreams("")));
@@ -92,8 +89,8 @@ TEST(ProbeOutputTest, ValuesOfOtherTypesCountAsAbsent) {
     ASSERT_EQ(numbers->audios.size(), 1U);
     EXPECT_EQ(numbers->audios[0], CorvantaSdkVideoAudioTrackInformation{});
     EXPECT_EQ(numbers->audios[0].index + numbers->audios[0].bitRate + numbers->audios[0].durationMillis, 0);
-    ASSERT_EQ(numbers->videos.size(), 1U);
-    EXPECT_EQ(numbers->videos[0], CorvantaSdkVideoTrackInformation(0, 0, 0, "", "", "", 0, "", 0, 0));
+    EXPECT_EQ(numbers->videos,
+              std::vector{CorvantaSdkVideoTrackInformation(0, 0, 0, "", "", "", 0, "", 0, 0)});
 }
 
 TEST(ProbeOutputTest, Rotation) {
@@ -122,39 +119,17 @@ TEST(ProbeOutputTest, Rotation) {
     }
 }
 
-TEST(ProbeOutputTest, RotatedSidesAndEquality) {
-    const auto track = [](std::int64_t rotation) {
-        return CorvantaSdkVideoTrackInformation(0, 4, 3, "c", "t", "p", 0, "r", rotation, 0);
-    };
-    for (const std::int64_t rotation : {0, 90, 180, 270, -90, -270, 450, 91}) {
-        const bool turned = rotation == 90 || rotation == 270;
-        EXPECT_EQ(track(rotation).rotatedWidth, turned ? 3 : 4) << rotation;
-        EXPECT_EQ(track(rotation).rotatedHeight, turned ? 4 : 3) << rotation;
-    }
-    const auto changes = std::to_array<void (*)(CorvantaSdkVideoTrackInformation&)>(
-        {[](auto& video) { ++video.width; }, [](auto& video) { ++video.height; },
-         [](auto& video) { ++video.rotatedWidth; }, [](auto& video) { ++video.rotatedHeight; },
-         [](auto& video) { video.codec = "x"; }, [](auto& video) { video.codecTag = "x"; },
-         [](auto& video) { video.pixelFormat = "x"; }, [](auto& video) { video.frameRate = "x"; },
-         [](auto& video) { ++video.rotation; }});
-    for (const auto change : changes) {
-        auto other = track(0);
-        other.index = other.bitRate = other.durationMillis = 7;
-        EXPECT_EQ(other, track(0));
-        change(other);
-        EXPECT_NE(other, track(0));
-    }
-    const CorvantaSdkVideoAudioTrackInformation audio;
-    const auto audioChanges = std::to_array<void (*)(CorvantaSdkVideoAudioTrackInformation&)>(
-        {[](auto& sound) { sound.codec = "x"; }, [](auto& sound) { sound.codecTag = "x"; },
-         [](auto& sound) { sound.sampleFormat = "x"; }, [](auto& sound) { ++sound.sampleRate; },
-         [](auto& sound) { ++sound.channels; }, [](auto& sound) { sound.channelLayout = "x"; }});
-    for (const auto change : audioChanges) {
-        auto other = audio;
-        other.index = other.bitRate = other.durationMillis = 7;
-        EXPECT_EQ(other, audio);
-        change(other);
-        EXPECT_NE(other, audio);
+TEST(ProbeOutputTest, RotatedSides) {
+    for (const auto& [rotation, turned] : {std::pair(0, false),
+                                           {90, true},
+                                           {180, false},
+                                           {270, true},
+                                           {-90, false},
+                                           {-270, false},
+                                           {450, false}}) {
+        const CorvantaSdkVideoTrackInformation track(0, 4, 3, "c", "t", "p", 0, "r", rotation, 0);
+        EXPECT_EQ(track.rotatedWidth, turned ? 3 : 4) << rotation;
+        EXPECT_EQ(track.rotatedHeight, turned ? 4 : 3) << rotation;
     }
 }
 
@@ -172,10 +147,8 @@ TEST(ProbeOutputDeathTest, DurationsThatMillisecondsCannotHold) {
     for (const Case& fatal : {Case{"inf", notFinite},
                               {"-inf", notFinite},
                               {"nan", notFinite},
-                              {"1e400", notFinite},
                               {"1e306", notFinite},
                               {"-9223372036854777.9", tooSmall},
-                              {"-1e300", tooSmall},
                               {"9223372036854775.808", tooLarge},
                               {"+1e17", tooLarge}}) {
         for (const char* kind : {"video", "audio"}) {
@@ -188,10 +161,6 @@ TEST(ProbeOutputDeathTest, DurationsThatMillisecondsCannotHold) {
     EXPECT_EQ(millisecondsFromSeconds(-9223372036854775.808), std::numeric_limits<std::int64_t>::min());
     EXPECT_EQ(millisecondsFromSeconds(9223372036854774.0), 9223372036854773760);
     EXPECT_EQ(millisecondsFromSeconds(-0.0019), -1);
-    EXPECT_EQ(parseProbeOutput(withStreams(R"({"codec_type": "video", "duration": "1e-400"})"))
-                  ->videos[0]
-                  .durationMillis,
-              0);
 }
 
 } // namespace

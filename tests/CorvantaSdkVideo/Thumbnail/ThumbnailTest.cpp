@@ -1,6 +1,7 @@
-#include "support/FakeExecutor.hpp"
+#include "support/Failure.hpp"
 #include "support/Processes.hpp"
 #include "support/RecordedLog.hpp"
+#include "support/ScriptedExecutor.hpp"
 
 #include <CorvantaSdkVideo/CorvantaSdkVideo.hpp>
 #include <CorvantaSdkVideo/Thumbnail/CorvantaSdkVideoThumbnailGeneratorImplementation.hpp>
@@ -21,11 +22,10 @@ constexpr double oneSecond = 1000;
 
 class ThumbnailTest : public testing::Test {
   protected:
-    std::string generate(bool authenticated, const std::string& input, const std::string& output,
-                         double millis, Size width = std::nullopt, Size height = std::nullopt) {
-        CorvantaSdkVideoThumbnailGeneratorImplementation generator(
-            {}, executor_, std::make_shared<FixedCredentials>(authenticated));
-        return outcomeOf([&] {
+    std::string generate(const std::string& input, const std::string& output, double millis,
+                         Size width = std::nullopt, Size height = std::nullopt) {
+        CorvantaSdkVideoThumbnailGeneratorImplementation generator({}, executor_);
+        return failureOf([&] {
             runBlocking(generator.generateThumbnail({CorvantaSdkVideoFile(URL::fromFilePath(input)),
                                                      CorvantaSdkVideoFileDescriptor::custom(output), millis,
                                                      width, height}));
@@ -34,7 +34,7 @@ class ThumbnailTest : public testing::Test {
 
     const RecordedLog log_;
     TemporaryDirectory directory_;
-    std::shared_ptr<FakeExecutor> executor_ = std::make_shared<FakeExecutor>();
+    std::shared_ptr<ScriptedExecutor> executor_ = std::make_shared<ScriptedExecutor>();
 };
 
 TEST_F(ThumbnailTest, TheFirstFailedCheckEndsIt) {
@@ -66,16 +66,14 @@ TEST_F(ThumbnailTest, TheFirstFailedCheckEndsIt) {
              {true, clip, "1:", 0, {}, {}, "notFoundVideo"},
              {true, text, output, 0, {}, {}, "AssetReader error -1094995529"},
          }) {
-        RecordedLog log;
-        EXPECT_EQ(generate(expected.authenticated, expected.input, expected.output, expected.millis,
-                           expected.width, expected.height),
+        RecordedLog log(expected.authenticated);
+        EXPECT_EQ(generate(expected.input, expected.output, expected.millis, expected.width, expected.height),
                   expected.outcome);
-        EXPECT_THAT(
-            log.take(),
-            ElementsAre("info event_video_create_thumbnail: Create thumbnail called with videoPath: " +
-                        URL::fromFilePath(expected.input).absoluteString()));
+        EXPECT_EQ(log.take().front(),
+                  "info event_video_create_thumbnail: Create thumbnail called with videoPath: " +
+                      URL::fromFilePath(expected.input).absoluteString());
     }
-    EXPECT_THAT(executor_->calls, IsEmpty());
+    EXPECT_THAT(executor_->scripts, IsEmpty());
     EXPECT_EQ(readFile(output + ".jpg"), "older");
 }
 
@@ -83,35 +81,35 @@ TEST_F(ThumbnailTest, OlderThumbnailsAndTheCommand) {
     const std::string clip = makeClip({.seconds = 2});
     const std::string output = directory_.file("thumb nail");
     const std::string command =
-        "ffmpeg -i file://" + clip + " -ss 1.9999 -vframes 1 -vf scale=0:-1 \"" + output + ".jpg\"";
+        "-i file://" + clip + " -ss 1.9999 -vframes 1 -vf scale=0:-1 \"" + output + ".jpg\"";
     writeFile(output + ".jpg", "older");
-    executor_->onCommand = [&](const std::string&) {
+    executor_->onRun = [&](const std::string&) {
         EXPECT_FALSE(std::filesystem::exists(output + ".jpg"));
         writeFile(output + ".jpg", "newer");
     };
-    EXPECT_EQ(generate(true, clip, output, 1999.9, 0), "done");
-    EXPECT_THAT(std::exchange(executor_->calls, {}), ElementsAre(command));
+    EXPECT_EQ(generate(clip, output, 1999.9, 0), "");
+    EXPECT_THAT(std::exchange(executor_->scripts, {}), ElementsAre(command));
     EXPECT_EQ(readFile(output + ".jpg"), "newer");
 
     // A run that fails, and one that says success and leaves no file.
     for (const bool fails : {true, false}) {
         RecordedLog log;
-        executor_->onCommand = [&](const std::string&) {
+        executor_->onRun = [&](const std::string&) {
             if (fails) {
                 throw PlatformError("COMPLETED", 1);
             }
         };
-        EXPECT_EQ(generate(true, clip, output, 0), "thumbnailGenerationFailed");
+        EXPECT_EQ(generate(clip, output, 0), "thumbnailGenerationFailed");
         const std::string reason = fails ? "COMPLETED error 1" : "generic error 2";
         EXPECT_THAT(log.take(), testing::Contains(
                                     "error event_video_create_thumbnail: Error creating thumbnail: file://" +
                                     clip + ". The operation couldn’t be completed. (" + reason + ".)"));
     }
 
-    executor_->calls.clear();
+    executor_->scripts.clear();
     std::filesystem::create_directories(directory_.path() / "full.jpg" / "below");
-    EXPECT_EQ(generate(true, clip, directory_.file("full"), 0), "unableToDeleteExistingThumbnail");
-    EXPECT_THAT(executor_->calls, IsEmpty());
+    EXPECT_EQ(generate(clip, directory_.file("full"), 0), "unableToDeleteExistingThumbnail");
+    EXPECT_THAT(executor_->scripts, IsEmpty());
     EXPECT_TRUE(std::filesystem::exists(directory_.path() / "full.jpg" / "below"));
 }
 
@@ -120,7 +118,7 @@ TEST_F(ThumbnailTest, WhatTheCommandCannotCarryCostsNothing) {
     for (const std::string name : {"a\"b", "%2541", "%25d", "%2503d"}) {
         const std::string path = URL::parse("/" + name)->path();
         writeFile(directory_.file(path.substr(1) + ".jpg"), "older");
-        EXPECT_EQ(generate(true, clip, directory_.file(name), 0), "thumbnailGenerationFailed") << name;
+        EXPECT_EQ(generate(clip, directory_.file(name), 0), "thumbnailGenerationFailed") << name;
         EXPECT_EQ(readFile(directory_.file(path.substr(1) + ".jpg")), "older");
     }
     // The input itself, by its own name and by another.
@@ -129,10 +127,10 @@ TEST_F(ThumbnailTest, WhatTheCommandCannotCarryCostsNothing) {
     const std::string contents = readFile(picture);
     std::filesystem::create_symlink(picture, directory_.path() / "link.jpg");
     for (const char* name : {"picture", "link"}) {
-        EXPECT_EQ(generate(true, picture, directory_.file(name), 0), "thumbnailGenerationFailed");
+        EXPECT_EQ(generate(picture, directory_.file(name), 0), "thumbnailGenerationFailed");
         EXPECT_EQ(readFile(directory_.file("link.jpg")), contents);
     }
-    EXPECT_THAT(executor_->calls, IsEmpty());
+    EXPECT_THAT(executor_->scripts, IsEmpty());
 }
 
 TEST(RealThumbnailTest, FramesOfRealClips) {
@@ -169,10 +167,10 @@ TEST(RealThumbnailTest, FramesOfRealClips) {
         EXPECT_TRUE(isNear(frame.mean(), {254, 0, 0})) << frame.mean();
     }
     // Past the last frame of a video track that is shorter than the file.
-    EXPECT_EQ(outcomeOf([&] { make({.seconds = 2, .pictures = {{.seconds = 1}}}, 1800, {}, {}); }),
+    EXPECT_EQ(failureOf([&] { make({.seconds = 2, .pictures = {{.seconds = 1}}}, 1800, {}, {}); }),
               "thumbnailGenerationFailed");
     const ScopedVariable noProgram("CORVANTA_FFMPEG", "/no/such/ffmpeg");
-    EXPECT_EQ(outcomeOf([&] { make({}, 0, {}, {}); }), "thumbnailGenerationFailed");
+    EXPECT_EQ(failureOf([&] { make({}, 0, {}, {}); }), "thumbnailGenerationFailed");
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include <CorvantaSdkVideo/TracksManager/TracksManager.hpp>
 
-#include "support/MediaFixtures.hpp"
+#include "support/Processes.hpp"
+#include "support/UserFolders.hpp"
 
 #include <platform/Directories.hpp>
 #include <platform/Errors.hpp>
@@ -8,20 +9,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <optional>
+#include <map>
 #include <string>
 #include <vector>
 
 namespace corvanta {
 namespace {
 
-using test::Clip;
-using test::makeClip;
-using test::TemporaryDirectory;
+using namespace test;
+using testing::IsEmpty;
+using testing::SizeIs;
 
 URL fileURL(const std::string& path) { return URL::fromFilePath(path); }
 
@@ -29,11 +28,8 @@ TEST(FFMPEGVideoTracksCommandGenerator, WritesTheScripts) {
     const FFMPEGVideoTracksCommandGenerator generator;
     const URL input = fileURL("/v/my clip.mp4");
     const URL output = fileURL("/v/new clip.mp4");
-    const std::vector<std::pair<std::int64_t, std::string>> durations = {
-        {1500, "1.5"}, {3000, "3.0"},         {1, "0.001"},
-        {0, "0.0"},    {86400000, "86400.0"}, {16777217, "16777.217"},
-    };
-    for (const auto& [milliseconds, seconds] : durations) {
+    for (const auto& [milliseconds, seconds] : std::map<std::int64_t, std::string>{
+             {0, "0.0"}, {1, "0.001"}, {1500, "1.5"}, {16777217, "16777.217"}}) {
         EXPECT_EQ(generator.createVideoTrackCommand(input, milliseconds, 320, 240),
                   "-y -f lavfi -i color=c=red:s=320x240:d=" + seconds +
                       R"( -vf "format=yuv420p" -c:v mpeg4 -r 30 -g 30 -b:v 500k "/v/my clip.mp4")");
@@ -51,57 +47,36 @@ TEST(FFMPEGVideoTracksCommandGenerator, WritesTheScripts) {
               "-y -i file:///v/my%20clip.mp4 -an -c:v copy file:///v/new%20clip.mp4");
 }
 
-class CountingExecutor : public FFMPEGCommandExecutorImplementation {
-  public:
-    Task<> executeFFMPEGCommand(std::string command, OnUpdateSessionId onUpdateSessionId) override {
-        ++runs;
-        return FFMPEGCommandExecutorImplementation::executeFFMPEGCommand(std::move(command),
-                                                                         std::move(onUpdateSessionId));
-    }
-
-    int runs = 0;
-};
-
 class TracksManagerTest : public testing::Test {
   protected:
-    TracksManagerTest() {
-        setenv("XDG_DATA_HOME", directory_.file("data").c_str(), 1);
-        setenv("CORVANTA_FFMPEG", "ffmpeg", 1);
+    std::vector<std::string> temporaryFiles() const {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(Directories::documents().path())) {
+            names.push_back(entry.path());
+        }
+        return names;
     }
 
-    std::size_t temporaryFiles() const {
-        const std::filesystem::path documents = Directories::documents().path();
-        return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(documents),
-                                                      std::filesystem::directory_iterator()));
-    }
-
-    std::optional<PlatformError> errorOf(Task<> task) const {
+    // "FAILED 127" for a command that was not started.
+    std::string errorOf(Task<> task) const {
         try {
             runBlocking(std::move(task));
         } catch (const PlatformError& error) {
-            return error;
+            return error.domain() + ' ' + std::to_string(error.code());
         }
-        return std::nullopt;
+        return "";
     }
 
-    TemporaryDirectory directory_;
-    std::shared_ptr<CountingExecutor> executor_ = std::make_shared<CountingExecutor>();
-    TracksManager manager_{executor_};
+    std::string file(const std::string& name) const { return folders_.file(name); }
+
+    const UserFolders folders_;
+    TracksManager manager_{std::make_shared<FFMPEGCommandExecutorImplementation>()};
 };
-
-std::string contentsOf(const std::string& path) {
-    std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-void write(const std::string& path, const std::string& contents) {
-    std::ofstream(path, std::ios::binary) << contents;
-}
 
 TEST_F(TracksManagerTest, ChangesTheTracksOfRealFiles) {
     const URL clip = fileURL(makeClip({.seconds = 2}));
     const URL rich = fileURL(makeClip({.pictures = {{}, {.width = 64, .height = 64}}, .sounds = {{}, {}}}));
-    const URL output = fileURL(directory_.file("an output.mp4"));
+    const URL output = fileURL(file("an output.mp4"));
     struct Case {
         std::string name;
         std::function<Task<>()> run;
@@ -127,41 +102,41 @@ TEST_F(TracksManagerTest, ChangesTheTracksOfRealFiles) {
     };
     for (const Case& surgery : cases) {
         SCOPED_TRACE(surgery.name);
-        write(output.path(), "an older file");
+        writeFile(output.path(), "an older file");
         runBlocking(surgery.run());
-        const CorvantaSdkVideoInformation info = test::probed(output.path());
-        ASSERT_EQ(info.videos.size(), surgery.videoDurations.size());
-        ASSERT_EQ(info.audios.size(), surgery.audioDurations.size());
-        for (std::size_t track = 0; track < info.videos.size(); ++track) {
-            EXPECT_LE(std::abs(info.videos[track].durationMillis - surgery.videoDurations[track]), 34);
-        }
-        for (std::size_t track = 0; track < info.audios.size(); ++track) {
-            EXPECT_LE(std::abs(info.audios[track].durationMillis - surgery.audioDurations[track]), 24);
-        }
-        EXPECT_EQ(temporaryFiles(), 0U);
+        const CorvantaSdkVideoInformation info = probed(output.path());
+        const auto expectNear = [](const auto& tracks, const std::vector<std::int64_t>& durations) {
+            ASSERT_EQ(tracks.size(), durations.size());
+            for (std::size_t track = 0; track < tracks.size(); ++track) {
+                EXPECT_LE(std::abs(tracks[track].durationMillis - durations[track]), 34);
+            }
+        };
+        expectNear(info.videos, surgery.videoDurations);
+        expectNear(info.audios, surgery.audioDurations);
+        EXPECT_THAT(temporaryFiles(), IsEmpty());
     }
     runBlocking(manager_.addVideoTrack(clip, output, 1500, 320, 242));
-    const CorvantaSdkVideoInformation info = test::probed(output.path());
+    const CorvantaSdkVideoInformation info = probed(output.path());
     EXPECT_EQ(info.videos[1].width, 320);
     EXPECT_EQ(info.videos[1].height, 242);
     EXPECT_EQ(info.videos[1].codec, "mpeg4");
-    EXPECT_EQ(info.videos[0], test::probed(clip.path()).videos[0]);
-    EXPECT_TRUE(isNear(test::meanColour(output.path(), 1.4, {}, 1), {254, 0, 0}));
-    EXPECT_TRUE(isNear(test::meanColour(output.path(), 1, {}, 0), test::meanColour(clip.path(), 1), 0.01));
+    EXPECT_EQ(info.videos[0], probed(clip.path()).videos[0]);
+    EXPECT_TRUE(isNear(meanColour(output.path(), 1.4, {}, 1), {254, 0, 0}));
+    EXPECT_TRUE(isNear(meanColour(output.path(), 1, {}, 0), meanColour(clip.path(), 1), 0.01));
 }
 
 TEST_F(TracksManagerTest, PassesOnWhatFFmpegRefusesAndLeavesTheTemporaryFile) {
     const URL clip = fileURL(makeClip({}));
     const URL silent = fileURL(makeClip({.sounds = {}}));
     const URL blind = fileURL(makeClip({.pictures = {}}));
-    const URL missing = fileURL(directory_.file("missing.mp4"));
-    const URL output = fileURL(directory_.file("out.mp4"));
-    const auto refused = std::optional(PlatformError("COMPLETED", 1));
+    const URL missing = fileURL(file("missing.mp4"));
+    const URL output = fileURL(file("out.mp4"));
+    const std::string refused = "COMPLETED 1";
     EXPECT_EQ(errorOf(manager_.addAudioTrack(silent, output, 500)), refused);
-    EXPECT_EQ(temporaryFiles(), 1U);
+    EXPECT_THAT(temporaryFiles(), SizeIs(1));
     EXPECT_EQ(errorOf(manager_.addVideoTrack(blind, output, 500, 64, 64)), refused);
     EXPECT_EQ(errorOf(manager_.addVideoTrack(missing, output, 500, 64, 64)), refused);
-    EXPECT_EQ(temporaryFiles(), 3U);
+    EXPECT_THAT(temporaryFiles(), SizeIs(3));
     EXPECT_EQ(errorOf(manager_.addVideoTrack(clip, output, 500, 0, 0)), refused);
     EXPECT_EQ(errorOf(manager_.addVideoTrack(clip, output, 0, 64, 64)), refused);
     EXPECT_EQ(errorOf(manager_.addAudioTrack(clip, output, -1)), refused);
@@ -169,20 +144,20 @@ TEST_F(TracksManagerTest, PassesOnWhatFFmpegRefusesAndLeavesTheTemporaryFile) {
     EXPECT_EQ(errorOf(manager_.removeAudioTrack(blind, output)), refused);
     EXPECT_FALSE(std::filesystem::exists(output.path()));
 
-    setenv("CORVANTA_FFMPEG", "/nonexistent/ffmpeg", 1);
-    EXPECT_EQ(errorOf(manager_.removeAudioTrack(clip, output)), PlatformError("FAILED", 127));
+    const ScopedVariable noProgram("CORVANTA_FFMPEG", "/nonexistent/ffmpeg");
+    EXPECT_EQ(errorOf(manager_.removeAudioTrack(clip, output)), "FAILED 127");
 }
 
 TEST_F(TracksManagerTest, RefusesPathsThatACommandCannotCarry) {
     const std::string clip = makeClip({});
-    const std::string plain = directory_.file("a b.mp4");
-    write(plain, "kept");
-    const auto notStarted = std::optional(PlatformError("FAILED", 127));
-    const URL good = fileURL(directory_.file("good.mp4"));
+    const std::string plain = file("a b.mp4");
+    writeFile(plain, "kept");
+    const std::string notStarted = "FAILED 127";
+    const URL good = fileURL(file("good.mp4"));
     const std::vector<URL> unwritable = {
-        fileURL(directory_.file("a%20b.mp4")),
-        fileURL(directory_.file("\" -y x.mp4")),
-        fileURL(directory_.file(std::string("a b.mp4\0x", 9))),
+        fileURL(file("a%20b.mp4")),
+        fileURL(file("\" -y x.mp4")),
+        fileURL(file(std::string("a b.mp4\0x", 9))),
         *URL::parse("-hide_banner"),
         *URL::parse("file:pipe:1"),
     };
@@ -201,31 +176,30 @@ TEST_F(TracksManagerTest, RefusesPathsThatACommandCannotCarry) {
         EXPECT_EQ(errorOf(manager_.removeAudioTrack(fileURL(clip), url)), notStarted);
     }
     // ffmpeg would not know its input again under a second name.
-    const std::string input = directory_.file("input.mp4");
+    const std::string input = file("input.mp4");
     std::filesystem::copy_file(clip, input);
-    std::filesystem::create_hard_link(input, directory_.file("hard.mp4"));
-    std::filesystem::create_symlink(input, directory_.file("soft.mp4"));
+    std::filesystem::create_hard_link(input, file("hard.mp4"));
+    std::filesystem::create_symlink(input, file("soft.mp4"));
     for (const char* name : {"input.mp4", "hard.mp4", "soft.mp4", "./input.mp4"}) {
         SCOPED_TRACE(name);
-        const URL again = fileURL(directory_.file(name));
+        const URL again = fileURL(file(name));
         EXPECT_EQ(errorOf(manager_.addVideoTrack(fileURL(input), again, 500, 64, 64)), notStarted);
         EXPECT_EQ(errorOf(manager_.addAudioTrack(fileURL(input), again, 500)), notStarted);
         EXPECT_EQ(errorOf(manager_.removeVideoTrack(fileURL(input), again)), notStarted);
         EXPECT_EQ(errorOf(manager_.removeAudioTrack(fileURL(input), again)), notStarted);
     }
-    EXPECT_EQ(contentsOf(input), contentsOf(clip));
-    EXPECT_EQ(executor_->runs, 0);
-    EXPECT_EQ(contentsOf(plain), "kept");
+    EXPECT_EQ(readFile(input), readFile(clip));
+    EXPECT_THAT(temporaryFiles(), IsEmpty());
+    EXPECT_EQ(readFile(plain), "kept");
 
     // As the text of a URL every name but one with a NUL can be carried.
     for (const std::string name : {"a%20b.mp4", "\" -y 'x\\.mp4", "gr\xc3\xbc\xc3\x9f \xff e.mp4"}) {
         SCOPED_TRACE(name);
-        std::filesystem::copy_file(clip, directory_.file(name));
-        runBlocking(
-            manager_.removeAudioTrack(fileURL(directory_.file(name)), fileURL(directory_.file("o" + name))));
-        EXPECT_TRUE(std::filesystem::exists(directory_.file("o" + name)));
+        std::filesystem::copy_file(clip, file(name));
+        runBlocking(manager_.removeAudioTrack(fileURL(file(name)), fileURL(file("o" + name))));
+        EXPECT_TRUE(std::filesystem::exists(file("o" + name)));
     }
-    EXPECT_EQ(contentsOf(plain), "kept");
+    EXPECT_EQ(readFile(plain), "kept");
 }
 
 } // namespace
