@@ -1,15 +1,15 @@
 #include "support/MediaFixtures.hpp"
 
+#include "support/Processes.hpp"
+
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/FFMPEGCommandExecutor.hpp>
 #include <platform/Task.hpp>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
-#include <memory>
 #include <mutex>
 #include <ostream>
 #include <sstream>
@@ -19,14 +19,6 @@
 namespace corvanta::test {
 
 namespace {
-
-std::string quotedForShell(std::string_view word) {
-    std::string quoted = "'";
-    for (const char character : word) {
-        quoted += character == '\'' ? std::string("'\\''") : std::string(1, character);
-    }
-    return quoted + "'";
-}
 
 std::string number(double value) {
     std::ostringstream text;
@@ -122,29 +114,11 @@ std::string makeClip(const Clip& clip) {
 }
 
 std::string runTool(std::string_view tool, const std::vector<std::string>& arguments) {
-    const TemporaryDirectory directory;
-    const std::string log = directory.file("log");
-    std::string command(tool);
-    for (const std::string& argument : arguments) {
-        command += ' ' + quotedForShell(argument);
+    Program program{std::string(tool), arguments};
+    if (program.wait() != 0) {
+        throw std::runtime_error(std::string(tool) + '\n' + program.errors());
     }
-    const std::string line = command + " </dev/null 2>" + quotedForShell(log);
-    std::FILE* pipe = popen(line.c_str(), "re");
-    if (pipe == nullptr) {
-        throw std::system_error(errno, std::generic_category(), command);
-    }
-    std::string output;
-    std::array<char, 65536> buffer;
-    while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe)) {
-        output.append(buffer.data(), count);
-    }
-    if (pclose(pipe) != 0) {
-        const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(log.c_str(), "re"),
-                                                                   &std::fclose);
-        const std::size_t count = file ? std::fread(buffer.data(), 1, buffer.size(), file.get()) : 0;
-        throw std::runtime_error(command + "\n" + std::string(buffer.data(), count));
-    }
-    return output;
+    return program.output();
 }
 
 std::vector<std::string> wordsOf(std::string_view text) {

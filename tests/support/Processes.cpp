@@ -47,9 +47,6 @@ void writeFile(const std::string& path, std::string_view contents) {
     }
 }
 
-Program::Program(const std::string& path, const std::vector<std::string>& arguments)
-    : Program(path, arguments, Options{}) {}
-
 Program::Program(const std::string& path, const std::vector<std::string>& arguments, const Options& options) {
     std::vector<std::string> environment;
     for (char** entry = environ; *entry != nullptr; ++entry) {
@@ -87,8 +84,8 @@ Program::Program(const std::string& path, const std::vector<std::string>& argume
     if (!options.workingDirectory.empty()) {
         posix_spawn_file_actions_addchdir_np(&actions, options.workingDirectory.c_str());
     }
-    const int error = posix_spawn(&pid_, path.c_str(), &actions, nullptr, pointers(words).data(),
-                                  pointers(environment).data());
+    const int error = posix_spawnp(&pid_, path.c_str(), &actions, nullptr, pointers(words).data(),
+                                   pointers(environment).data());
     posix_spawn_file_actions_destroy(&actions);
     if (error != 0) {
         throw std::system_error(error, std::generic_category(), path);

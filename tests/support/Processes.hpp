@@ -33,8 +33,10 @@ class Program {
         std::string standardOutput = {};
     };
 
+    /// A name without a slash is looked for as a shell does.
     Program(const std::string& path, const std::vector<std::string>& arguments, const Options& options);
-    Program(const std::string& path, const std::vector<std::string>& arguments);
+    Program(const std::string& path, const std::vector<std::string>& arguments)
+        : Program(path, arguments, Options{}) {}
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
     ~Program();

@@ -113,12 +113,6 @@ std::vector<Situation> situations() {
              scene.location = badLocation;
          },
          {"FAILED", "error -", "error"}},
-        {"no place and no inputs",
-         [=](Scene& scene) {
-             scene.location = badLocation;
-             scene.videos = {};
-         },
-         refused("FAILED"), notEnough, unplaced},
         {"no place",
          [=](Scene& scene) { scene.location = badLocation; },
          refused("FAILED"),
@@ -137,17 +131,6 @@ std::vector<Situation> situations() {
              std::filesystem::remove(scene.folders.file("a.mp4"));
          },
          missing, missing, refused("notFoundVideo")},
-        {"an input of another kind",
-         [](Scene& scene) {
-             scene.videos[0] = scene.input("a.txt");
-             scene.folders.make("a.txt");
-             scene.location += ".x";
-             scene.executor->onRun = [](const std::string&) { throw std::runtime_error("refused"); };
-         },
-         {"FAILED", "error -",
-          "probe a.txt, probe b.mp4, probe a.txt, probe b.mp4, processing, run, pid 7, error -pid"},
-         {"FAILED", "error -", "probe a.txt, probe b.mp4, processing, run, pid 7, error -pid"},
-         refused("invalidFile")},
         {"too narrow", [](Scene& scene) { scene.width = 127.5; }, done, tooSmall},
         {"too low",
          [](Scene& scene) {
@@ -167,16 +150,6 @@ std::vector<Situation> situations() {
          {"getInformationFailed", "idle -", "probe a.mp4"},
          {"getInformationFailed", "idle -", "probe a.mp4"},
          {"FAILED", "error -", "probe a.mp4, error -pid"}},
-        {"unlike inputs",
-         [](Scene& scene) {
-             scene.executor->onProbe = [](const URL& url) {
-                 auto information = plainInformation(url);
-                 information.videos[0].width = url.lastPathComponent() == "a.mp4" ? 640 : 320;
-                 return information;
-             };
-         },
-         {"invalidInputFiles(differentVideoTracks)", "idle -", "PROBES"},
-         done},
         {"a run that fails", [=](Scene& scene) { scene.executor->onRun = fail; }, failed},
         {"a run that fails before it has an id",
          [=](Scene& scene) {

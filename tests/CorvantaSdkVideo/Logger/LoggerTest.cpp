@@ -14,86 +14,40 @@
 namespace corvanta::test {
 namespace {
 
-TEST(LoggerTest, EveryEventAndMessage) {
+// What no operation's test reads in its log.
+TEST(LoggerTest, EventsAndMessages) {
     const URL video = URL::fromFilePath("/a b/ü.mp4");
     const URL result = *URL::parse("/out%.wav");
     const UUID id = *parseUUID("0123abcd-4567-89ef-0123-456789abcdef");
-    const CorvantaSdkVideoError error(CorvantaSdkVideoError::concatFailed);
-    const std::string videoText = "file:///a%20b/%C3%BC.mp4";
-    const std::string idText = "0123abcd-4567-89ef-0123-456789abcdef";
-    const std::string errorText = "The operation couldn’t be completed. (CorvantaSdkVideoError error 21.)";
+    const CorvantaSdkVideoError error(CorvantaSdkVideoError::InvalidInputFilesReason::notEnoughVideos);
     struct Case {
         Event event;
-        const char* name;
         EventMessage message;
-        std::string text;
+        std::string line;
     };
     for (const Case& expected : {
-             Case{Event::getAllRequest, "event_video_request_get_all", EventMessage::getRequestsBy("idle"),
-                  "Get all requests called with status: idle"},
-             {Event::clearNoise, "event_video_clear_noise", EventMessage::clearNoise(video, result),
-              "Clear noise called with videoPath: " + videoText + ", resultPath: /out%25.wav"},
-             {Event::clearNoise, "event_video_clear_noise", EventMessage::clearNoiseFailed(video, error),
-              "Error clearing noise. " + videoText + ". " + errorText},
-             {Event::compareVideo, "event_video_compare", EventMessage::compare({video, result}),
-              "Compare called with videoPaths: [" + videoText + ", /out%25.wav]"},
-             {Event::compareVideo, "event_video_compare", EventMessage::compare({}),
-              "Compare called with videoPaths: []"},
-             {Event::compareVideo, "event_video_compare", EventMessage::compareFailed(error),
-              "Error comparing videos. " + errorText},
-             {Event::getInfo, "event_video_get_info", EventMessage::getInfo(video),
-              "Get info called with videoPath: " + videoText},
-             {Event::getInfo, "event_video_get_info", EventMessage::getInfoFailed(video, error),
-              "Error getting video info: " + videoText + ". " + errorText},
-             {Event::createThumbnail, "event_video_create_thumbnail", EventMessage::createThumbnail(video),
-              "Create thumbnail called with videoPath: " + videoText},
-             {Event::createThumbnail, "event_video_create_thumbnail",
-              EventMessage::createThumbnailFailed(video, error),
-              "Error creating thumbnail: " + videoText + ". " + errorText},
-             {Event::editVideo, "event_video_edit", EventMessage::editVideo(video),
-              "Edit called with videoPath: " + videoText},
-             {Event::editVideo, "event_video_edit", EventMessage::editVideoFailed(error),
-              "Error editing video. " + errorText},
-             {Event::insertRequest, "event_video_request_insert", EventMessage::insertRequest(id),
-              "Insert called with video request: " + idText},
-             {Event::updateRequest, "event_video_request_update", EventMessage::updateRequest(id),
-              "Update called with video request: " + idText},
-             {Event::getRequestById, "event_video_request_get_by_id", EventMessage::getRequestBy(id),
-              "Get called with id: " + idText},
-             {Event::streamRequestWithStatus, "stream_request_with_status",
-              EventMessage::streamRequestsBy(std::nullopt), "Stream requests with nil"},
-             {Event::streamRequestWithID, "stream_request_with_id", EventMessage::streamRequest(id),
-              "Stream requests with id " + idText},
-             {Event::processRequest, "event_video_request_process", EventMessage::processRequest(id),
-              "Process request with id: " + idText},
-             {Event::cancelRequest, "event_video_request_cancel", EventMessage::cancelRequest(id),
-              "Cancel request with id: " + idText},
-             {Event::mergeRequest, "event_video_merge_request", EventMessage::mergeRequestFailed(error),
-              "Merge requeset failed. " + errorText},
-             {Event::mergeVideoAndAudioFailed, "event_video_merge_video_and_audio",
-              EventMessage::mergeVideoAndAudioFailed(error), "Merge video and audio failed. " + errorText},
-             {Event::insertRequest, "event_video_request_insert", EventMessage::insertRequestFailed(error),
-              "Insert request failed. " + errorText},
-             {Event::processRequest, "event_video_request_process",
-              EventMessage::processRequestFailed(
-                  CorvantaSdkVideoError(CorvantaSdkVideoError::InvalidInputFilesReason::notEnoughVideos)),
-              "Process request failed. invalidInputFiles(notEnoughVideos)"},
-             {Event::initVideo, "event_video_init", EventMessage::initVideoModule(), "Init video module"},
-             {Event::initEditVideoScreen, "event_video_edit_screen_init", EventMessage::initEditVideoScreen(),
-              "Init edit screen called"},
-             {Event::editVideo, "event_video_edit", EventMessage::closeEditVideoScreen(),
-              "Close Edit Video Screen"},
-             {Event::createMergeBuilder, "event_video_merge_build_create", EventMessage::createMergeBuilder(),
-              "Building merge builder"},
-             {Event::createConcatBuilder, "event_video_concat_build_create",
-              EventMessage::createConcatBuilder(), "Building concat builder"},
-             {Event::createEncodeBuilder, "event_video_encode_build_create",
-              EventMessage::createEncodeBuilder(), "Building encode builder"},
-             {Event::validateAuth, "event_video_auth_validate", EventMessage::notAuthenticated(),
-              "Validate authentication failed: SDK not authenticated"},
+             Case{Event::getAllRequest, EventMessage::getRequestsBy("idle"),
+                  "event_video_request_get_all: Get all requests called with status: idle"},
+             {Event::compareVideo, EventMessage::compare({video, result}),
+              "event_video_compare: Compare called with videoPaths: [file:///a%20b/%C3%BC.mp4, /out%25.wav]"},
+             {Event::compareVideo, EventMessage::compare({}),
+              "event_video_compare: Compare called with videoPaths: []"},
+             {Event::streamRequestWithStatus, EventMessage::streamRequestsBy(std::nullopt),
+              "stream_request_with_status: Stream requests with nil"},
+             {Event::streamRequestWithID, EventMessage::streamRequest(id),
+              "stream_request_with_id: Stream requests with id 0123abcd-4567-89ef-0123-456789abcdef"},
+             {Event::processRequest, EventMessage::processRequestFailed(error),
+              "event_video_request_process: Process request failed. invalidInputFiles(notEnoughVideos)"},
+             {Event::createMergeBuilder, EventMessage::createMergeBuilder(),
+              "event_video_merge_build_create: Building merge builder"},
+             {Event::createConcatBuilder, EventMessage::createConcatBuilder(),
+              "event_video_concat_build_create: Building concat builder"},
+             {Event::createEncodeBuilder, EventMessage::createEncodeBuilder(),
+              "event_video_encode_build_create: Building encode builder"},
          }) {
-        EXPECT_EQ(name(expected.event), expected.name);
-        EXPECT_EQ(expected.message.message(), expected.text);
+        RecordedLog log;
+        Logger::addLog(expected.event, expected.message);
+        EXPECT_EQ(log.take(), std::vector{"info " + expected.line});
     }
 }
 
@@ -107,12 +61,10 @@ TEST(LoggerDeathTest, VersionIsReadFromTheResource) {
     for (const Case& expected : {Case{"name=x\nversion=1.2.3\nversion=9\n", "1.2.3"},
                                  {"a\r\nversion=1.2.3 \r\nb", "1.2.3 "},
                                  {"version=1=2\nversion=7", "7"},
-                                 {"version=1=2", "unknown"},
                                  {"version = 1", "unknown"},
                                  {" version=1", "unknown"},
-                                 {"Version=1", "unknown"},
                                  {"version=\nversion=2", ""},
-                                 {"", "unknown"}}) {
+                                 {"Version=1", "unknown"}}) {
         EXPECT_EXIT(
             {
                 const TemporaryDirectory directory;
@@ -146,44 +98,39 @@ TEST(LoggerTest, ASinkThatThrowsChangesNothing) {
 }
 
 TEST(CredentialsManagerTest, OnlyAPlainNoIsLogged) {
-    class FailingAuth : public SharedCorvantaSdkAuth {
-      public:
-        explicit FailingAuth(std::optional<bool> answer, bool fails) : answer_(answer), fails_(fails) {}
+    struct Answer : SharedCorvantaSdkAuth {
+        std::optional<bool> authenticated;
+        bool fails = false;
+        bool throws = false;
+
         std::optional<bool> isAuthenticated(std::error_code& error) override {
-            if (fails_) {
+            if (throws) {
+                throw std::runtime_error("down");
+            }
+            if (fails) {
                 error = std::make_error_code(std::errc::io_error);
             }
-            return answer_;
+            return authenticated;
         }
-
-      private:
-        std::optional<bool> answer_;
-        bool fails_;
     };
     const std::string refusal =
         "error event_video_auth_validate: Validate authentication failed: SDK not authenticated";
-    struct Case {
-        std::optional<bool> answer;
-        bool fails;
-        bool allowed;
-        std::vector<std::string> lines;
+    using Lines = std::vector<std::string>;
+    const auto ask = [](std::optional<bool> authenticated, bool fails, bool throws) {
+        const auto answer = std::make_shared<Answer>();
+        answer->authenticated = authenticated;
+        answer->fails = fails;
+        answer->throws = throws;
+        RecordedLog log(answer);
+        const bool allowed = CorvantaCredentialsManagerImp().isUserAuthenticated();
+        return std::pair(allowed, log.take());
     };
-    for (const Case& expected : {Case{true, false, true, {}},
-                                 {false, false, false, {refusal}},
-                                 {std::nullopt, true, false, {}},
-                                 {std::nullopt, false, false, {}},
-                                 {true, true, false, {}},
-                                 {false, true, false, {}}}) {
-        RecordedLog log(std::make_shared<FailingAuth>(expected.answer, expected.fails));
-        EXPECT_EQ(CorvantaCredentialsManagerImp().isUserAuthenticated(), expected.allowed);
-        EXPECT_EQ(log.take(), expected.lines);
-    }
-    class ThrowingAuth : public SharedCorvantaSdkAuth {
-        std::optional<bool> isAuthenticated(std::error_code&) override { throw std::runtime_error("down"); }
-    };
-    RecordedLog log(std::make_shared<ThrowingAuth>());
-    EXPECT_FALSE(CorvantaCredentialsManagerImp().isUserAuthenticated());
-    EXPECT_EQ(log.take(), std::vector<std::string>());
+    EXPECT_EQ(ask(true, false, false), std::pair(true, Lines{}));
+    EXPECT_EQ(ask(false, false, false), std::pair(false, Lines{refusal}));
+    EXPECT_EQ(ask(std::nullopt, false, false), std::pair(false, Lines{}));
+    EXPECT_EQ(ask(true, true, false), std::pair(false, Lines{}));
+    EXPECT_EQ(ask(false, true, false), std::pair(false, Lines{}));
+    EXPECT_EQ(ask(true, false, true), std::pair(false, Lines{}));
 
     SharedCorvantaSdkCommon common;
     common.setAuth(std::make_shared<SharedCorvantaSdkFixedAuth>(true));

@@ -9,7 +9,6 @@
 #include <platform/Directories.hpp>
 
 #include <filesystem>
-#include <iosfwd>
 #include <memory>
 #include <string>
 #include <vector>
@@ -52,12 +51,5 @@ class CleaningRun {
     TemporaryDirectory scratch_;
     RecordedLog log_;
 };
-
-/// Names a clip in reports and in the names of tests.
-void PrintTo(const Clip& clip, std::ostream* out);
-
-/// Cleans `clip` and holds the result against it: the sound is mono AAC of 16 kHz and as long as it was, the
-/// picture runs at 30 frames a second, as long, as large and turned as it was.
-void expectCleaned(const CleaningRun& run, const Clip& clip);
 
 } // namespace corvanta::test

@@ -6,21 +6,6 @@
 namespace corvanta::test {
 namespace {
 
-TEST(NoiseCancellationLongTest, EveryContainerLayoutAndRate) {
-    const CleaningRun run;
-    for (const std::string container : {"mp4", "mov", "mkv", "webm"}) {
-        for (const std::string layout : {"mono", "stereo", "5.1"}) {
-            for (const int sampleRate : {8000, 11025, 22050, 44100, 48000, 96000}) {
-                Clip clip{.sounds = {{.sampleRate = sampleRate, .layout = layout}}, .container = container};
-                if (container == "webm") {
-                    clip.codecs = "-c:v libvpx -deadline realtime -c:a libvorbis";
-                }
-                expectCleaned(run, clip);
-            }
-        }
-    }
-}
-
 // In Matroska, since a reader of MPEG-4 holds the place of every frame of the file: 19 MB for two hours.
 TEST(NoiseCancellationLongTest, TwoHoursTakeNoMoreMemoryThanTwoMinutes) {
     const CleaningRun run;

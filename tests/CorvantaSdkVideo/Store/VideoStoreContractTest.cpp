@@ -41,57 +41,46 @@ class VideoStoreContractTest : public ::testing::Test {
 };
 
 TEST_F(VideoStoreContractTest, GivesBackWhatWasInserted) {
+    using Change = std::function<void(LocalVideoRequest&)>;
     struct Case {
         const char* what;
-        std::function<void(LocalVideoRequest&)> inserted;
-        std::function<void(LocalVideoRequest&)> read;
+        Change inserted;
+        Change read = [](LocalVideoRequest&) {};
     };
-    const auto nothing = [](LocalVideoRequest&) {};
-    const auto url = [](const char* text) { return URL::parse(text).value(); };
+    const auto stored = [](const URL& path, const std::string& output) {
+        return Change([=](LocalVideoRequest& r) {
+            r.outputPath = path;
+            r.output = CorvantaSdkVideoFileDescriptor::custom(output);
+        });
+    };
+    const auto at = [](const URL& path) { return Change([=](auto& r) { r.outputPath = path; }); };
+    const URL bare = URL::parse("/v.d/name").value();
+    const URL hidden = URL::parse("/v/.mp4").value();
+    const URL odd = URL::fromFilePath("/v/50% #1? ü.mp4");
     const Case cases[] = {
-        {"a plain record", nothing, nothing},
-        {"an encode", [](auto& r) { r.type = LocalVideoRequest::OperationType::encode; }, nothing},
+        {"a plain record", [](LocalVideoRequest&) {}},
+        {"an encode", [](auto& r) { r.type = LocalVideoRequest::OperationType::encode; }},
         {"a merge with odd texts",
          [](auto& r) {
              r.type = LocalVideoRequest::OperationType::merge;
              r.rawData = std::string("'; DROP TABLE x; -- \0 ünï \xff", 29);
-         },
-         nothing},
-        {"an empty text is not an absent one", [](auto& r) { r.rawData = ""; }, nothing},
-        {"no inputs", [](auto& r) { r.inputFiles.clear(); }, nothing},
+         }},
+        {"an empty text is not an absent one", [](auto& r) { r.rawData = ""; }},
+        {"no inputs", [](auto& r) { r.inputFiles.clear(); }},
         {"dates before 1970 and to the nanosecond",
          [](auto& r) {
              r.createdAt = LocalVideoRequest::Date(std::chrono::nanoseconds(-123456789));
              r.updatedAt = LocalVideoRequest::Date(std::chrono::nanoseconds(1));
-         },
-         nothing},
-        {"error and processId are left out",
-         [](auto& r) {
-             r.error = "failed";
-             r.processId = "7";
-         },
-         [](auto& r) { r.error = r.processId = std::nullopt; }},
-        {"indices are positions",
-         [](auto& r) {
-             r.inputFiles[0].index = 7;
-             r.inputFiles[1].index = 5;
-         },
-         [](auto& r) {
-             r.inputFiles[0].index = 0;
-             r.inputFiles[1].index = 1;
          }},
-        {"the output follows the path",
-         [&](auto& r) {
-             r.outputPath = URL::fromFilePath("/videos/a.b.mp4");
-             r.output = CorvantaSdkVideoFileDescriptor::cache("elsewhere");
-         },
-         [](auto& r) { r.output = CorvantaSdkVideoFileDescriptor::custom("/videos/a.b"); }},
-        {"a bare path, dots in folders alone", [&](auto& r) { r.outputPath = url("/v.d/name"); },
-         [](auto& r) { r.output = CorvantaSdkVideoFileDescriptor::custom("/v.d/name"); }},
-        {"a hidden file's name is no extension", [&](auto& r) { r.outputPath = url("/v/.mp4"); },
-         [](auto& r) { r.output = CorvantaSdkVideoFileDescriptor::custom("/v/.mp4"); }},
-        {"an odd name is escaped", [](auto& r) { r.outputPath = URL::fromFilePath("/v/50% #1? ü.mp4"); },
-         [](auto& r) { r.output = CorvantaSdkVideoFileDescriptor::custom("/v/50%25 %231%3F ü"); }},
+        {"error and processId are left out", [](auto& r) { r.error = r.processId = "7"; },
+         [](auto& r) { r.error = r.processId = std::nullopt; }},
+        {"indices are positions", [](auto& r) { r.inputFiles[0].index = 7; },
+         [](auto& r) { r.inputFiles[0].index = 0; }},
+        {"the output follows the path", stored(URL::fromFilePath("/videos/a.b.mp4"), "elsewhere"),
+         stored(URL::fromFilePath("/videos/a.b.mp4"), "/videos/a.b")},
+        {"a bare path, dots in folders alone", at(bare), stored(bare, "/v.d/name")},
+        {"a hidden file's name is no extension", at(hidden), stored(hidden, "/v/.mp4")},
+        {"an odd name is escaped", at(odd), stored(odd, "/v/50%25 %231%3F ü")},
     };
     for (const Case& example : cases) {
         SCOPED_TRACE(example.what);
