@@ -108,6 +108,7 @@ class Soak {
         Random random;
         // What is made once and kept is no leak.
         runOne(random);
+        expect(store_->getRequests(Status::processing).empty(), "a run of a killed host goes on");
         const std::size_t descriptors = openDescriptors();
         resetPeakMemory();
         const std::size_t memory = peakMemory();
