@@ -44,7 +44,8 @@ std::optional<std::string> pathForResource(const std::string& name, const std::s
 
 std::string resourceDirectory() {
     if (const char* chosen = std::getenv("CORVANTA_RESOURCES"); chosen != nullptr && *chosen != '\0') {
-        return chosen;
+        std::error_code ignored;
+        return fs::absolute(chosen, ignored).string();
     }
     return installedResources().string();
 }

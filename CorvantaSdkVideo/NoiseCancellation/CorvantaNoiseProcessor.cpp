@@ -24,7 +24,11 @@ unsigned samplesPerFrame(unsigned sampleRate, unsigned frameDuration) {
 }
 
 std::string modelPath(const std::string& modelName) {
-    return Bundle::pathForResource(modelName, {}).value_or(Bundle::resourceDirectory() + "/" + modelName);
+    const std::string folder = Bundle::resourceDirectory();
+    if (folder.empty()) {
+        fatalError("Unexpectedly found nil while unwrapping an Optional value");
+    }
+    return folder + "/" + modelName;
 }
 
 } // namespace

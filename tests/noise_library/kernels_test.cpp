@@ -169,8 +169,9 @@ TEST(VectorFunctionsDeathTest, EndOnSizesThatDontFit) {
     std::vector<float> const two{1, 2};
     std::vector<float> out;
     std::vector<std::complex<float>> complexOut;
+    std::vector<float> both = two;
     EXPECT_DEATH(vectorMultVector(one, two, out), "v1.size\\(\\)==v2.size\\(\\)");
-    EXPECT_DEATH(vectorPlusVector(one, two, out), "v1Size==v2Size && v1Size==outSize && v1Size!=0");
+    EXPECT_DEATH(vectorPlusVector(one, both, both), "v1Size==v2Size && v1Size==outSize && v1Size!=0");
     EXPECT_DEATH(affectV1ByReluAddV2(one, two, out), "v1Size == v2Size && v1Size == outSize && v1Size != 0");
     EXPECT_DEATH(vectorSquare(nullptr, 1, out.data(), 1), "v1_ptr != nullptr && out_ptr != nullptr");
     EXPECT_DEATH(vectorSymetricSumWithCoefficient({1, 2, 3}, two, {1, 2, 3}, out),

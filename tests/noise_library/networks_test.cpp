@@ -17,7 +17,6 @@ struct PassParams {
 };
 
 TEST(PassesDeathTest, EndOnSizesThatDontFit) {
-    PassBuffers buffers;
     std::vector<float> state{0.5f};
     std::vector<float> two{1, 2};
     std::vector<float> one{1};
@@ -25,22 +24,21 @@ TEST(PassesDeathTest, EndOnSizesThatDontFit) {
     params.weight_wnl = {Matrix(2, 1)};
     params.weight_bnl = {{0}};
     EXPECT_DEATH(
-        calcRMForwardProp_GRU_Modify(state, two, params, buffers),
+        calcRMForwardProp_GRU_Modify(state, two, params),
         "params.weight_wgru.rowSize\\(\\) == inOut.size\\(\\) && params.weight_wgru.colSize\\(\\) == "
         "params.weight_bgru.size\\(\\)");
-    EXPECT_DEATH(calcRMForwardProp_GRU_VAD_Modify(state, one, params, buffers),
-                 "i==params.weight_wl.size\\(\\)-1");
+    EXPECT_DEATH(calcRMForwardProp_GRU_VAD_Modify(state, one, params), "i==params.weight_wl.size\\(\\)-1");
     EXPECT_DEATH(
-        calcRMForwardProp_DNN(one, params, buffers),
+        calcRMForwardProp_DNN(one, params),
         "params.weight_wl.size\\(\\) == params.weight_wnl.size\\(\\) && params.weight_wl.size\\(\\) == "
         "params.weight_bl.size\\(\\)");
     params.weight_bl = {{0}};
-    EXPECT_DEATH(calcRMForwardProp_RNN(state, one, params, buffers),
+    EXPECT_DEATH(calcRMForwardProp_RNN(state, one, params),
                  "params.weight_wnl.size\\(\\)-1 <= params.weight_wl.size\\(\\)");
     params.weight_wnl.insert(params.weight_wnl.begin(), Matrix(2, 2));
     params.weight_bnl.insert(params.weight_bnl.begin(), {0, 0});
     params.weight_wl = {Matrix(2, 1)};
-    EXPECT_DEATH(calcRMForwardProp_RNN(state, one, params, buffers), "weight_wnl\\[i\\].colSize");
+    EXPECT_DEATH(calcRMForwardProp_RNN(state, one, params), "weight_wnl\\[i\\].colSize");
 }
 
 } // namespace

@@ -61,7 +61,7 @@ TEST(Settings, HoldSizesToWhatAListOfFramesOrBandsCanBe) {
                                   {"BACKGROUND_SPEAKER_FIX_RUN_MIN_LEN", "-2"}})
                              .settings;
     EXPECT_EQ(odd.backgroundSpeaker.runFrameCount, 1u);
-    EXPECT_EQ(odd.backgroundSpeaker.runMinLen, 0u);
+    EXPECT_EQ(odd.backgroundSpeaker.runMinLen, SIZE_MAX - 1);
     EXPECT_EQ(odd.compressRate, 0u);
 }
 

@@ -60,4 +60,22 @@ TEST(Threads, SessionsOfOneModelRunBesideEachOtherAndBesideChanges) {
     EXPECT_THAT(results, testing::Each(expected));
 }
 
+TEST(Threads, OneOfTwoThatCloseASessionDoesIt) {
+    LibraryScope const library;
+    ASSERT_EQ(library.setModel("model", makeModel("0.0.3")), 0);
+    testing::internal::CaptureStdout(); // what the later one is told
+    testing::internal::CaptureStderr();
+    for (int i = 0; i < 50; ++i) {
+        void* const session = open("model");
+        int first = 0;
+        std::thread beside([&] { first = talvoAudioNcCloseSession(session); });
+        int const second = talvoAudioNcCloseSession(session);
+        beside.join();
+        EXPECT_NE(first == 0, second == 0);
+        EXPECT_THAT(first + second, testing::AnyOf(1, -3));
+    }
+    testing::internal::GetCapturedStdout();
+    testing::internal::GetCapturedStderr();
+}
+
 } // namespace

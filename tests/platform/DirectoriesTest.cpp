@@ -52,6 +52,8 @@ TEST(DirectoriesTest, Resources) {
         const ScopedVariable chosen("CORVANTA_RESOURCES", directory.path().string());
         EXPECT_EQ(Bundle::pathForResource("a", "b"), directory.file("a.b"));
         EXPECT_FALSE(Bundle::pathForResource("version", "properties"));
+        const ScopedVariable relative("CORVANTA_RESOURCES", fs::relative(directory.path()).string());
+        EXPECT_EQ(fs::path(Bundle::resourceDirectory()).lexically_normal(), directory.path());
     }
     for (const auto& unset : {std::optional<std::string>(), std::optional<std::string>("")}) {
         const ScopedVariable chosen("CORVANTA_RESOURCES", unset);

@@ -107,7 +107,8 @@ void BackgroundSpeakerSettings::read(SettingReader const& reader) {
     // Held to what a list of frames can be; a NaN counts as one.
     float const frames = reader.number("BACKGROUND_SPEAKER_FIX_RUN_FRAME_COUNT", 40.0f);
     runFrameCount = frames >= 1.0f ? static_cast<std::size_t>(std::min(frames, 1e6f)) : 1;
-    runMinLen = static_cast<std::size_t>(std::max(reader.whole("BACKGROUND_SPEAKER_FIX_RUN_MIN_LEN", 2), 0));
+    // A negative one is beyond any length, so that the window never shrinks.
+    runMinLen = static_cast<std::size_t>(reader.whole("BACKGROUND_SPEAKER_FIX_RUN_MIN_LEN", 2));
     utteranceLen = reader.number("BACKGROUND_SPEAKER_FIX_UTTERANCE_LEN", 2.0f);
     varWindMode = reader.flag("BACKGROUND_SPEAKER_FIX_VAR_WIND_MODE", true);
 }

@@ -20,6 +20,11 @@ class VadCleaner_v0_0_1 : public NoiseCleaner {
     /// One frame in; the vector out holds one element, the probability.
     bool cleanNoise(std::vector<float>& inOutVector) override;
 
+    /// The probability of one frame of the model's length, before the state may be reset.
+    float probabilityCalc(float const* data, std::size_t dataSize);
+    /// Forgets the state once speech has been long enough away, by the network's last result.
+    void state_reset_functionality(float rawOutput);
+
     /// Brings the input to the level the network was trained at, whatever the microphone's gain.
     class AvcVol {
       public:
@@ -50,8 +55,6 @@ class VadCleaner_v0_0_1 : public NoiseCleaner {
         std::shared_ptr<UTILS::FFT> fftCalculatorPtr;
     };
 
-    float probabilityCalc(float const* data, std::size_t dataSize);
-    void state_reset_functionality(float rawOutput);
     float calibrated(float probability) const;
 
     Params params_;

@@ -172,9 +172,7 @@ TalvoAudioSessionT* TalvoAudioInstanceT::createSession(TalvoAudioSamplingRate in
 }
 
 TalvoAudioSessionType TalvoAudioInstanceT::getSessionType(void const* session) const {
-    if (!isSessionTrue(session))
-        return TalvoAudioSessionType::unknown;
-    return static_cast<TalvoAudioSessionT const*>(session)->getType();
+    return sessions_.typeOf(session);
 }
 
 bool TalvoAudioInstanceT::destroySession(void* session) {

@@ -13,6 +13,7 @@ TalvoAudioSessionT* SessionList::add(std::unique_ptr<TalvoAudioSessionT> session
         link.store(&*free, std::memory_order_release);
     }
     free->owned = std::move(session);
+    free->type.store(free->owned->getType(), std::memory_order_relaxed);
     free->visible.store(free->owned.get(), std::memory_order_release);
     return free->owned.get();
 }
@@ -34,13 +35,18 @@ void SessionList::clear() {
     }
 }
 
-bool SessionList::holds(void const* session) const {
+TalvoAudioSessionType SessionList::typeOf(void const* session) const {
+    Place const* const place = placeOf(session);
+    return place == nullptr ? TalvoAudioSessionType::unknown : place->type.load(std::memory_order_relaxed);
+}
+
+SessionList::Place const* SessionList::placeOf(void const* session) const {
     if (session == nullptr)
-        return false;
+        return nullptr;
     Place const* place = first_.load(std::memory_order_acquire);
     while (place != nullptr && place->visible.load(std::memory_order_acquire) != session)
         place = place->next.load(std::memory_order_acquire);
-    return place != nullptr;
+    return place;
 }
 
 } // namespace TALVO::TALVO_AUDIO

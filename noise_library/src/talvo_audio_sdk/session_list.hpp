@@ -17,15 +17,20 @@ class SessionList {
     TalvoAudioSessionT* add(std::unique_ptr<TalvoAudioSessionT> session);
     /// False when the list doesn't hold it.
     bool remove(void const* session);
-    bool holds(void const* session) const;
+    bool holds(void const* session) const { return placeOf(session) != nullptr; }
+    /// Unknown for what the list doesn't hold. The session itself isn't touched: it may be closed meanwhile.
+    TalvoAudioSessionType typeOf(void const* session) const;
     void clear();
 
   private:
     struct Place {
         std::atomic<TalvoAudioSessionT*> visible = nullptr;
         std::atomic<Place*> next = nullptr;
+        std::atomic<TalvoAudioSessionType> type = TalvoAudioSessionType::unknown;
         std::unique_ptr<TalvoAudioSessionT> owned;
     };
+
+    Place const* placeOf(void const* session) const;
 
     std::deque<Place> places_;
     std::atomic<Place*> first_ = nullptr;

@@ -16,10 +16,10 @@ void matMulPlusB(std::vector<float> const& vec, Matrix const& mat, std::vector<f
                  std::vector<float>& out);
 void matMulPlusB(float const* vecData, std::size_t vecSize, Matrix const& mat, std::vector<float> const& b,
                  std::vector<float>& out);
-/// The bias is one row or one column, as long as the output that the caller has sized.
+/// The bias is one row or one column, as long as the output.
 void matMulPlusB(std::vector<float> const& vec, Matrix const& mat, Matrix const& b, std::vector<float>& out);
 
-/// out[r] = b[r] + sum over c of vec[c] * mat[r][c], r outer; the caller has sized the output.
+/// out[r] = b[r] + sum over c of vec[c] * mat[r][c], r outer.
 void matMulPlusB(Matrix const& mat, std::vector<float> const& vec, std::vector<float> const& b,
                  std::vector<float>& out);
 void matMulPlusB(Matrix const& mat, float const* vecData, std::size_t vecSize, std::vector<float> const& b,

@@ -55,8 +55,9 @@ void vectorPlusVector(float const* v1_ptr, std::size_t v1Size, float const* v2_p
 }
 
 void vectorPlusVector(std::vector<float> const& v1, std::vector<float> const& v2, std::vector<float>& out) {
+    std::size_t const v2Size = v2.size(); // v2 may be the output
     out.resize(v1.size());
-    vectorPlusVector(v1.data(), v1.size(), v2.data(), v2.size(), out.data(), out.size());
+    vectorPlusVector(v1.data(), v1.size(), v2.data(), v2Size, out.data(), out.size());
 }
 
 void vectorMinusVector(float const* v1_ptr, std::size_t v1Size, float const* v2_ptr, std::size_t v2Size,
@@ -70,8 +71,9 @@ void vectorMinusVector(float const* v1_ptr, std::size_t v1Size, float const* v2_
 }
 
 void vectorMinusVector(std::vector<float> const& v1, std::vector<float> const& v2, std::vector<float>& out) {
+    std::size_t const v2Size = v2.size(); // v2 may be the output
     out.resize(v1.size());
-    vectorMinusVector(v1.data(), v1.size(), v2.data(), v2.size(), out.data(), out.size());
+    vectorMinusVector(v1.data(), v1.size(), v2.data(), v2Size, out.data(), out.size());
 }
 
 void vectorSquare(float const* v1_ptr, std::size_t v1Size, float* out_ptr, std::size_t outSize) {
@@ -135,8 +137,9 @@ void affectV1ByReluAddV2(float const* v1_ptr, std::size_t v1Size, float const* v
 
 void affectV1ByReluAddV2(std::vector<float> const& v1, std::vector<float> const& v2,
                          std::vector<float>& out) {
+    std::size_t const v2Size = v2.size(); // v2 may be the output
     out.resize(v1.size());
-    affectV1ByReluAddV2(v1.data(), v1.size(), v2.data(), v2.size(), out.data(), out.size());
+    affectV1ByReluAddV2(v1.data(), v1.size(), v2.data(), v2Size, out.data(), out.size());
 }
 
 } // namespace TALVO::UTIL_FUNCTIONS
