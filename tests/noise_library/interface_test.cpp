@@ -9,7 +9,6 @@ namespace {
 
 using namespace noise_test;
 using testing::AllOf;
-using testing::Each;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::internal::CaptureStderr;
@@ -312,24 +311,6 @@ TEST(FrameSizes, ThatAreWrongLeaveTheStreamAsItWas) {
         EXPECT_EQ(talvoAudioNoiseDbFrameFloat(straight[2], in, 441),
                   talvoAudioNoiseDbFrameFloat(disturbed[2], in, 441));
     }
-}
-
-TEST(NoiseLevel, StartsAtTheFloorAndAgainAfterAReset) {
-    LibraryScope const library;
-    library.setModel("clean", makeModel("0.0.5"), "NIMBA_ENABLE_THRESH_CUT_v0_0_5 TRUE\n");
-    void* const session = talvoAudioNoiseDbCreateSession(samplingRate(16000), frameDuration(10), "clean");
-    std::vector<float> const speech = makeSpeech(16000, 1.0);
-    std::array<float, 160> const silence{};
-    std::vector<std::vector<float>> levels(2);
-    for (std::vector<float>& run : levels) {
-        EXPECT_EQ(talvoAudioNoiseDbFrameFloat(session, silence.data(), 160), -120.0f);
-        for (std::size_t at = 0; at + 160 <= speech.size(); at += 160)
-            run.push_back(talvoAudioNoiseDbFrameFloat(session, speech.data() + at, 160));
-        EXPECT_THAT(run, Each(AllOf(testing::Ge(-120.0f), testing::Lt(-10.0f))));
-        EXPECT_GT(run.back(), -60.0f);
-        EXPECT_EQ(talvoAudioNoiseDbResetSession(session), 1);
-    }
-    EXPECT_EQ(levels[0], levels[1]);
 }
 
 } // namespace

@@ -9,6 +9,8 @@
 #include <memory>
 #include <thread>
 
+#include <unistd.h>
+
 namespace corvanta::test {
 namespace {
 
@@ -78,6 +80,8 @@ TEST(FFmpegKitCancelTest, AllSessionsOfBothTools) {
 
 TEST(FFmpegKitCancelTest, FromManyThreadsWhileRunsEndByThemselves) {
     const FakeProgram fake(ffmpegVariable, "exit 0");
+    ASSERT_EQ(SessionProbe("").wait(), 0);
+    const std::size_t descriptors = openDescriptors();
     std::vector<std::unique_ptr<SessionProbe>> runs;
     {
         std::vector<std::jthread> threads;
@@ -100,6 +104,8 @@ TEST(FFmpegKitCancelTest, FromManyThreadsWhileRunsEndByThemselves) {
     for (const auto& run : runs) {
         EXPECT_EQ(run->completions(), 1);
     }
+    EXPECT_TRUE(eventually([] { return childrenOf(getpid()).empty(); }));
+    EXPECT_TRUE(eventually([&] { return openDescriptors() == descriptors; })) << openDescriptors();
 }
 
 TEST(FFmpegKitCancelTest, CallbacksMayStartAndCancelSessions) {
