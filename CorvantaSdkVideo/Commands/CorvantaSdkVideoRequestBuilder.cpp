@@ -54,6 +54,7 @@ CorvantaSdkVideoRequest::Status published(LocalVideoRequest::Status status) {
 
 std::vector<URL> inputPaths(const LocalVideoRequest& localRequest) {
     std::vector<URL> paths;
+    paths.reserve(localRequest.inputFiles.size());
     for (const LocalVideoRequestFile& file : localRequest.inputFiles) {
         paths.push_back(file.path);
     }

@@ -15,6 +15,7 @@ using Error = CorvantaSdkVideoError;
 std::vector<CorvantaSdkVideoMergeVideoTrack>
 mergeTracks(const std::vector<CorvantaSdkVideoEncodeVideoEntry>& videoTracks) {
     std::vector<CorvantaSdkVideoMergeVideoTrack> tracks;
+    tracks.reserve(videoTracks.size());
     for (const CorvantaSdkVideoEncodeVideoEntry& entry : videoTracks) {
         tracks.push_back({{{0, entry.entryIndex}}, entry.width, entry.height});
     }
@@ -23,6 +24,7 @@ mergeTracks(const std::vector<CorvantaSdkVideoEncodeVideoEntry>& videoTracks) {
 
 std::vector<CorvantaSdkVideoMergeAudioTrack> mergeTracks(const std::vector<std::int64_t>& audioTracks) {
     std::vector<CorvantaSdkVideoMergeAudioTrack> tracks;
+    tracks.reserve(audioTracks.size());
     for (const std::int64_t entryIndex : audioTracks) {
         tracks.push_back({{{0, entryIndex}}});
     }
