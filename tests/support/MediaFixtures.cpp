@@ -77,19 +77,6 @@ void turn(const std::string& path, int rotation) {
 
 } // namespace
 
-TemporaryDirectory::TemporaryDirectory() {
-    std::string pattern = std::filesystem::temp_directory_path() / "corvanta-test-XXXXXX";
-    if (mkdtemp(pattern.data()) == nullptr) {
-        throw std::system_error(errno, std::generic_category(), pattern);
-    }
-    path_ = pattern;
-}
-
-TemporaryDirectory::~TemporaryDirectory() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-}
-
 std::string makeClip(const Clip& clip) {
     static std::mutex mutex;
     static TemporaryDirectory directory;

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "support/TemporaryDirectory.hpp"
+
 #include <CorvantaSdkVideo/Shared/Models/CorvantaSdkVideoInformation.hpp>
 
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,22 +11,6 @@
 
 /// Small media files made by ffmpeg, and what a test reads back from the files that the module wrote.
 namespace corvanta::test {
-
-/// A new empty directory that goes with its contents when the object goes.
-class TemporaryDirectory {
-  public:
-    TemporaryDirectory();
-    TemporaryDirectory(const TemporaryDirectory&) = delete;
-    TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
-    ~TemporaryDirectory();
-
-    const std::filesystem::path& path() const { return path_; }
-    /// The plain path of a name in it; nothing is made there.
-    std::string file(std::string_view name) const { return path_ / name; }
-
-  private:
-    std::filesystem::path path_;
-};
 
 /// One video stream. `source` is a lavfi source without size, rate and duration: "testsrc2", "smptebars",
 /// "color=c=red".

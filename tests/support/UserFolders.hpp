@@ -1,11 +1,10 @@
 #pragma once
 
 #include "support/ScopedVariable.hpp"
+#include "support/TemporaryDirectory.hpp"
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <stdexcept>
 #include <string>
 
 namespace corvanta::test {
@@ -15,14 +14,8 @@ namespace corvanta::test {
 class UserFolders {
   public:
     explicit UserFolders(const std::filesystem::path& base = std::filesystem::temp_directory_path())
-        : root_(madeIn(base)) {
+        : root_(base) {
         std::filesystem::create_directory(folder());
-    }
-    UserFolders(const UserFolders&) = delete;
-    UserFolders& operator=(const UserFolders&) = delete;
-    ~UserFolders() {
-        std::error_code ignored;
-        std::filesystem::remove_all(root_, ignored);
     }
 
     /// A base whose files lie in memory, for tests that would wait long for a disk.
@@ -31,7 +24,7 @@ class UserFolders {
     }
 
     /// An empty folder that is none of the module's.
-    std::filesystem::path folder() const { return root_ / "folder"; }
+    std::filesystem::path folder() const { return root_.path() / "folder"; }
     std::string file(const std::string& name) const { return folder() / name; }
 
     /// Writes a small file and gives its path.
@@ -41,17 +34,9 @@ class UserFolders {
     }
 
   private:
-    static std::filesystem::path madeIn(const std::filesystem::path& base) {
-        std::string name = (base / "corvanta-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr) {
-            throw std::runtime_error("No temporary folder: " + name);
-        }
-        return name;
-    }
-
-    std::filesystem::path root_;
-    ScopedVariable data_{"XDG_DATA_HOME", root_ / "data"};
-    ScopedVariable cache_{"XDG_CACHE_HOME", root_ / "cache"};
+    TemporaryDirectory root_;
+    ScopedVariable data_{"XDG_DATA_HOME", root_.file("data")};
+    ScopedVariable cache_{"XDG_CACHE_HOME", root_.file("cache")};
 };
 
 } // namespace corvanta::test

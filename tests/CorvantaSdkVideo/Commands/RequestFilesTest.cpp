@@ -21,7 +21,6 @@ namespace {
 namespace asio = boost::asio;
 namespace fs = std::filesystem;
 using namespace test;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using Status = CorvantaSdkVideoRequest::Status;
 using RequestPointer = std::shared_ptr<CorvantaSdkVideoRequest>;
@@ -92,16 +91,8 @@ TEST_F(RequestFilesTest, JoinsLikeClips) {
         const std::string blue = makeClip(coloured("blue", 2, container));
         EXPECT_TRUE(runBlocking(CorvantaSdkVideo->canConcat(files({red, blue}))));
         const RequestPointer request = concat({red, blue}, container);
-        std::vector<Status> seen;
-        const auto subscription =
-            CorvantaSdkVideo->streamRequest(request->id).subscribe([&seen](const RequestPointer& stored) {
-                seen.push_back(stored->status);
-            });
         const std::string output = runBlocking(request->process()).videoURL.path();
         EXPECT_EQ(output, directory_.file(container + "." + container));
-        EXPECT_THAT(seen,
-                    ElementsAre(Status::idle, Status::processing, Status::processing, Status::complete));
-
         const auto information = probed(output);
         EXPECT_NEAR(static_cast<double>(information.durationMillis), 3000, 50);
         EXPECT_EQ(information.videos, probed(red).videos);
@@ -147,10 +138,8 @@ TEST_F(RequestFilesTest, SeesWhatKeepsClipsFromBeingJoined) {
     const std::string audios = "invalidInputFiles(differentAudioTracks)";
     for (const auto& [different, reason] :
          {std::pair(turned, videos),
-          {clip("-c:v mpeg4 -c:a pcm_s16le"), videos},
           {clip(x264 + "-tag:v avc3 -c:a pcm_s16le"), videos},
           {clip(x264 + "-c:a pcm_s24le"), audios},
-          {clip(x264 + "-c:a pcm_s16le -ar 44100"), audios},
           {clip(x264 + "-c:a pcm_s16le", "mkv"), std::string("invalidInputFiles(differentFormats)")}}) {
         const std::string first = makeClip(plain);
         const std::string second = makeClip(different);

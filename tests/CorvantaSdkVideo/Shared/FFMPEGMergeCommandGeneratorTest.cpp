@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <regex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -52,15 +53,24 @@ std::string scriptFor(const Request& request) {
     return command.script;
 }
 
-const std::string fit320x240 = "scale='if(gt(iw/ih,320/240),320,-2)':'if(gt(iw/ih,320/240),-2,240)',"
-                               "pad=320:240:(ow-iw)/2:(oh-ih)/2,setsar=1";
-const std::string fit64x36 = "scale='if(gt(iw/ih,64/36),64,-2)':'if(gt(iw/ih,64/36),-2,36)',"
-                             "pad=64:36:(ow-iw)/2:(oh-ih)/2,setsar=1";
-const std::string sound = "aformat=sample_fmts=fltp:sample_rates=44100:channel_layouts=stereo";
-const std::string audioMap = " -c:a aac -ar 44100 -ac 2 ";
-
-std::string videoMap(const std::string& rate = "30") {
-    return " -c:v mpeg4 -pix_fmt yuv420p -r " + rate + " ";
+// Writes out what stands often in a script, all of which the first golden case has in full: the labels of the
+// second video of track 0, "[v0-1]", of the whole track, "[v0]", and of a filler of its sound, "[rest0-1]";
+// FIT(width,height), SOUND, VIDEO(rate), AUDIO.
+std::string written(std::string text) {
+    for (const auto& [pattern, meant] : std::vector<std::pair<std::string, std::string>>{
+             {R"(\[v(\d)-(\d)\])", "[v_track$1_video$2]"},
+             {R"(\[a(\d)-(\d)\])", "[a_track$1_audio$2]"},
+             {R"(\[rest(\d)-(\d)\])", "[a_track$1_audio$2_rest]"},
+             {R"(\[([va])(\d)\])", "[$1_track$2]"},
+             {R"(FIT\((\d+),(\d+)\))", "scale='if(gt(iw/ih,$1/$2),$1,-2)':'if(gt(iw/ih,$1/$2),-2,$2)',"
+                                       "pad=$1:$2:(ow-iw)/2:(oh-ih)/2,setsar=1"},
+             {"SOUND", "aformat=sample_fmts=fltp:sample_rates=44100:channel_layouts=stereo"},
+             {R"(VIDEO\((\d+)\))", "-c:v mpeg4 -pix_fmt yuv420p -r $1"},
+             {"AUDIO", "-c:a aac -ar 44100 -ac 2"},
+         }) {
+        text = std::regex_replace(text, std::regex(pattern), meant);
+    }
+    return text;
 }
 
 struct GoldenCase {
@@ -75,7 +85,6 @@ std::vector<GoldenCase> goldenCases() {
     const auto blind = file("/v/blind.mp4", 900, {}, {audio(0, 900)});
     const auto rich = file("/v/rich.mp4", 4000, {video(0, 320, 240, 4000), video(3, 64, 36, 4000)},
                            {audio(1, 4000), audio(5, 4000)});
-    const auto matroska = file("/v/m.mkv", 10000, {video(0, 320, 240, 0)}, {audio(1, 0)});
     return {
         {"a short sound and a file without any",
          {.files = {file("/v/a.mp4", 5000, {video(0, 1920, 1080, 5000)}, {audio(1, 4900)}),
@@ -97,24 +106,19 @@ std::vector<GoldenCase> goldenCases() {
          R"(" -map "[v_track0]" -c:v mpeg4 -pix_fmt yuv420p -r 30 )"
          R"(-map "[a_track0]" -c:a aac -ar 44100 -ac 2 -preset medium  "/tmp/out.mp4")"},
         {"nothing at all", {}, ""},
-        {"files without streams", {.files = {file("/v/x.mp4", 5000, {}, {})}}, ""},
         {"selections of files that are not there",
          {.files = {a}, .videoTracks = {{{{1, 0}, {-1, 0}}, {}, {}}}, .audioTracks = {{{{INT64_MAX, 1}}}}},
          ""},
         {"only sound, the rate unused",
          {.files = {blind}, .rate = CorvantaSdkVideoFrameRate::unknown},
-         R"(-y -i "file:///v/blind.mp4" -filter_complex "[0:a:0])" + sound +
-             R"([a_track0_audio0];[a_track0_audio0]concat=n=1:v=0:a=1[a_track0]" -map "[a_track0]")" +
-             audioMap + R"(-preset medium  "/tmp/out.mp4")"},
+         R"(-y -i "file:///v/blind.mp4" -filter_complex "[0:a:0]SOUND[a0-0];[a0-0]concat=n=1:v=0:a=1[a0]")"
+         R"( -map "[a0]" AUDIO -preset medium  "/tmp/out.mp4")"},
         {"only pictures, a black filler, an unknown rate",
          {.files = {mute, file("/v/short.mp4", 500, {video(0, 64, 36, 499)}, {})},
           .rate = CorvantaSdkVideoFrameRate::unknown},
-         R"(-y -i "file:///v/mute.mp4" -i "file:///v/short.mp4" -filter_complex "[0:v:0])" + fit320x240 +
-             "[v_track0_video0];[1:v:0]" + fit320x240 +
-             "[v_track0_video1];color=c=black:s=320x240:d=1ms[v_track0_video2];"
-             "[v_track0_video0][v_track0_video1][v_track0_video2]concat=n=3:v=1:a=0[v_track0]\""
-             " -map \"[v_track0]\"" +
-             videoMap("0") + R"(-preset medium  "/tmp/out.mp4")"},
+         R"(-y -i "file:///v/mute.mp4" -i "file:///v/short.mp4" -filter_complex ")"
+         "[0:v:0]FIT(320,240)[v0-0];[1:v:0]FIT(320,240)[v0-1];color=c=black:s=320x240:d=1ms[v0-2];"
+         R"([v0-0][v0-1][v0-2]concat=n=3:v=1:a=0[v0]" -map "[v0]" VIDEO(0) -preset medium  "/tmp/out.mp4")"},
         {"a selection: another order, a wrong stream, a wrong file, a track left empty, an own width",
          {.files = {a, rich},
           .width = 128,
@@ -122,44 +126,35 @@ std::vector<GoldenCase> goldenCases() {
           .videoTracks = {{{{9, 0}}, {}, {}}, {{{1, 3}, {2, 0}, {0, 7}, {1, 0}}, 64, {}}},
           .audioTracks = {{{{1, 5}, {0, 0}}}, {}},
           .rate = CorvantaSdkVideoFrameRate::sixtyFps},
-         R"(-y -i "file:///v/a.mp4" -i "file:///v/rich.mp4" -filter_complex "[1:v:1])" + fit64x36 +
-             "[v_track0_video0];color=c=black:s=64x36:d=5000ms[v_track0_video1];[1:v:0]" + fit64x36 +
-             "[v_track0_video2];[v_track0_video0][v_track0_video1][v_track0_video2]"
-             "concat=n=3:v=1:a=0[v_track0];[1:a:1]" +
-             sound +
-             "[a_track0_audio0];aevalsrc=0:s=44100:d=5000ms[a_track0_audio1_rest];"
-             "[a_track0_audio1_rest]" +
-             sound +
-             "[a_track0_audio1];[a_track0_audio0][a_track0_audio1]concat=n=2:v=0:a=1[a_track0]\""
-             " -map \"[v_track0]\"" +
-             videoMap("60") + "-map \"[a_track0]\"" + audioMap + R"(-preset medium  "/tmp/out.mp4")"},
-        {"a file listed twice, blanks and escapes in the names",
-         {.files = {file("/v/my clip.mp4", 500, {video(0, 320, 240, 500)}, {}), mute,
-                    file("/v/my clip.mp4", 500, {video(0, 320, 240, 500)}, {})},
+         R"(-y -i "file:///v/a.mp4" -i "file:///v/rich.mp4" -filter_complex ")"
+         "[1:v:1]FIT(64,36)[v0-0];color=c=black:s=64x36:d=5000ms[v0-1];[1:v:0]FIT(64,36)[v0-2];"
+         "[v0-0][v0-1][v0-2]concat=n=3:v=1:a=0[v0];"
+         "[1:a:1]SOUND[a0-0];aevalsrc=0:s=44100:d=5000ms[rest0-1];[rest0-1]SOUND[a0-1];"
+         R"([a0-0][a0-1]concat=n=2:v=0:a=1[a0]" -map "[v0]" VIDEO(60) -map "[a0]" AUDIO )"
+         R"(-preset medium  "/tmp/out.mp4")"},
+        {"two tracks of a kind, a file listed twice, blanks in the names",
+         {.files = {file("/v/my clip.mp4", 500, {video(0, 320, 240, 500), video(1, 64, 36, 500)}, {}), mute,
+                    file("/v/my clip.mp4", 500, {video(0, 320, 240, 500), video(1, 64, 36, 500)}, {})},
           .output = "/tmp/my film.mp4"},
          R"(-y -i "file:///v/my clip.mp4" -i "file:///v/mute.mp4" -i "file:///v/my clip.mp4" )"
-         R"(-filter_complex "[0:v:0])" +
-             fit320x240 + "[v_track0_video0];[1:v:0]" + fit320x240 + "[v_track0_video1];[0:v:0]" +
-             fit320x240 +
-             "[v_track0_video2];[v_track0_video0][v_track0_video1][v_track0_video2]concat=n=3:v=1:a=0"
-             "[v_track0]\" -map \"[v_track0]\"" +
-             videoMap() + R"(-preset medium  "/tmp/my film.mp4")"},
-        {"a file of no length without the stream",
-         {.files = {a, file("/v/empty.mp4", 0, {}, {})}, .audioTracks = {{{{1, 0}}}}},
-         R"(-y -i "file:///v/a.mp4" -i "file:///v/empty.mp4" -filter_complex "[0:v:0])" + fit320x240 +
-             "[v_track0_video0];color=c=black:s=320x240:d=0ms[v_track0_video1];"
-             "[v_track0_video0][v_track0_video1]concat=n=2:v=1:a=0[v_track0];"
-             "aevalsrc=0:s=44100:d=0ms[a_track0_audio0_rest];[a_track0_audio0_rest]" +
-             sound +
-             "[a_track0_audio0];[a_track0_audio0]concat=n=1:v=0:a=1[a_track0]\""
-             " -map \"[v_track0]\"" +
-             videoMap() + "-map \"[a_track0]\"" + audioMap + R"(-preset medium  "/tmp/out.mp4")"},
+         R"(-filter_complex "[0:v:0]FIT(320,240)[v0-0];[1:v:0]FIT(320,240)[v0-1];[0:v:0]FIT(320,240)[v0-2];)"
+         "[v0-0][v0-1][v0-2]concat=n=3:v=1:a=0[v0];"
+         "[0:v:1]FIT(64,36)[v1-0];color=c=black:s=64x36:d=700ms[v1-1];[0:v:1]FIT(64,36)[v1-2];"
+         "[v1-0][v1-1][v1-2]concat=n=3:v=1:a=0[v1]"
+         R"(" -map "[v0]" VIDEO(30) -map "[v1]" VIDEO(30) -preset medium  "/tmp/my film.mp4")"},
+        {"streams longer than their file, streams that state no duration, a file of no length",
+         {.files = {file("/v/long.mp4", 900, {}, {audio(1, 1000)}),
+                    file("/v/m.mkv", 10000, {}, {audio(1, 0)}), file("/v/empty.mp4", 0, {}, {})}},
+         R"(-y -i "file:///v/long.mp4" -i "file:///v/m.mkv" -i "file:///v/empty.mp4" -filter_complex ")"
+         "[0:a:0]SOUND[a0-0];[1:a:0]SOUND[a0-1];aevalsrc=0:s=44100:d=10000ms[rest0-2];[rest0-2]SOUND[a0-2];"
+         "aevalsrc=0:s=44100:d=0ms[rest0-3];[rest0-3]SOUND[a0-3];"
+         R"([a0-0][a0-1][a0-2][a0-3]concat=n=4:v=0:a=1[a0]" -map "[a0]" AUDIO -preset medium  "/tmp/out.mp4")"},
     };
 }
 
 TEST(FFMPEGMergeCommandGenerator, WritesTheScript) {
     for (const GoldenCase& golden : goldenCases()) {
-        EXPECT_EQ(scriptFor(golden.request), golden.script) << golden.name;
+        EXPECT_EQ(scriptFor(golden.request), written(golden.script)) << golden.name;
     }
 }
 
@@ -179,7 +174,6 @@ TEST(FFMPEGMergeCommandGenerator, ComputesTheSizeOfATrack) {
         {"maxima of different files", {wide, tall}, {}, {}, {}, {}, "1920:1200"},
         {"a width alone", {wide}, 1000, {}, {}, {}, "1000:562"},
         {"a height alone", {wide, tall}, {}, 601.99, {}, {}, "961:601"},
-        {"both", {wide}, 7, 9, {}, {}, "7:9"},
         {"an own width goes first", {wide}, 640, {}, 1000, {}, "1000:562"},
         {"an own width beside an overall height", {wide}, {}, 480, 1000, {}, "1000:480"},
         {"an own height beside an overall width", {wide}, 640, {}, {}, 333, "640:333"},
@@ -219,7 +213,6 @@ TEST(FFMPEGMergeCommandGeneratorDeathTest, EndsTheProcessOnNumbersThatDoNotFit) 
         {{.files = {clip}, .width = 0x1p62}, "overflow in a multiplication"},
         {{.files = {clip}, .videoTracks = {{{{0, 0}}, {}, INT64_MIN}}}, "overflow in a multiplication"},
         {{.files = {flat}, .width = 640}, "Division by zero"},
-        {{.files = {flat}, .height = 480}, "Division by zero"},
         {{.files = {endless}}, "overflow in a subtraction"},
     };
     for (const auto& [request, message] : cases) {

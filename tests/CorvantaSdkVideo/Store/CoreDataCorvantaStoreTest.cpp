@@ -70,10 +70,8 @@ TEST_F(CoreDataCorvantaStoreTest, KeepsRequestsInTablesThatAPersonCanRead) {
                     record.inputFiles[1].path.absoluteString() + "|1||1"));
     EXPECT_THAT(query("PRAGMA user_version"), ElementsAre("1"));
     EXPECT_THAT(query("PRAGMA journal_mode"), ElementsAre("wal"));
-    EXPECT_THAT(
-        query("SELECT tbl_name || ' ' || name FROM sqlite_schema WHERE type = 'index' AND sql NOT NULL"),
-        ElementsAre("ManagedVideoRequest ManagedVideoRequest_id",
-                    "ManagedVideoRequest ManagedVideoRequest_status"));
+    EXPECT_THAT(query("SELECT name FROM sqlite_schema WHERE type = 'index' AND sql NOT NULL"),
+                ElementsAre("ManagedVideoRequest_id", "ManagedVideoRequest_status"));
     open().deleteRequest(record.id);
     EXPECT_THAT(query("SELECT count(*) FROM ManagedVideoRequestInputFile"), ElementsAre("0"));
 }
@@ -176,9 +174,8 @@ TEST_F(CoreDataCorvantaStoreTest, RefusesFilesThatAreNotItsOwnAndLeavesThemAlone
         expectRefusal(URL::fromFilePath(path));
         EXPECT_EQ(contents(), before);
     }
-    // Folders that nobody can write to, root included, and no file at all.
-    for (const char* nowhere :
-         {"file:///proc/store.sqlite", "file:///nowhere/store.sqlite", "file:///", "file:///a%00b"}) {
+    // A folder that nobody can write to, root included, and no file at all.
+    for (const char* nowhere : {"file:///proc/store.sqlite", "file:///", "file:///a%00b"}) {
         SCOPED_TRACE(nowhere);
         expectRefusal(URL::parse(nowhere).value());
     }

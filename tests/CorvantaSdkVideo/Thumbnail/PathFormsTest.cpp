@@ -31,7 +31,6 @@ std::vector<PathForm> pathForms() {
         {"back\\slash$HOME`id`;*&|"},
         {std::string(200, 'n')},
         {"-y"},
-        {"a:b"},
         {".hidden"},
         {"100%% %s"},
         // The command's text decodes an output that has been decoded before.
@@ -39,7 +38,6 @@ std::vector<PathForm> pathForms() {
         // ffmpeg's image writer counts frames with it.
         {"frame%03d", true, false},
         // A double quote ends the word.
-        {"double\"quote", false, false},
         {"\" -y \"", false, false},
         // A URL's text decodes to UTF-8 or not at all.
         {"\xff%20", false},

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+namespace corvanta::test {
+
+/// A new empty directory that goes with its contents when the object goes.
+class TemporaryDirectory {
+  public:
+    explicit TemporaryDirectory(const std::filesystem::path& base = std::filesystem::temp_directory_path()) {
+        std::string pattern = base / "corvanta-test-XXXXXX";
+        if (mkdtemp(pattern.data()) == nullptr) {
+            throw std::system_error(errno, std::generic_category(), pattern);
+        }
+        path_ = pattern;
+    }
+    TemporaryDirectory(const TemporaryDirectory&) = delete;
+    TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
+    ~TemporaryDirectory() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+
+    const std::filesystem::path& path() const { return path_; }
+    /// The plain path of a name in it; nothing is made there.
+    std::string file(std::string_view name) const { return path_ / name; }
+
+  private:
+    std::filesystem::path path_;
+};
+
+} // namespace corvanta::test
