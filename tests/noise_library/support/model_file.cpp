@@ -2,12 +2,13 @@
 
 #include "utils/crypto.hpp"
 
+#include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <numbers>
 #include <random>
+#include <utility>
 
 namespace noise_test {
 namespace {
@@ -45,6 +46,15 @@ std::string list(std::vector<T> const& items) {
     return encoded;
 }
 
+/// A record's type and value.
+std::string encoded(float value) { return raw(0) + raw(value); }
+std::string encoded(int value) { return raw(1) + raw(value); }
+std::string encoded(std::string const& value) { return raw(2) + body(value); }
+std::string encoded(std::vector<float> const& value) { return raw(3) + body(value); }
+std::string encoded(Matrix const& value) { return raw(4) + body(value); }
+std::string encoded(std::vector<std::vector<float>> const& value) { return raw(5) + list(value); }
+std::string encoded(std::vector<Matrix> const& value) { return raw(6) + list(value); }
+
 /// Random weights; a layer's gain stays near one.
 class Weights {
   public:
@@ -71,25 +81,19 @@ struct NetworkSizes {
 };
 
 void addLayers(ModelFile& model, Weights& weights, NetworkSizes const& sizes, bool outputInLinearToo) {
-    std::vector<Matrix> linear;
-    std::vector<Matrix> nonLinear;
-    std::vector<std::vector<float>> linearBias;
-    std::vector<std::vector<float>> nonLinearBias;
-    std::size_t rows = sizes.input;
-    auto const add = [&](std::size_t cols, bool both) {
-        nonLinear.push_back(weights.matrix(rows, cols));
-        nonLinearBias.push_back(weights.vector(cols, 0.0f, 0.1f));
-        if (both) {
-            linear.push_back(weights.matrix(rows, cols));
-            linearBias.push_back(weights.vector(cols, 0.0f, 0.1f));
-        }
-        rows = cols;
-    };
-    for (std::size_t const cols : sizes.hidden)
-        add(cols, true);
-    add(sizes.output, outputInLinearToo);
-    model.set("WeightLinear", linear).set("WeightNonLinear", nonLinear);
-    model.set("BaesLinear", linearBias).set("BaesNonLinear", nonLinearBias);
+    for (std::string const branch : {"Linear", "NonLinear"}) {
+        std::vector<Matrix> matrices;
+        std::vector<std::vector<float>> biases;
+        std::size_t rows = sizes.input;
+        auto const add = [&](std::size_t cols) {
+            matrices.push_back(weights.matrix(std::exchange(rows, cols), cols));
+            biases.push_back(weights.vector(cols, 0.0f, 0.1f));
+        };
+        std::ranges::for_each(sizes.hidden, add);
+        if (branch == "NonLinear" || outputInLinearToo)
+            add(sizes.output);
+        model.set("Weight" + branch, matrices).set("Baes" + branch, biases);
+    }
 }
 
 std::vector<std::vector<float>> perLayer(Weights& weights, std::vector<std::size_t> const& sizes,
@@ -102,34 +106,19 @@ std::vector<std::vector<float>> perLayer(Weights& weights, std::vector<std::size
 
 } // namespace
 
-ModelFile& ModelFile::set(std::string const& key, float value) {
-    records_[key] = raw(0) + raw(value);
+template <class T>
+ModelFile& ModelFile::set(std::string const& key, T const& value) {
+    records_[key] = encoded(value);
     return *this;
 }
-ModelFile& ModelFile::set(std::string const& key, int value) {
-    records_[key] = raw(1) + raw(value);
-    return *this;
-}
-ModelFile& ModelFile::set(std::string const& key, std::string const& value) {
-    records_[key] = raw(2) + body(value);
-    return *this;
-}
-ModelFile& ModelFile::set(std::string const& key, std::vector<float> const& value) {
-    records_[key] = raw(3) + body(value);
-    return *this;
-}
-ModelFile& ModelFile::set(std::string const& key, Matrix const& value) {
-    records_[key] = raw(4) + body(value);
-    return *this;
-}
-ModelFile& ModelFile::set(std::string const& key, std::vector<std::vector<float>> const& value) {
-    records_[key] = raw(5) + list(value);
-    return *this;
-}
-ModelFile& ModelFile::set(std::string const& key, std::vector<Matrix> const& value) {
-    records_[key] = raw(6) + list(value);
-    return *this;
-}
+template ModelFile& ModelFile::set(std::string const&, float const&);
+template ModelFile& ModelFile::set(std::string const&, int const&);
+template ModelFile& ModelFile::set(std::string const&, std::string const&);
+template ModelFile& ModelFile::set(std::string const&, std::vector<float> const&);
+template ModelFile& ModelFile::set(std::string const&, Matrix const&);
+template ModelFile& ModelFile::set(std::string const&, std::vector<std::vector<float>> const&);
+template ModelFile& ModelFile::set(std::string const&, std::vector<Matrix> const&);
+
 ModelFile& ModelFile::remove(std::string const& key) {
     records_.erase(key);
     return *this;
@@ -163,10 +152,8 @@ ModelFile makeModel(std::string const& version, ModelShape const& shape) {
     auto const preview = static_cast<std::size_t>(shape.previewFrames);
     bool const detectsVoice = version == "VAD_0.0.1";
     bool const feedForward = version == "0.0.1" || version == "0.0.2";
-    bool const compressed = version >= "0.0.4";
-    std::size_t bands = bins;
-    if (compressed)
-        bands = (static_cast<std::size_t>(shape.compressRate) + 2) * bins >> (shape.compressRate + 1);
+    // Compressed at the default rate.
+    std::size_t bands = version >= "0.0.4" ? bins / 2 : bins;
     if (detectsVoice)
         ++bands;
 
@@ -187,7 +174,7 @@ ModelFile makeModel(std::string const& version, ModelShape const& shape) {
     if (feedForward)
         model.set("HeadenMultiplier", perLayer(weights, hidden, 1.0f))
             .set("HeadenReducer", perLayer(weights, hidden, 0.0f))
-            .set("NATFrameCount", shape.noiseFrames);
+            .set("NATFrameCount", 3);
     if (version >= "0.0.5")
         model.set("WeightGRU", weights.matrix(joined, shape.stateSize))
             .set("BaesGRU", weights.vector(shape.stateSize, 0.0f, 0.1f));
@@ -201,27 +188,12 @@ ModelFile makeModel(std::string const& version, ModelShape const& shape) {
             .set("LpsEps", 100.0f);
     if (detectsVoice)
         model.set("Test_MINMAX", std::vector<float>{0.1f, 0.5f, 0.9f}).set("SD_FLOOR", 0.25f);
-    if (compressed && shape.compressRate != 2)
-        model.set("CONTROL_NIMBA_COMPRESS_RATE_v" + std::string("0_0_") + version.back(), shape.compressRate);
     return model;
 }
 
-TemporaryFolder::TemporaryFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "noise-library-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr)
-        throw std::filesystem::filesystem_error("no temporary folder",
-                                                std::error_code(errno, std::generic_category()));
-    path_ = name;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored; // a leftover folder must not fail a test
-    std::filesystem::remove_all(path_, ignored);
-}
-
 std::filesystem::path TemporaryFolder::write(std::string const& name, std::string const& content) const {
-    std::ofstream(path_ / name, std::ios::binary) << content;
-    return path_ / name;
+    std::ofstream(path() / name, std::ios::binary) << content;
+    return path() / name;
 }
 
 std::vector<float> makeSpeech(int rate, double seconds) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/TemporaryDirectory.hpp"
 #include "utils/matrix.hpp"
 
 #include <cstdint>
@@ -15,14 +16,9 @@ class ModelFile {
   public:
     using Matrix = TALVO::CONTAINERS::Matrix;
 
-    ModelFile& set(std::string const& key, float value);
-    ModelFile& set(std::string const& key, int value);
-    ModelFile& set(std::string const& key, std::string const& value);
+    /// A float, int, string or Matrix, a vector of floats, of such vectors or of matrices.
+    template <class T> ModelFile& set(std::string const& key, T const& value);
     ModelFile& set(std::string const& key, char const* value) { return set(key, std::string(value)); }
-    ModelFile& set(std::string const& key, std::vector<float> const& value);
-    ModelFile& set(std::string const& key, Matrix const& value);
-    ModelFile& set(std::string const& key, std::vector<std::vector<float>> const& value);
-    ModelFile& set(std::string const& key, std::vector<Matrix> const& value);
     ModelFile& remove(std::string const& key);
 
     /// The record stream, as a plain file holds it.
@@ -40,28 +36,17 @@ struct ModelShape {
     int sampleRate = 16000;
     int frameLength = 320;
     int previewFrames = 2;
-    int compressRate = 2;
     std::size_t stateSize = 24; ///< width of the first and the last hidden layer
     std::size_t hiddenLayers = 2;
-    int noiseFrames = 3;
 };
 
 /// A model of any version with random weights of a sensible size; the same each time.
 ModelFile makeModel(std::string const& version, ModelShape const& shape = {});
 
-/// A folder that goes with the object.
-class TemporaryFolder {
+/// A folder for models that goes with the object.
+class TemporaryFolder : public corvanta::test::TemporaryDirectory {
   public:
-    TemporaryFolder();
-    ~TemporaryFolder();
-    TemporaryFolder(TemporaryFolder const&) = delete;
-    TemporaryFolder& operator=(TemporaryFolder const&) = delete;
-
     std::filesystem::path write(std::string const& name, std::string const& content) const;
-    std::filesystem::path const& path() const { return path_; }
-
-  private:
-    std::filesystem::path path_;
 };
 
 /// Speech-like sound: harmonics in syllables over noise, on the scale of -1 to 1.
