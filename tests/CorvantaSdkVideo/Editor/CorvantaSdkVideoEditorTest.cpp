@@ -104,24 +104,20 @@ TEST_F(CorvantaSdkVideoEditorTest, KeepsTheRangeAsFarAsTheSourceCanBeCut) {
     struct Case {
         std::string name;
         Clip clip;
-        double start;
-        double end;
+        double start, end;
         std::size_t packets;
         double firstPictureAt;
     };
     const URL target = output("an output.mp4");
+    const Clip vp9{
+        .seconds = 2, .container = "webm", .codecs = "-c:v libvpx-vp9 -deadline realtime -c:a libopus"};
     const std::vector<Case> cases = {
         {"to the middle", {.seconds = 3}, 0, 1.5, 45, 0},
         {"from a key frame", {.seconds = 3}, 1, 2, 30, 0},
         {"from between key frames", {.seconds = 3}, 0.4, 3, 60, 0.6},
         {"B-frames lose the first group", {.seconds = 3, .codecs = withBFrames}, 0, 3, 60, 1},
         {"B-frames in one group lose the picture", {.seconds = 1, .codecs = withBFrames}, 0, 1, 0, 0},
-        {"vp9 in webm",
-         {.seconds = 2, .container = "webm", .codecs = "-c:v libvpx-vp9 -deadline realtime -c:a libopus"},
-         0,
-         2,
-         60,
-         0},
+        {"vp9 in webm", vp9, 0, 2, 60, 0},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -169,8 +165,7 @@ TEST_F(CorvantaSdkVideoEditorTest, ChecksBeforeItRuns) {
 
     struct Case {
         URL video;
-        double start;
-        double end;
+        double start, end;
         std::optional<Error::Case> error;
     };
     for (const Case& c : std::vector<Case>{{missing, 0, 1, Error::notFoundVideo},

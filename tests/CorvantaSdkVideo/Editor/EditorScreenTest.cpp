@@ -9,6 +9,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 namespace corvanta {
 namespace {
 
@@ -23,9 +25,8 @@ class EditorScreenTest : public test::ScreenFixture {
         QQuickItem* const picture = block("VideoPlayer");
         return eventually([&] {
             const QColor shown = colourAt(picture, picture->boundingRect().center() + fromCenter);
-            return std::abs(shown.red() - colour.red()) < 40 &&
-                   std::abs(shown.green() - colour.green()) < 40 &&
-                   std::abs(shown.blue() - colour.blue()) < 40;
+            return test::isNear({1.0 * shown.red(), 1.0 * shown.green(), 1.0 * shown.blue()},
+                                {1.0 * colour.red(), 1.0 * colour.green(), 1.0 * colour.blue()}, 40);
         });
     }
     QString text(const char* block_) const {
@@ -231,18 +232,14 @@ TEST_F(EditorScreenTest, FitsEverySize) {
             return false;
         }
         const QRectF all = QRectF(QPointF(0, 0), size).adjusted(-0.01, -0.01, 0.01, 0.01);
-        for (std::size_t index = 0; index < parts.size(); ++index) {
-            const QRectF place = onScreen(parts[index]);
-            if (!parts[index]->isVisible() || !all.contains(place) || place.height() < 15) {
-                return false;
-            }
-            for (std::size_t other = 0; other < index; ++other) {
-                if (place.adjusted(0.1, 0.1, -0.1, -0.1).intersects(onScreen(parts[other]))) {
-                    return false;
-                }
-            }
-        }
-        return true;
+        return std::ranges::all_of(parts, [&](QQuickItem* part) {
+            const QRectF place = onScreen(part);
+            const QRectF inside = place.adjusted(0.1, 0.1, -0.1, -0.1);
+            return part->isVisible() && all.contains(place) && place.height() >= 15 &&
+                   std::ranges::none_of(parts, [&](QQuickItem* other) {
+                       return other != part && inside.intersects(onScreen(other));
+                   });
+        });
     };
     for (const QSize size : {QSize(320, 568), QSize(390, 844), QSize(844, 390), QSize(1280, 1024)}) {
         window_->resize(size);
