@@ -7,6 +7,7 @@
 #include <CorvantaSdkVideo/Store/CoreData/CoreDataCorvantaStore.hpp>
 #include <platform/Directories.hpp>
 
+#include "CorvantaSdkVideo/Store/StoredRecords.hpp"
 #include "support/Failure.hpp"
 #include "support/Processes.hpp"
 #include "support/RecordedLog.hpp"
@@ -27,10 +28,10 @@ namespace corvanta::test {
 
 using RequestPointer = std::shared_ptr<CorvantaSdkVideoRequest>;
 using Type = CorvantaSdkVideoRequest::Type;
+using Stored = Status;
 inline constexpr std::array types = {Type::concat, Type::merge, Type::encode};
-using Stored = LocalVideoRequest::Status;
 
-inline std::string statusName(Stored status) {
+inline std::string statusName(Status status) {
     return std::string(name(static_cast<CorvantaSdkVideoRequestStatus>(status)));
 }
 
@@ -69,7 +70,7 @@ class NotingStore : public CoreDataCorvantaStore {
         return CoreDataCorvantaStore::getRequest(withId);
     }
 
-    std::vector<LocalVideoRequest> getRequests(Stored withStatus) override {
+    std::vector<LocalVideoRequest> getRequests(Status withStatus) override {
         failIf(failsReads);
         return CoreDataCorvantaStore::getRequests(withStatus);
     }
@@ -84,10 +85,10 @@ class NotingStore : public CoreDataCorvantaStore {
     static std::string described(const UpdateRequestData& data) {
         std::string status;
         std::string processId;
-        for (const UpdateRequestData::Field& field : data.fields) {
-            if (field.kind() == UpdateRequestData::Field::Case::status) {
+        for (const Field& field : data.fields) {
+            if (field.kind() == Field::Case::status) {
                 status = statusName(field.newStatus());
-            } else if (field.kind() == UpdateRequestData::Field::Case::processId) {
+            } else if (field.kind() == Field::Case::processId) {
                 processId = field.text() ? "pid " + *field.text() : "-pid";
             }
         }
@@ -141,25 +142,20 @@ struct EngineBench {
 
     /// A stored row like a builder's, with what is given in place of the builder's.
     LocalVideoRequest insertRow(
-        Type type, Stored status = Stored::idle, const std::optional<std::string>& processId = std::nullopt,
+        Type type, Status status = Status::idle, const std::optional<std::string>& processId = std::nullopt,
         std::optional<std::string> rawData = R"({"videoTracks":[],"audioTracks":[],"framesRate":"30"})") {
         using Operation = LocalVideoRequest::OperationType;
-        LocalVideoRequest row{.id = makeUUID(),
-                              .status = status,
-                              .outputPath = outputURL(),
-                              .output = CorvantaSdkVideoFileDescriptor::custom(output()),
-                              .type = type == Type::merge    ? Operation::merge
-                                      : type == Type::encode ? Operation::encode
-                                                             : Operation::concat,
-                              .error = std::nullopt,
-                              .inputFiles = {{input("a.mp4"), 0}, {input("b.mp4"), 1}},
-                              .rawData = std::move(rawData),
-                              .processId = std::nullopt,
-                              .createdAt = std::chrono::system_clock::now(),
-                              .updatedAt = std::chrono::system_clock::now()};
+        LocalVideoRequest row = makeRecord(status);
+        row.outputPath = outputURL();
+        row.output = CorvantaSdkVideoFileDescriptor::custom(output());
+        row.type = type == Type::merge    ? Operation::merge
+                   : type == Type::encode ? Operation::encode
+                                          : Operation::concat;
+        row.inputFiles = {{input("a.mp4"), 0}, {input("b.mp4"), 1}};
+        row.rawData = std::move(rawData);
         store->insert(row);
         if (processId) {
-            store->updateRequest(row.id, {{UpdateRequestData::Field::processId(processId)}});
+            store->updateRequest(row.id, {{Field::processId(processId)}});
         }
         executor->notes->clear();
         return row;
