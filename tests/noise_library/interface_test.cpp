@@ -127,9 +127,7 @@ TEST(CreateSession, ChoosesTheClassAndRefusesTheRest) {
     library.setModel("headless", makeModel("0.0.5").set("WeightNonLinear", std::vector<ModelFile::Matrix>()));
     struct Case {
         char const* model;
-        int in;
-        int out;
-        int duration;
+        int in, out, duration;
         char const* kinds; ///< those that open: c(leaning), v(oice), l(evel)
         char const* error; ///< of a cleaning session
     };

@@ -9,8 +9,7 @@ using namespace TALVO::UTILS;
 
 TEST(Path, Normalizes) {
     struct Case {
-        wchar_t const* path;
-        wchar_t const* normal;
+        wchar_t const *path, *normal;
         bool absolute;
     };
     for (Case const& c : {Case{L"", L"", false},
@@ -36,9 +35,7 @@ TEST(Path, Normalizes) {
 
 TEST(Path, TakesAFolderInFront) {
     struct Case {
-        wchar_t const* path;
-        wchar_t const* prefix;
-        wchar_t const* joined;
+        wchar_t const *path, *prefix, *joined;
         bool changed;
     };
     for (Case const& c : {Case{L"a", L"/w", L"/w/a", true},
@@ -55,10 +52,8 @@ TEST(Path, TakesAFolderInFront) {
 
 TEST(Path, TellsStemAndExtension) {
     struct Case {
-        wchar_t const* path;
-        wchar_t const* stem;
-        wchar_t const* extension; ///< of the last component
-        wchar_t const* textBehindDot;
+        wchar_t const *path, *stem;
+        wchar_t const *extensionOfName, *textBehindDot;
     };
     for (Case const& c : {Case{L"/m/voice.v2.tw", L"voice.v2", L"tw", L"tw"},
                           {L"voice.nmw", L"voice", L"nmw", L"nmw"},
@@ -68,7 +63,7 @@ TEST(Path, TellsStemAndExtension) {
                           {L"/m/voice.", L"voice", L"", L""},
                           {L"", L"", L"", L""}}) {
         EXPECT_EQ(getFileName(c.path), c.stem);
-        EXPECT_EQ(Path(c.path).getFileExtension(), c.extension);
+        EXPECT_EQ(Path(c.path).getFileExtension(), c.extensionOfName);
         EXPECT_EQ(getFileExtension(c.path), c.textBehindDot);
     }
 }

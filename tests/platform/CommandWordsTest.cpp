@@ -8,12 +8,8 @@ namespace {
 using Words = std::vector<std::string>;
 
 TEST(CommandWordsTest, Splitting) {
-    struct Case {
-        std::string_view command;
-        Words words;
-    };
-    for (const Case& expected : {
-             Case{"", {}},
+    for (const auto& [command, words] : std::vector<std::pair<std::string_view, Words>>{
+             {"", {}},
              {"   ", {}},
              {" -i  a   b ", {"-i", "a", "b"}},
              {R"(-i "a b" -c copy)", {"-i", "a b", "-c", "copy"}},
@@ -30,7 +26,7 @@ TEST(CommandWordsTest, Splitting) {
              {"/a%20b https://h/a%20b xfile:///a%20b", {"/a%20b", "https://h/a%20b", "xfile:///a%20b"}},
              {"file:", {""}},
          }) {
-        EXPECT_EQ(splitCommand(expected.command), expected.words) << expected.command;
+        EXPECT_EQ(splitCommand(command), words) << command;
     }
 }
 

@@ -18,10 +18,8 @@ TEST(DirectoriesTest, FollowTheEnvironmentAndAreMadePrivate) {
     const std::string root = home.path();
     const ScopedVariable homeVariable("HOME", root);
     struct Case {
-        std::optional<std::string> data;
-        std::optional<std::string> cache;
-        std::string dataPath;
-        std::string cachePath;
+        std::optional<std::string> data, cache;
+        std::string dataPath, cachePath;
     };
     for (const Case& expected : {
              Case{root + "/data base", root + "/c%20", root + "/data base", root + "/c%20"},

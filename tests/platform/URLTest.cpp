@@ -10,11 +10,7 @@ namespace {
 
 TEST(URLTest, Parsing) {
     struct Case {
-        const char* text;
-        const char* absolute;
-        const char* path;
-        const char* scheme;
-        const char* extension;
+        const char *text, *absolute, *path, *scheme, *extension;
     };
     for (const Case& expected : {
              Case{"/a/b.mp4", "/a/b.mp4", "/a/b.mp4", "", "mp4"},

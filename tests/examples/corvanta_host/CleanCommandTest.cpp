@@ -34,25 +34,20 @@ struct HostFolders {
 TEST(CleanCommandTest, FullDisk) {
     const HostFolders folders;
     const std::string input = makeClip({.seconds = 4, .pictures = {{.width = 640, .height = 480}}});
-    struct Case {
-        // Of 512 bytes.
-        int blocks;
-        int status;
-        std::string told;
-    };
-    for (const Case& now : std::vector<Case>{{140, 1, "unableToProcessInput"},
-                                             {254, -SIGABRT, "Fatal error: The manual rendering failed: "},
-                                             {280, 1, "could not be written"},
-                                             {100000, 0, ""}}) {
-        SCOPED_TRACE(now.blocks);
+    // By the limit in blocks of 512 bytes.
+    for (const auto& [blocks, status, told] : {std::tuple(140, 1, "unableToProcessInput"),
+                                               {254, -SIGABRT, "Fatal error: The manual rendering failed: "},
+                                               {280, 1, "could not be written"},
+                                               {100000, 0, ""}}) {
+        SCOPED_TRACE(blocks);
         const std::string limited =
-            "trap '' XFSZ; ulimit -c 0; ulimit -f " + std::to_string(now.blocks) + "; exec \"$@\"";
+            "trap '' XFSZ; ulimit -c 0; ulimit -f " + std::to_string(blocks) + "; exec \"$@\"";
         Program host("/bin/sh",
                      {"-c", limited, "sh", CORVANTA_HOST, "clean", folders.directory.file("out"), input},
                      folders.options);
-        EXPECT_EQ(host.wait(), now.status);
-        EXPECT_THAT(host.errors(), HasSubstr(now.told));
-        EXPECT_EQ(std::filesystem::exists(folders.directory.file("out.mp4")), now.status == 0);
+        EXPECT_EQ(host.wait(), status);
+        EXPECT_THAT(host.errors(), HasSubstr(told));
+        EXPECT_EQ(std::filesystem::exists(folders.directory.file("out.mp4")), status == 0);
         EXPECT_THAT(folders.leftOver(), IsEmpty());
     }
 }
