@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstdlib>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <utility>
@@ -368,6 +370,34 @@ TEST(MergeOnRealFiles, PassesOnWhatFFmpegRefuses) {
         SCOPED_TRACE(name);
         EXPECT_THAT([&] { run.into(directory.file("out.mp4")); },
                     testing::Throws<PlatformError>(PlatformError("COMPLETED", 1)));
+    }
+}
+
+// Takes minutes; the long form runs it.
+TEST(DISABLED_LargeMerge, EndsWhole) {
+    const Picture large{.source = "testsrc2", .width = 3840, .height = 2160};
+    for (const auto& [clips, count] :
+         {std::pair(std::vector<Clip>{{.seconds = 0.2}, {.seconds = 0.5, .sounds = {}}}, 200),
+          {{{.seconds = 2, .pictures = {large}}}, 3}}) {
+        SCOPED_TRACE(count);
+        const TemporaryDirectory directory;
+        MergeRun run;
+        std::int64_t total = 0;
+        for (int number = 0; number < count; ++number) {
+            // Under a name of its own, so that each is an input.
+            const std::string path = directory.file(std::to_string(number) + ".mp4");
+            std::filesystem::create_symlink(makeClip(clips[static_cast<std::size_t>(number) % clips.size()]),
+                                            path);
+            run.files.push_back(probed(path));
+            total += run.files.back().durationMillis;
+        }
+        const auto merged = run.into(directory.file("out.mp4"));
+        ASSERT_EQ(merged.videos.size(), 1U);
+        ASSERT_EQ(merged.audios.size(), 1U);
+        EXPECT_LE(std::abs(merged.videos[0].durationMillis - total), 34);
+        // AAC fills its last frame up, and nothing cuts that off: each file's sound may run 22 ms longer.
+        EXPECT_GE(merged.audios[0].durationMillis, total - 34);
+        EXPECT_LE(merged.audios[0].durationMillis, total + count * 22);
     }
 }
 
