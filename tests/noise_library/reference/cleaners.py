@@ -49,8 +49,6 @@ def groups(size, k):
 
 
 class Model:
-    """The records that every model has, under short names."""
-
     def __init__(self, weights, environment):
         self.weights, self.environment = weights, environment
         value = {key: record.value for key, record in weights.items()}
@@ -199,7 +197,6 @@ class Cleaner:
         return np.log(values + (1000 if self.version == 5 else self.model.value["LpsEps"]))
 
     def infer(self):
-        """The mask on the network's bands, from the history."""
         model, seen = self.model, self.history
         if self.version <= 2:
             seen = np.concatenate([seen, np.mean(self.noise, axis=0)])

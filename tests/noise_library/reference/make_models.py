@@ -1,8 +1,4 @@
-"""Makes small random models of every version, the same for the same seed.
-
-They clean nothing well, but they are sane: their recurrences forget, their masks use the range
-between 0 and 1, and rounding isn't magnified, so that two implementations can be compared.
-"""
+"""Small random models of every version, the same for the same seed, whose recurrences forget."""
 
 import numpy as np
 from weights import Kind, Record
@@ -13,7 +9,6 @@ DEFAULT_RATE = 2
 
 
 def setting_key(version, name, kind="clean"):
-    """The full name of a setting as a session of `kind` reads it from a model of `version`."""
     if kind == "vad":
         return f"NIMBA_VAD_{name}_v0_0_1"
     prefix = "TALVO_" if version == "0.0.5" and kind == "clean" and name != "COMPRESS_RATE" else "NIMBA_"
@@ -49,13 +44,9 @@ class _Random:
 
 def make_model(version, seed=1, rate=16000, frame_ms=20, preview=3, begin=1, end=None, hidden=(20, 26, 20),
                compress=DEFAULT_RATE, tile_mean=True, noise_frames=6, openness=0.5, minmax=True, floor=True):
-    """The records of one model.
-
-    The network sees the bins from `begin` to `end`. `compress` must be the compression rate that
-    the session will use. The last of `hidden` is the size of the state, and so must the first be.
-    `tile_mean` gives MU and SD for one frame of history in place of all; `noise_frames` is the
-    length of the noise estimate; a higher `openness` lets the mask pass more.
-    """
+    # The network sees the bins from `begin` to `end`. `compress` must be the compression rate that the session will
+    # use. The last of `hidden` is the size of the state, and so must the first be. `tile_mean` gives MU and SD for one
+    # frame of history in place of all; a higher `openness` lets the mask pass more.
     random = _Random(seed)
     voice = version.startswith("VAD")
     length = rate * frame_ms // 1000

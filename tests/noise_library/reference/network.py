@@ -32,7 +32,6 @@ def feed_forward(w, x):
 
 
 def recurrent(w, state, x):
-    """Gives the mask and the new state."""
     state = np.concatenate([state, x])
     for i in range(len(w.wnl) - 1):
         state = _relu_plus(*_branches(w, i, state))

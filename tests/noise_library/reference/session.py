@@ -10,8 +10,6 @@ _FLOATS = ctypes.POINTER(ctypes.c_float)
 
 
 class Resampler:
-    """Rate conversion, frame by frame, over libresample."""
-
     SPARE = 1024
     _library = None
 
@@ -91,7 +89,6 @@ class Session:
         return np.trunc(x).astype(np.int16) if samples.dtype == np.int16 else x
 
     def reset(self):
-        """For the noise level only."""
         self.cleaner.start()
         self.resampler_in.reset()
         self.resampler_out.reset()
