@@ -62,8 +62,9 @@ def _produce(queue, folder, seed, shape, size, reuse):
                 queue.put(made, timeout=5)
                 break
             except queues.Full:
-                # Training that was killed leaves nobody to take anything.
+                # Training that was killed leaves nobody to take anything, nor what still waits to be sent.
                 if not parent_process().is_alive():
+                    queue.cancel_join_thread()
                     return
 
 

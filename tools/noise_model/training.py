@@ -22,6 +22,7 @@ KEPT_BATCHES = 24  # batches that are trained on once more, later
 RATE_LOW, WARM_UP = 1e-5, 300
 CLIP, DECAY, AVERAGE = 0.5, 1e-4, 0.999
 SNR_WEIGHT, SNR_CEILING = 0.02, 1e-5
+CLEAN_SNR, CLEAN_WEIGHT = 1e-3, 2.0  # clips with less noise than this beside their speech, and what they count
 FEATURE_NOISE = 0.08
 DEVELOPMENT_CLIPS, CLEAN_CLIPS, DEVELOPMENT_SECONDS = 32, 24, 6.0
 KEPT_ENOUGH = 45.0  # dB; nobody hears what a clean clip loses above
@@ -33,7 +34,8 @@ def loss(mask, part):
 
     The power 0.5 of a masked magnitude is that of the magnitude times the unsquared mask, so the
     compressed terms are squares in the mask: magnitudes with speech that is missing counted twice,
-    and complex values. The third term is the error of the uncompressed spectrum in dB, clip by clip.
+    and complex values. The third term is the error of the uncompressed spectrum in dB, clip by clip;
+    there clean clips count more, whose small errors the others hardly see.
     """
     s2 = mask * mask
     magnitude = s2 * part.mix - 2 * mask * part.product + part.target
@@ -42,6 +44,8 @@ def loss(mask, part):
     error = (s2 * s2 * part.mix_energy - 2 * s2 * part.common + part.target_energy).clamp(min=0).sum(dim=(1, 2))
     energy = part.target_energy.sum(dim=(1, 2))
     decibels = 10 * torch.log10((error + SNR_CEILING * energy + 1e-4) / (energy + 1e-4))
+    given = (part.mix_energy - 2 * part.common + part.target_energy).sum(dim=(1, 2))
+    decibels = torch.where(given < CLEAN_SNR * energy, CLEAN_WEIGHT * decibels, decibels)
     bins = mask.shape[0] * mask.shape[1] * chain.Shape().bins
     return (magnitude.sum() + compressed.sum()) / bins + SNR_WEIGHT * decibels.mean()
 
@@ -214,8 +218,9 @@ class Trainer:
                 if len(losses) % 10 == 0:
                     print(f"  step {self.step}  loss {np.mean(losses[-10:]):.4f}", flush=True)
                 if now - reported > report_minutes * 60 or self.elapsed >= self.hours * 3600:
+                    better = self._report(losses, time.time())
                     self.save("last.pt")
-                    if self._report(losses, time.time()):
+                    if better:
                         self.save("best.pt")
                     losses, reported, last = [], time.time(), time.time()
         finally:
