@@ -1,9 +1,7 @@
 #include "noise_library/support/library_scope.hpp"
 
 #include <array>
-#include <functional>
 #include <gmock/gmock.h>
-#include <limits>
 
 namespace {
 
@@ -11,19 +9,13 @@ using namespace noise_test;
 using testing::AllOf;
 using testing::EndsWith;
 using testing::HasSubstr;
-using testing::internal::CaptureStderr;
-using testing::internal::GetCapturedStderr;
 
 constexpr char wrongSessionText[] = "The Session pointer is wrong insert existing session pointer\n";
 
 std::string errorsOf(std::function<void()> const& call) {
-    CaptureStderr();
+    testing::internal::CaptureStderr();
     call();
-    return GetCapturedStderr();
-}
-
-void* openCleaning(int in, int out, int duration, char const* model) {
-    return talvoAudioNcCreateSession(samplingRate(in), samplingRate(out), frameDuration(duration), model);
+    return testing::internal::GetCapturedStderr();
 }
 
 TEST(Instance, IsStartedAndEndedOnceAtATime) {
@@ -122,6 +114,7 @@ TEST(CreateSession, ChoosesTheClassAndRefusesTheRest) {
     library.setModel("unversioned", ModelFile().set("SampleRate", 16000));
     library.setModel("keyless", makeModel("0.0.6").remove("LpsEps"));
     library.setModel("rateless", makeModel("0.0.5").set("SampleRate", 44100));
+    library.setModel("odd", makeModel("0.0.5").set("FrameLength", 400));
     library.setModel("negative", makeModel("0.0.5").set("PreviewFrames", -1));
     library.setModel("endless", makeModel("0.0.5").set("FrameLength", 0x7FFFFFFF));
     library.setModel("headless", makeModel("0.0.5").set("WeightNonLinear", std::vector<ModelFile::Matrix>()));
@@ -146,6 +139,7 @@ TEST(CreateSession, ChoosesTheClassAndRefusesTheRest) {
              {"unversioned", 16000, 16000, 10, "", "messege there are no Weight version in Weight \n"},
              {"keyless", 16000, 16000, 10, "", "ERROR DATA With Key: LpsEpsdoesn't exists\n"},
              {"rateless", 16000, 16000, 10, "", "there are no needing Weight information in Weight \n"},
+             {"odd", 16000, 16000, 10, "", "there are no needing Weight information in Weight \n"},
              {"negative", 16000, 16000, 10, "", "PreviewFrames is negative"},
              {"endless", 16000, 16000, 10, "", "out of any range"},
              {"headless", 16000, 16000, 10, "", "no output layer"},
@@ -178,6 +172,29 @@ TEST(CreateSession, ChoosesTheClassAndRefusesTheRest) {
         }
     }
     EXPECT_EQ(talvoAudioVadCreateSession(samplingRate(11025), frameDuration(10), "VAD_0.0.1"), nullptr);
+}
+
+TEST(CreateSessionDeathTest, AModelWhoseSizesDontFitEndsTheProcess) {
+    struct Case {
+        char const *version, *key;
+        ModelFile::Value value;
+        char const* text;
+    };
+    using Vectors = std::vector<std::vector<float>>;
+    std::array<float, 640> frame{};
+    for (Case const& c : {
+             Case{"0.0.5", "WeightGRU", ModelFile::Matrix(2, 2), "params.weight_wgru.rowSize() == inOut"},
+             {"0.0.1", "BaesLinear", Vectors(), "params.weight_wl.size() == params.weight_wnl.size() && par"},
+             {"0.0.3", "BaesLinear", Vectors(), "params.weight_wnl.size()-1 <= params.weight_wl.size()"},
+             {"0.0.4", "BaesLinear", Vectors(2, {1}), "params.weight_bnl[i].size() == params.weight_bl[i]"},
+         }) {
+        LibraryScope const library;
+        library.setModel("misfit", makeModel(c.version).set(c.key, c.value));
+        void* const session = openCleaning(16000, 16000, 40, "misfit");
+        EXPECT_DEATH(talvoAudioNcCleanAmbientNoiseFloat(session, frame.data(), 640, frame.data(), 640),
+                     HasSubstr(c.text))
+            << c.version;
+    }
 }
 
 TEST(CreateSession, SelectsAModelByRateWithoutAName) {

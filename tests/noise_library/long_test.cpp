@@ -2,7 +2,6 @@
 
 #include <fstream>
 #include <gmock/gmock.h>
-#include <unistd.h>
 
 namespace {
 
@@ -27,8 +26,7 @@ TEST(LongStreams, TenHoursWithoutGrowthOrDrift) {
     ASSERT_EQ(library.setModel("small", makeModel("0.0.5", shape)), 0);
     constexpr int in = 44100;
     constexpr int out = 12000;
-    void* const session =
-        talvoAudioNcCreateSession(samplingRate(in), samplingRate(out), frameDuration(40), "small");
+    void* const session = openCleaning(in, out, 40, "small");
     auto const inSize = static_cast<unsigned>(in / 25);
     auto const outSize = static_cast<unsigned>(out / 25);
     std::vector<float> const speech = makeSpeech(in, 4.0);

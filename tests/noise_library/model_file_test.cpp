@@ -3,8 +3,6 @@
 #include "utils/crypto.hpp"
 #include "weights/weight.hpp"
 
-#include <array>
-#include <functional>
 #include <gmock/gmock.h>
 #include <random>
 
@@ -156,30 +154,6 @@ TEST_F(ModelFileTest, StandsTruncationsAndBitFlips) {
     std::string const whole = model.plain();
     ASSERT_EQ(read("m.nmw", whole.substr(0, whole.size() - 1)), "");
     EXPECT_NE(weight_.find<std::vector<float>>("BaesGRU"), nullptr);
-}
-
-TEST_F(ModelFileTest, TellsVersionRateAndDuration) {
-    // A duration of 0 stands where the values are refused.
-    for (auto const& [rate, length, duration] :
-         std::initializer_list<std::array<int, 3>>{{8000, 80, 10},
-                                                   {16000, 240, 15},
-                                                   {16000, 321, 20},
-                                                   {32000, 960, 30},
-                                                   {16000, 512, 32},
-                                                   {16000, 640, 40},
-                                                   {48000, 960, 0},
-                                                   {16000, 400, 0},
-                                                   {16000, -320, 0},
-                                                   {16000, 0x7FFFFFFF, 0},
-                                                   {0, 320, 0}}) {
-        read("m.nmw", ModelFile().set("SampleRate", rate).set("FrameLength", length).plain());
-        if (duration != 0)
-            EXPECT_EQ(weight_.getWeightInfo(), std::pair(rate, duration));
-        else
-            EXPECT_THAT(
-                messageOf([&] { weight_.getWeightInfo(); }),
-                HasSubstr("Function getWeightInfo\n messege there are no needing Weight information"));
-    }
 }
 
 TEST(ControlFile, SplitsLinesIntoKeyAndValueAndStopsAtOneWithoutAValue) {

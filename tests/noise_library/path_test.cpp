@@ -33,23 +33,6 @@ TEST(Path, Normalizes) {
     }
 }
 
-TEST(Path, TakesAFolderInFront) {
-    struct Case {
-        wchar_t const *path, *prefix, *joined;
-        bool changed;
-    };
-    for (Case const& c : {Case{L"a", L"/w", L"/w/a", true},
-                          {L"a", L"/w/", L"/w/a", true},
-                          {L"a", L"", L"a", true},
-                          {L"/a", L"/w", L"/a", false},
-                          {L"a", L"w\\", L"w\\a", true},
-                          {L"", L"/w", L"/w/", true}}) {
-        Path path(c.path);
-        EXPECT_EQ(path.pushFront(c.prefix), c.changed);
-        EXPECT_EQ(path.getFileNameWStr(), c.joined);
-    }
-}
-
 TEST(Path, TellsStemAndExtension) {
     struct Case {
         wchar_t const *path, *stem;

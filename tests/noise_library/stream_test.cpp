@@ -1,10 +1,28 @@
-#include "noise_library/support/allocation_count.hpp"
 #include "noise_library/support/library_scope.hpp"
 
-#include <algorithm>
-#include <cmath>
+#include <atomic>
+#include <cstdlib>
 #include <gmock/gmock.h>
-#include <limits>
+#include <new>
+
+namespace {
+
+/// How often memory was asked for with new; 0 under a sanitizer, which keeps its own operators.
+std::atomic<long> allocations = 0;
+
+} // namespace
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+void* operator new(std::size_t size) {
+    ++allocations;
+    if (void* const memory = std::malloc(size))
+        return memory;
+    throw std::bad_alloc();
+}
+
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+#endif
 
 namespace {
 
@@ -16,8 +34,7 @@ constexpr std::array versions{"0.0.1", "0.0.2", "0.0.3", "0.0.4", "0.0.5", "0.0.
 class Stream {
   public:
     Stream(int rate, int duration, char const* model)
-        : session_(talvoAudioNcCreateSession(samplingRate(rate), samplingRate(rate), frameDuration(duration),
-                                             model)),
+        : session_(openCleaning(rate, rate, duration, model)),
           out_(static_cast<std::size_t>(rate * duration / 1000)) {}
     ~Stream() { EXPECT_EQ(talvoAudioNcCloseSession(session_), 0); }
     Stream(Stream const&) = delete;
@@ -98,10 +115,10 @@ TEST(Streams, AllocateNothingOnceTheyRun) {
             long before = 0;
             for (std::size_t frame = 0; frame < 40; ++frame) {
                 if (frame == 20)
-                    before = allocationCount();
+                    before = allocations;
                 stream.clean(speech.data() + frame * size % (speech.size() - size));
             }
-            EXPECT_EQ(allocationCount() - before, 0) << version << " at " << rate;
+            EXPECT_EQ(allocations - before, 0) << version << " at " << rate;
         }
     }
 }

@@ -1,6 +1,5 @@
 #include "noise_library/support/library_scope.hpp"
 
-#include <atomic>
 #include <gmock/gmock.h>
 #include <thread>
 
@@ -18,16 +17,12 @@ std::vector<float> cleanAll(void* session, std::vector<float> const& speech) {
     return out;
 }
 
-void* open(char const* model) {
-    return talvoAudioNcCreateSession(samplingRate(16000), samplingRate(16000), frameDuration(10), model);
-}
-
 TEST(Threads, SessionsOfOneModelRunBesideEachOtherAndBesideChanges) {
     LibraryScope const library;
     ASSERT_EQ(library.setModel("shared", makeModel("0.0.5")), 0);
     std::string const another = makeModel("0.0.3").plain();
     std::vector<float> const speech = makeSpeech(16000, 1.0);
-    std::vector<float> const expected = cleanAll(open("shared"), speech);
+    std::vector<float> const expected = cleanAll(openCleaning(16000, 16000, 10, "shared"), speech);
 
     std::vector<std::vector<float>> results(16);
     std::atomic<int> running = 16;
@@ -35,7 +30,7 @@ TEST(Threads, SessionsOfOneModelRunBesideEachOtherAndBesideChanges) {
     std::vector<std::thread> threads;
     for (std::vector<float>& result : results)
         threads.emplace_back([&] {
-            void* const session = open("shared");
+            void* const session = openCleaning(16000, 16000, 10, "shared");
             result = cleanAll(session, speech);
             EXPECT_EQ(talvoAudioNcCloseSession(session), 0);
             --running;
@@ -45,7 +40,7 @@ TEST(Threads, SessionsOfOneModelRunBesideEachOtherAndBesideChanges) {
             std::string const name = "model" + std::to_string(i);
             auto const path = library.folder().write(name + ".nmw", another);
             EXPECT_EQ(talvoAudioSetModel(path.wstring().c_str(), name.c_str()), 0);
-            EXPECT_EQ(talvoAudioNcCloseSession(open(name.c_str())), 0);
+            EXPECT_EQ(talvoAudioNcCloseSession(openCleaning(16000, 16000, 10, name.c_str())), 0);
         }
     });
     threads.emplace_back([&] {
@@ -66,7 +61,7 @@ TEST(Threads, OneOfTwoThatCloseASessionDoesIt) {
     testing::internal::CaptureStdout(); // what the later one is told
     testing::internal::CaptureStderr();
     for (int i = 0; i < 50; ++i) {
-        void* const session = open("model");
+        void* const session = openCleaning(16000, 16000, 10, "model");
         int first = 0;
         std::thread beside([&] { first = talvoAudioNcCloseSession(session); });
         int const second = talvoAudioNcCloseSession(session);

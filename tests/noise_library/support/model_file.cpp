@@ -8,7 +8,6 @@
 #include <fstream>
 #include <numbers>
 #include <random>
-#include <utility>
 
 namespace noise_test {
 namespace {
@@ -20,40 +19,25 @@ std::string raw(T const& value) {
     return {reinterpret_cast<char const*>(&value), sizeof value};
 }
 
-std::string length(std::size_t count) {
-    return raw(static_cast<std::uint32_t>(count));
-}
+std::string length(std::size_t count) { return raw(static_cast<std::uint32_t>(count)); }
 
 std::string floats(std::vector<float> const& values) {
     return {reinterpret_cast<char const*>(values.data()), values.size() * sizeof(float)};
 }
 
-std::string body(std::string const& text) {
-    return length(text.size()) + text;
-}
-std::string body(std::vector<float> const& values) {
-    return length(values.size()) + floats(values);
-}
-std::string body(Matrix const& m) {
-    return length(m.rowSize()) + length(m.colSize()) + floats(m.data());
-}
+std::string body(float value) { return raw(value); }
+std::string body(int value) { return raw(value); }
+std::string body(std::string const& text) { return length(text.size()) + text; }
+std::string body(std::vector<float> const& values) { return length(values.size()) + floats(values); }
+std::string body(Matrix const& m) { return length(m.rowSize()) + length(m.colSize()) + floats(m.data()); }
 
 template <class T>
-std::string list(std::vector<T> const& items) {
+std::string body(std::vector<T> const& items) {
     std::string encoded = length(items.size());
     for (T const& item : items)
         encoded += body(item);
     return encoded;
 }
-
-/// A record's type and value.
-std::string encoded(float value) { return raw(0) + raw(value); }
-std::string encoded(int value) { return raw(1) + raw(value); }
-std::string encoded(std::string const& value) { return raw(2) + body(value); }
-std::string encoded(std::vector<float> const& value) { return raw(3) + body(value); }
-std::string encoded(Matrix const& value) { return raw(4) + body(value); }
-std::string encoded(std::vector<std::vector<float>> const& value) { return raw(5) + list(value); }
-std::string encoded(std::vector<Matrix> const& value) { return raw(6) + list(value); }
 
 /// Random weights; a layer's gain stays near one.
 class Weights {
@@ -106,18 +90,10 @@ std::vector<std::vector<float>> perLayer(Weights& weights, std::vector<std::size
 
 } // namespace
 
-template <class T>
-ModelFile& ModelFile::set(std::string const& key, T const& value) {
-    records_[key] = encoded(value);
+ModelFile& ModelFile::set(std::string const& key, Value const& value) {
+    records_[key] = length(value.index()) + std::visit([](auto const& v) { return body(v); }, value);
     return *this;
 }
-template ModelFile& ModelFile::set(std::string const&, float const&);
-template ModelFile& ModelFile::set(std::string const&, int const&);
-template ModelFile& ModelFile::set(std::string const&, std::string const&);
-template ModelFile& ModelFile::set(std::string const&, std::vector<float> const&);
-template ModelFile& ModelFile::set(std::string const&, Matrix const&);
-template ModelFile& ModelFile::set(std::string const&, std::vector<std::vector<float>> const&);
-template ModelFile& ModelFile::set(std::string const&, std::vector<Matrix> const&);
 
 ModelFile& ModelFile::remove(std::string const& key) {
     records_.erase(key);
@@ -131,9 +107,7 @@ std::string ModelFile::plain() const {
     return stream;
 }
 
-std::string ModelFile::enciphered() const {
-    return encipher(plain());
-}
+std::string ModelFile::enciphered() const { return encipher(plain()); }
 
 std::string encipher(std::string const& stream) {
     std::size_t const padding = (8 - stream.size() % 8) % 8;

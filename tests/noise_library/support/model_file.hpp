@@ -4,10 +4,8 @@
 #include "utils/matrix.hpp"
 
 #include <cstdint>
-#include <filesystem>
 #include <map>
-#include <string>
-#include <vector>
+#include <variant>
 
 namespace noise_test {
 
@@ -16,9 +14,11 @@ class ModelFile {
   public:
     using Matrix = TALVO::CONTAINERS::Matrix;
 
-    /// A float, int, string or Matrix, a vector of floats, of such vectors or of matrices.
-    template <class T> ModelFile& set(std::string const& key, T const& value);
-    ModelFile& set(std::string const& key, char const* value) { return set(key, std::string(value)); }
+    /// In the order of their numbers in a file.
+    using Value = std::variant<float, int, std::string, std::vector<float>, Matrix,
+                               std::vector<std::vector<float>>, std::vector<Matrix>>;
+
+    ModelFile& set(std::string const& key, Value const& value);
     ModelFile& remove(std::string const& key);
 
     /// The record stream, as a plain file holds it.
