@@ -1,17 +1,12 @@
 #include "CorvantaSdkVideo/Editor/EditorFixture.hpp"
 
-#include <QCoreApplication>
-
 #include <gmock/gmock.h>
-
-#include <filesystem>
 
 namespace corvanta {
 namespace {
 
 namespace fs = std::filesystem;
 using test::makeClip;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 class EditorCourseTest : public test::EditorFixture {
@@ -85,22 +80,6 @@ TEST_F(EditorCourseTest, EndsOnceHoweverOftenItIsAsked) {
     EXPECT_EQ(handled_, 1);
     EXPECT_FALSE(model_->isTrimming());
     EXPECT_THAT(log_.take(), IsEmpty());
-}
-
-TEST_F(EditorCourseTest, ClosesWithoutAResultFromTheEventLoop) {
-    open(makeClip({}));
-    log_.take();
-    close();
-    close();
-    confirm();
-    EXPECT_THAT(results_, IsEmpty());
-    ASSERT_TRUE(eventually([this] { return handled_ == 1; }));
-    settle();
-    ASSERT_EQ(results_.size(), 1U);
-    EXPECT_EQ(results_.front().editedVideoURL, std::nullopt);
-    EXPECT_EQ(handled_, 1);
-    EXPECT_THAT(fakeEditor_->edits(), IsEmpty());
-    EXPECT_THAT(log_.take(), ElementsAre("info event_video_edit: Close Edit Video Screen"));
 }
 
 TEST_F(EditorCourseTest, NoticesThatTheFileHasGone) {

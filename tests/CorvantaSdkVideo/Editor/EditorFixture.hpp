@@ -3,18 +3,18 @@
 #include "support/MediaFixtures.hpp"
 #include "support/RecordedLog.hpp"
 
+#include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorImplementation.hpp>
 #include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorViewModel.hpp>
+#include <CorvantaSdkVideo/Editor/EditorTasks.hpp>
+
+#include <QCoreApplication>
+#include <QTest>
+
+#include <boost/asio/post.hpp>
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <functional>
 #include <future>
-#include <memory>
-#include <mutex>
-#include <optional>
-#include <string>
-#include <vector>
 
 namespace corvanta::test {
 
@@ -38,9 +38,40 @@ class FakePlayer : public VideoPlayer {
 /// Answers without ffmpeg. Its operations run on another thread than the test.
 class FakeEditor : public CorvantaSdkVideoEditor {
   public:
-    Task<CorvantaSdkVideoEditorResult> edit(CorvantaSdkVideoEditorInput video) override;
-    Task<URL> getThumbnailForVideo(URL at, double interval, std::optional<std::int64_t> width,
-                                   std::optional<std::int64_t> height) override;
+    Task<CorvantaSdkVideoEditorResult> edit(CorvantaSdkVideoEditorInput video) override {
+        {
+            const std::lock_guard lock(mutex_);
+            edits_.push_back(video);
+        }
+        if (gate.valid()) {
+            gate.wait();
+        }
+        CorvantaSdkVideoEditorResult result{video.outputURL};
+        co_return result;
+    }
+    Task<URL> getThumbnailForVideo(URL, double interval, std::optional<std::int64_t> width,
+                                   std::optional<std::int64_t> height) override {
+        std::size_t index = 0;
+        std::string path;
+        {
+            const std::lock_guard lock(mutex_);
+            index = thumbnailCalls_.size();
+            path = directory_.file(std::to_string(index) + ".png");
+            thumbnailCalls_.push_back({interval, width, height, path});
+        }
+        if (gate.valid() && index == 1) {
+            gate.wait();
+        }
+        if (failingThumbnail == index) {
+            throw CorvantaSdkVideoError(CorvantaSdkVideoError::trimFailed);
+        }
+        if (unreadableThumbnail != index) {
+            QImage image(4, 4, QImage::Format_RGB32);
+            image.fill(QColor(static_cast<int>(index), 0, 0));
+            image.save(QString::fromStdString(path));
+        }
+        co_return URL::fromFilePath(path);
+    }
 
     struct ThumbnailCall {
         double interval;
@@ -48,11 +79,16 @@ class FakeEditor : public CorvantaSdkVideoEditor {
         std::optional<std::int64_t> height;
         std::string picture;
     };
-    std::vector<CorvantaSdkVideoEditorInput> edits() const;
-    std::vector<ThumbnailCall> thumbnailCalls() const;
+    std::vector<CorvantaSdkVideoEditorInput> edits() const {
+        const std::lock_guard lock(mutex_);
+        return edits_;
+    }
+    std::vector<ThumbnailCall> thumbnailCalls() const {
+        const std::lock_guard lock(mutex_);
+        return thumbnailCalls_;
+    }
 
     /// Set these before the view model works.
-    std::optional<CorvantaSdkVideoError> editError;
     std::optional<std::size_t> failingThumbnail;
     std::optional<std::size_t> unreadableThumbnail;
     /// What an edit and the second thumbnail wait for.
@@ -68,19 +104,49 @@ class FakeEditor : public CorvantaSdkVideoEditor {
 /// A view model on a real file with a fake player and, unless `useRealEditor` is called, a fake editor.
 class EditorFixture : public testing::Test {
   protected:
-    EditorFixture();
+    EditorFixture() { setenv("XDG_DATA_HOME", directory_.file("data").c_str(), 1); }
 
-    void useRealEditor();
-    void open(const std::string& video, std::optional<CorvantaSdkVideoFileDescriptor> output = {});
+    void useRealEditor() { editor_ = std::make_shared<CorvantaSdkVideoEditorImplementation>(); }
+    void open(const std::string& video, std::optional<CorvantaSdkVideoFileDescriptor> output = {}) {
+        const auto makePlayer = [this](const URL&) {
+            auto player = std::make_unique<FakePlayer>();
+            player_ = player.get();
+            return player;
+        };
+        const auto completion = [this](const CorvantaSdkVideoEditorResult& result) {
+            results_.push_back(result);
+            onCompletion_();
+        };
+        model_ = std::make_unique<CorvantaSdkVideoEditorViewModel>(
+            editor_, VideosInformationGenerator(), std::make_shared<CorvantaCredentialsManagerImp>(),
+            CorvantaSdkVideoFile(URL::fromFilePath(video)), output, completion, makePlayer);
+    }
     /// `open`, the layout for that width and the wait for the file's duration.
-    void openAndLayOut(const std::string& video, double screenWidth = 375);
+    void openAndLayOut(const std::string& video, double screenWidth = 375) {
+        open(video);
+        model_->setupTrimmer(QSizeF(screenWidth, 600));
+        ASSERT_TRUE(eventually([this] { return model_->videoDuration() > 0; }));
+    }
 
     /// Runs the event loop until `condition` holds; false if it never does.
-    static bool eventually(const std::function<bool()>& condition);
+    static bool eventually(const std::function<bool()>& condition) {
+        return QTest::qWaitFor(condition, 60'000);
+    }
     /// Runs what is in the event loop now, on both of the editor's threads.
-    static void settle();
+    static void settle() {
+        for (int round = 0; round < 4; ++round) {
+            std::promise<void> reached;
+            boost::asio::post(editorWorker(), [&reached] { reached.set_value(); });
+            reached.get_future().wait();
+            QCoreApplication::processEvents();
+        }
+    }
 
-    int readyThumbnails() const;
+    int readyThumbnails() const {
+        const QList<QImage> thumbnails = model_->thumbnails();
+        return static_cast<int>(
+            std::ranges::count_if(thumbnails, [](const QImage& image) { return !image.isNull(); }));
+    }
     std::filesystem::path documents() const {
         return directory_.path() / "data/corvanta-sdk-video/documents";
     }

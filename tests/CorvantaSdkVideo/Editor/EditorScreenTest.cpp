@@ -5,18 +5,13 @@
 #include <platform/AssetReader.hpp>
 
 #include <QAccessible>
-#include <QTest>
-
 #include <gmock/gmock.h>
-
-#include <algorithm>
 
 namespace corvanta {
 namespace {
 
 using test::colourClip;
 using testing::Contains;
-using testing::ElementsAre;
 
 class EditorScreenTest : public test::ScreenFixture {
   protected:
@@ -123,6 +118,7 @@ TEST_F(EditorScreenTest, LeavesWithoutAnEditAtEveryPoint) {
         leave();
         leave();
         ASSERT_TRUE(isClosed());
+        EXPECT_THAT(log_.take(), Contains("info event_video_edit: Close Edit Video Screen"));
         ASSERT_EQ(results_.size(), 1U);
         EXPECT_EQ(results_.front().editedVideoURL, std::nullopt);
     }
@@ -201,7 +197,8 @@ TEST_F(EditorScreenTest, IsWorkedByKeysAlone) {
             press(Qt::Key_Left, 10);
         }
     }
-    EXPECT_THAT(order, ElementsAre("Close", "Continue", "Play", "Start", "End", "Trim", "Sound", "Rotation"));
+    EXPECT_THAT(order, testing::ElementsAre("Close", "Continue", "Play", "Start", "End", "Trim", "Sound",
+                                            "Rotation"));
     EXPECT_EQ(model().trimmerXOffset(), 10);
     EXPECT_EQ(model().trimmerXOffset() + model().trimmerSize().width(), 343 - 20);
 

@@ -1,8 +1,6 @@
 #include "CorvantaSdkVideo/Editor/ScreenFixture.hpp"
 #include "support/Processes.hpp"
 
-#include <QTest>
-
 #include <filesystem>
 
 #include <malloc.h>

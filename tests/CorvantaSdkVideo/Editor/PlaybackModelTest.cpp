@@ -78,18 +78,13 @@ TEST_F(PlaybackModelTest, SetsTheVolumeByTheBarMutesAndComesBack) {
 
 TEST_F(PlaybackModelTest, TurnsInQuartersBothWays) {
     open(makeClip({}));
-    const auto turn = [this](std::string_view ways) {
-        std::vector<int> angles;
-        for (const char way : ways) {
-            way == 'R' ? model_->rotateRight() : model_->rotateLeft();
-            angles.push_back(model_->videoRotation());
-            EXPECT_EQ(model_->videoIsInPortraitMode(), model_->videoRotation() % 180 == 0);
-        }
-        return angles;
-    };
-    EXPECT_THAT(turn("RRRR"), ElementsAre(90, 180, 270, 0));
-    EXPECT_THAT(turn("LLLL"), ElementsAre(-90, -180, -270, 0));
-    EXPECT_THAT(turn("RRRLLLL"), ElementsAre(90, 180, 270, 180, 90, 0, -90));
+    std::vector<int> angles;
+    for (const char way : std::string_view("RRRRLLLLRRRLLLL")) {
+        way == 'R' ? model_->rotateRight() : model_->rotateLeft();
+        angles.push_back(model_->videoRotation());
+        EXPECT_EQ(model_->videoIsInPortraitMode(), model_->videoRotation() % 180 == 0);
+    }
+    EXPECT_THAT(angles, ElementsAre(90, 180, 270, 0, -90, -180, -270, 0, 90, 180, 270, 180, 90, 0, -90));
 }
 
 } // namespace

@@ -2,12 +2,9 @@
 #include "support/Processes.hpp"
 
 #include <CorvantaSdkVideo/Editor/Presentation/EditorCover.hpp>
-#include <CorvantaSdkVideo/Editor/Presentation/PresentCorvantaSdkVideoEditorView.hpp>
 
 #include <QQmlComponent>
 #include <QQmlEngine>
-#include <QTest>
-
 #include <stdexcept>
 
 namespace corvanta {

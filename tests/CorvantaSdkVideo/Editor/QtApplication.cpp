@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <memory>
 
 // Both keep tables for the life of the process: Qt's connection to the sound server, which it never closes,
 // and GLib's registry of names, whose only pointer the leak checker can't read.

@@ -12,10 +12,8 @@
 namespace corvanta {
 namespace {
 
-using testing::AllOf;
 using testing::ElementsAre;
 using testing::Ge;
-using testing::Lt;
 
 class QtVideoPlayerTest : public test::EditorFixture {
   protected:
@@ -59,7 +57,7 @@ TEST_F(QtVideoPlayerTest, ShowsPlaysSeeksAndStartsAgainAfterTheEnd) {
     real_->play();
     ASSERT_TRUE(eventually([this] { return ends_ == 1; }));
     EXPECT_TRUE(shows(false)) << "the last frame stays";
-    EXPECT_THAT(std::exchange(observed_, {}), ElementsAre(AllOf(Ge(1), Lt(2)), Ge(2)));
+    EXPECT_THAT(std::exchange(observed_, {}), ElementsAre(testing::AllOf(Ge(1), testing::Lt(2)), Ge(2)));
     real_->pause();
     EXPECT_TRUE(shows(false));
     real_->seek(1);

@@ -4,8 +4,6 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
-#include <cmath>
 #include <random>
 
 namespace corvanta {
@@ -13,7 +11,6 @@ namespace {
 
 using test::Clip;
 using test::makeClip;
-using testing::IsEmpty;
 
 class TrimmerModelTest : public test::EditorFixture {
   protected:
@@ -218,7 +215,7 @@ TEST_F(TrimmerModelTest, StaysBlankForAFileThatCannotBeRead) {
     EXPECT_EQ(model_->videoDuration(), 0);
     EXPECT_EQ(model_->videoAspectRatio(), 0.5);
     EXPECT_FALSE(model_->hasError());
-    EXPECT_THAT(fakeEditor_->thumbnailCalls(), IsEmpty());
+    EXPECT_THAT(fakeEditor_->thumbnailCalls(), testing::IsEmpty());
     drag(60);
     EXPECT_EQ(model_->leftEdgePosition(), 60);
     EXPECT_EQ(model_->trimmerStart(), 0);
