@@ -4,16 +4,9 @@
 #include "support/ScopedVariable.hpp"
 
 #include <CorvantaSdkVideo/CorvantaSdkVideo.hpp>
-#include <CorvantaSdkVideo/CorvantaSdkVideoFile.hpp>
-#include <CorvantaSdkVideo/CorvantaSdkVideoFileDescriptor.hpp>
-#include <CorvantaSdkVideo/CorvantaSdkVideoFrameRate.hpp>
-#include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 
 #include <gmock/gmock.h>
-
-#include <map>
-#include <unordered_set>
 
 #include <sys/stat.h>
 
@@ -165,12 +158,11 @@ TEST(EntryTest, BuildsTheModuleOnceAndSaysSo) {
     const auto lines = log.take();
     EXPECT_EQ(lines.front(), "info event_video_init: Init video module");
     EXPECT_EQ(std::count(lines.begin(), lines.end(), lines.front()), 1);
-    EXPECT_TRUE(CI::isProd());
-    CI::environment = "BETA";
-    EXPECT_TRUE(CI::isBeta() && !CI::isProd() && !CI::isRC());
-    CI::environment = "RC";
-    EXPECT_TRUE(CI::isRC() && !CI::isBeta() && !CI::isProd());
-    CI::environment = "PROD";
+    for (const auto& [name, is] :
+         {std::pair("BETA", &CI::isBeta), {"RC", &CI::isRC}, {"PROD", &CI::isProd}}) {
+        CI::environment = name;
+        EXPECT_TRUE(is() && CI::isBeta() + CI::isRC() + CI::isProd() == 1);
+    }
 }
 
 } // namespace

@@ -46,19 +46,11 @@ TEST(DirectoriesTest, FollowTheEnvironmentAndAreMadePrivate) {
 TEST(DirectoriesTest, Resources) {
     const TemporaryDirectory directory;
     writeFile(directory.file("a.b"), "");
-    {
-        const ScopedVariable chosen("CORVANTA_RESOURCES", directory.path().string());
-        EXPECT_EQ(Bundle::pathForResource("a", "b"), directory.file("a.b"));
-        EXPECT_FALSE(Bundle::pathForResource("version", "properties"));
-        const ScopedVariable relative("CORVANTA_RESOURCES", fs::relative(directory.path()).string());
-        EXPECT_EQ(fs::path(Bundle::resourceDirectory()).lexically_normal(), directory.path());
-    }
-    for (const auto& unset : {std::optional<std::string>(), std::optional<std::string>("")}) {
-        const ScopedVariable chosen("CORVANTA_RESOURCES", unset);
-        const auto version = Bundle::pathForResource("version", "properties");
-        ASSERT_TRUE(version);
-        EXPECT_NE(readFile(*version).find("version="), std::string::npos);
-        EXPECT_FALSE(Bundle::pathForResource("no", "such"));
+    const std::string relative = fs::relative(directory.path());
+    for (const std::string& chosen : {directory.path().string(), relative, std::string()}) {
+        const ScopedVariable variable("CORVANTA_RESOURCES", chosen);
+        EXPECT_EQ(Bundle::pathForResource("a", "b").has_value(), !chosen.empty());
+        EXPECT_EQ(Bundle::pathForResource("version", "properties").has_value(), chosen.empty());
     }
 }
 

@@ -1,15 +1,10 @@
-#include "support/Processes.hpp"
 #include "support/SessionProbe.hpp"
 
 #include <platform/FFmpegKit.hpp>
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <memory>
 #include <thread>
-
-#include <unistd.h>
 
 namespace corvanta::test {
 namespace {

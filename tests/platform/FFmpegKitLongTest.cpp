@@ -1,11 +1,8 @@
-#include "support/Processes.hpp"
 #include "support/SessionProbe.hpp"
 
 #include <platform/FFmpegKit.hpp>
 
 #include <gtest/gtest.h>
-
-#include <unistd.h>
 
 namespace corvanta::test {
 namespace {

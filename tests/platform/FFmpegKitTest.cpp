@@ -1,19 +1,14 @@
-#include "support/Processes.hpp"
 #include "support/SessionProbe.hpp"
 
 #include <platform/FFmpegKit.hpp>
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
-#include <atomic>
 #include <csignal>
-#include <mutex>
 
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace corvanta::test {
 namespace {
@@ -21,24 +16,6 @@ namespace {
 using testing::ElementsAre;
 
 constexpr const char* ffprobeVariable = "CORVANTA_FFPROBE";
-
-class CollectedStatistics {
-  public:
-    StatisticsCallback callback() {
-        return [this](const Statistics& statistics) {
-            const std::lock_guard lock(mutex_);
-            all_.push_back(statistics);
-        };
-    }
-    std::vector<Statistics> all() {
-        const std::lock_guard lock(mutex_);
-        return all_;
-    }
-
-  private:
-    std::mutex mutex_;
-    std::vector<Statistics> all_;
-};
 
 TEST(FFmpegKitTest, ReturnCodes) {
     for (const auto& [script, returnCode] : {std::pair("exit 0", 0),
@@ -131,20 +108,22 @@ TEST(FFmpegKitTest, LinesOfTheLog) {
 
 TEST(FFmpegKitTest, CallbacksOfOneSessionAndOfTheProcess) {
     std::atomic<std::size_t> lines = 0;
-    CollectedStatistics own;
-    CollectedStatistics shared;
+    std::vector<Statistics> own;
+    std::vector<Statistics> shared;
     FFmpegKitConfig::setLogLevel("info");
     FFmpegKitConfig::enableLogCallback([&](const Log& log) { lines += log.getSessionId() > 0 ? 1U : 0U; });
-    FFmpegKitConfig::enableStatisticsCallback(shared.callback());
+    FFmpegKitConfig::enableStatisticsCallback(
+        [&](const Statistics& statistics) { shared.push_back(statistics); });
     const std::string command = "-f lavfi -i testsrc2=size=64x64:rate=25:duration=4 -f null -";
-    const SessionProbe run(command, Tool::ffmpeg, own.callback());
+    const SessionProbe run(command, Tool::ffmpeg,
+                           [&](const Statistics& statistics) { own.push_back(statistics); });
     EXPECT_EQ(run.wait(), 0);
     FFmpegKitConfig::enableStatisticsCallback(nullptr);
     FFmpegKitConfig::enableLogCallback(nullptr);
     FFmpegKitConfig::setLogLevel("quiet");
-    ASSERT_FALSE(own.all().empty());
-    EXPECT_EQ(own.all().size(), shared.all().size());
-    const Statistics last = own.all().back();
+    ASSERT_FALSE(own.empty());
+    EXPECT_EQ(own.size(), shared.size());
+    const Statistics last = own.back();
     EXPECT_EQ(last.sessionId, run.id());
     EXPECT_EQ(last.frame, 100);
     EXPECT_EQ(last.timeMillis, 4000);
@@ -164,14 +143,15 @@ TEST(FFmpegKitTest, ProgressThatIsNoNumberIsTakenAsNotKnown) {
         ffmpegVariable,
         "printf 'frame=\\nout_time_us=N/A\\nspeed=N/A\\nprogress=continue\\n"
         "frame= 7\\nnonsense\\n=\\nout_time_us=-1500\\nspeed=  2.5x\\nprogress=end\\n' >&3\n");
-    CollectedStatistics seen;
-    ASSERT_EQ(SessionProbe("", Tool::ffmpeg, seen.callback()).wait(), 0);
+    std::vector<Statistics> seen;
+    const SessionProbe run("", Tool::ffmpeg, [&](const Statistics& now) { seen.push_back(now); });
+    ASSERT_EQ(run.wait(), 0);
     const auto is = [](int frame, int timeMillis, double speed) {
         return testing::AllOf(testing::Field(&Statistics::frame, frame),
                               testing::Field(&Statistics::timeMillis, timeMillis),
                               testing::Field(&Statistics::speed, speed));
     };
-    EXPECT_THAT(seen.all(), ElementsAre(is(0, 0, 0), is(7, -1, 2.5)));
+    EXPECT_THAT(seen, ElementsAre(is(0, 0, 0), is(7, -1, 2.5)));
 }
 
 TEST(FFmpegKitTest, EndlessOutputIsDrainedAndNotKept) {

@@ -5,8 +5,6 @@
 
 #include <support/UserFolders.hpp>
 
-#include <cstdlib>
-
 namespace corvanta::test {
 namespace {
 

@@ -2,28 +2,21 @@
 #include <CorvantaSdkVideo/CorvantaSdkVideoInterfaceImp.hpp>
 
 #include "support/FailingVFS.hpp"
-#include "support/Journal.hpp"
 #include "support/Processes.hpp"
 
 #include <sqlite3.h>
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <csignal>
 #include <deque>
-#include <filesystem>
 #include <iostream>
-#include <mutex>
-#include <optional>
 #include <random>
-#include <string>
 #include <thread>
-#include <utility>
-#include <vector>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 /// Runs requests of all kinds on four threads while the store's disk fails, ffmpeg gets killed and requests
@@ -101,7 +94,8 @@ class Soak {
   public:
     Soak(const char* journal, std::string folder, Clock::duration least, int requests,
          std::vector<CorvantaSdkVideoFile> clips)
-        : journal_(journal), folder_(std::move(folder)), end_(Clock::now() + least), requests_(requests),
+        : journal_(open(journal, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600)),
+          folder_(std::move(folder)), end_(Clock::now() + least), requests_(requests),
           clips_(std::move(clips)), store_(CorvantaSdkVideoInterfaceImp::coreDataStore()) {}
 
     void run() {
@@ -142,7 +136,7 @@ class Soak {
             made_.push_back(request->id);
         }
         if (isOnDisk(request->id)) {
-            journal_.add("stored " + id);
+            note("stored " + id);
         }
         int notices = 0;
         // The second notice of a run tells that ffmpeg has started.
@@ -161,7 +155,7 @@ class Soak {
         disk_.heal();
         check(*request, failure);
         if (!failure && isOnDisk(request->id)) {
-            journal_.add("complete " + id);
+            note("complete " + id);
         }
     }
 
@@ -229,10 +223,17 @@ class Soak {
         expect(isOnDisk(made_.back()), "a healed disk doesn't take what was left");
         for (const UUID& id : made_) {
             if (const auto row = store_->getRequest(id); row) {
-                journal_.add("ended " + uuidString(id) + ' ' + std::to_string(static_cast<int>(row->status)));
+                note("ended " + uuidString(id) + ' ' + std::to_string(static_cast<int>(row->status)));
             }
         }
         expect(static_cast<int>(made_.size()) >= requests_, "requests have not run");
+    }
+
+    void note(const std::string& line) const {
+        const std::string text = line + '\n';
+        if (write(journal_, text.data(), text.size()) != std::ssize(text)) {
+            std::abort();
+        }
     }
 
     void expect(bool condition, const std::string& otherwise) {
@@ -243,7 +244,8 @@ class Soak {
     }
 
     FailingVFS disk_;
-    Journal journal_;
+    // One write per line, so that a line is there as a whole or not at all when the host is killed.
+    const int journal_;
     const std::string folder_;
     const Clock::time_point end_;
     const int requests_;

@@ -1,6 +1,5 @@
 #include <CorvantaSdkVideo/Store/CoreData/CoreDataCorvantaStore.hpp>
 
-#include "support/MediaFixtures.hpp"
 #include "support/Processes.hpp"
 
 #include <SQLiteCpp/Database.h>
@@ -9,7 +8,6 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
-#include <filesystem>
 #include <random>
 #include <sstream>
 

@@ -9,22 +9,7 @@
 
 namespace corvanta::test {
 
-namespace {
-
 constexpr int windowLength = DecodedSound::sampleRate / 50;
-
-std::vector<double> ffprobeNumbers(const std::string& path, const std::string& stream,
-                                   const std::string& entries) {
-    std::vector<double> numbers;
-    for (const std::string& line :
-         wordsOf(runTool("ffprobe", {"-v", "error", "-select_streams", stream, "-show_entries", entries,
-                                     "-of", "csv=print_section=0", path}))) {
-        numbers.push_back(std::stod(line));
-    }
-    return numbers;
-}
-
-} // namespace
 
 std::vector<TimedFrame> decodedVideo(const std::string& path, int videoTrack) {
     const std::string position = std::to_string(videoTrack);
@@ -54,32 +39,29 @@ DecodedSound decodedSound(const std::string& path, int audioTrack) {
     return {ffprobeNumbers(path, "a:" + position, "stream=start_time").at(0), std::move(samples)};
 }
 
-std::int16_t DecodedSound::sample(std::int64_t position) const {
-    return position >= 0 && position < std::ssize(samples_) ? samples_[static_cast<std::size_t>(position)]
-                                                            : std::int16_t{0};
-}
-
-std::int64_t DecodedSound::windowAround(double seconds) const {
-    return std::llround((seconds - start_) * sampleRate) - windowLength / 2;
+std::vector<double> DecodedSound::window(double seconds) const {
+    std::vector<double> window(windowLength);
+    const std::int64_t begin = std::llround((seconds - start_) * sampleRate) - windowLength / 2;
+    for (std::int64_t position = std::max<std::int64_t>(begin, 0);
+         position < std::min(begin + windowLength, std::ssize(samples_)); ++position) {
+        window[static_cast<std::size_t>(position - begin)] = samples_[static_cast<std::size_t>(position)];
+    }
+    return window;
 }
 
 double DecodedSound::amplitude(double frequency, double seconds) const {
-    const std::int64_t begin = windowAround(seconds);
     std::complex<double> sum;
-    for (int position = 0; position < windowLength; ++position) {
-        const double phase = 2 * std::numbers::pi * frequency * position / sampleRate;
-        sum += std::polar(static_cast<double>(sample(begin + position)), phase);
+    double phase = 0;
+    for (const double sample : window(seconds)) {
+        sum += std::polar(sample, phase);
+        phase += 2 * std::numbers::pi * frequency / sampleRate;
     }
     return 2 * std::abs(sum) / windowLength;
 }
 
 int DecodedSound::peak(double seconds) const {
-    const std::int64_t begin = windowAround(seconds);
-    int loudest = 0;
-    for (int position = 0; position < windowLength; ++position) {
-        loudest = std::max(loudest, std::abs(static_cast<int>(sample(begin + position))));
-    }
-    return loudest;
+    const auto [least, most] = std::ranges::minmax(window(seconds));
+    return static_cast<int>(std::max(-least, most));
 }
 
 double DecodedSound::onset(double frequency, double seconds, double level) const {

@@ -3,8 +3,6 @@
 #include "support/MediaFixtures.hpp"
 
 #include <cstdint>
-#include <string>
-#include <vector>
 
 /// Whole decoded tracks, for tests of when things happen.
 namespace corvanta::test {
@@ -40,8 +38,8 @@ class DecodedSound {
     double end() const { return start_ + static_cast<double>(samples_.size()) / sampleRate; }
 
   private:
-    std::int16_t sample(std::int64_t position) const;
-    std::int64_t windowAround(double seconds) const;
+    /// The samples of the 20 ms around `seconds`.
+    std::vector<double> window(double seconds) const;
 
     double start_;
     std::vector<std::int16_t> samples_;

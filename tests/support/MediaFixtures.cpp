@@ -3,18 +3,15 @@
 #include "support/Processes.hpp"
 
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/FFMPEGCommandExecutor.hpp>
-#include <platform/Task.hpp>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <map>
 #include <mutex>
 #include <ostream>
 #include <sstream>
 #include <stdexcept>
-#include <system_error>
 
 namespace corvanta::test {
 
@@ -106,6 +103,17 @@ std::string runTool(std::string_view tool, const std::vector<std::string>& argum
         throw std::runtime_error(std::string(tool) + '\n' + program.errors());
     }
     return program.output();
+}
+
+std::vector<double> ffprobeNumbers(const std::string& path, const std::string& stream,
+                                   const std::string& entries) {
+    std::vector<double> numbers;
+    for (const std::string& line :
+         wordsOf(runTool("ffprobe", {"-v", "error", "-select_streams", stream, "-show_entries", entries,
+                                     "-of", "csv=print_section=0", path}))) {
+        numbers.push_back(std::stod(line));
+    }
+    return numbers;
 }
 
 std::vector<std::string> wordsOf(std::string_view text) {

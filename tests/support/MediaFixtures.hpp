@@ -4,11 +4,6 @@
 
 #include <CorvantaSdkVideo/Shared/Models/CorvantaSdkVideoInformation.hpp>
 
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
-
 /// Small media files made by ffmpeg, and what a test reads back from the files that the module wrote.
 namespace corvanta::test {
 
@@ -55,6 +50,10 @@ std::string makeClip(const Clip& clip);
 /// Runs "ffmpeg" or "ffprobe" and gives its standard output. Throws std::runtime_error with the tool's log if
 /// it fails.
 std::string runTool(std::string_view tool, const std::vector<std::string>& arguments);
+
+/// What ffprobe tells of a file's streams "v", "a:0" and so on, such as each "packet=pts_time".
+std::vector<double> ffprobeNumbers(const std::string& path, const std::string& stream,
+                                   const std::string& entries);
 
 /// Words between blanks.
 std::vector<std::string> wordsOf(std::string_view text);

@@ -2,15 +2,12 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cerrno>
 #include <chrono>
 #include <csignal>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sstream>
 #include <stdexcept>
-#include <system_error>
 #include <thread>
 
 #include <fcntl.h>

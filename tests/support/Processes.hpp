@@ -6,9 +6,6 @@
 #include <cstddef>
 #include <functional>
 #include <map>
-#include <string>
-#include <string_view>
-#include <vector>
 
 #include <sys/types.h>
 

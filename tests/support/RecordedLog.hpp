@@ -2,11 +2,6 @@
 
 #include <platform/SharedCorvantaSdkCommon.hpp>
 
-#include <memory>
-#include <mutex>
-#include <string>
-#include <vector>
-
 namespace corvanta::test {
 
 /// Takes the module's log records, and states who is logged in, as long as the object lives.

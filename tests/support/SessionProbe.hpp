@@ -5,11 +5,6 @@
 #include <platform/FFmpegKit.hpp>
 
 #include <algorithm>
-#include <memory>
-#include <mutex>
-#include <string>
-#include <utility>
-#include <vector>
 
 namespace corvanta::test {
 
@@ -49,13 +44,8 @@ class SessionProbe {
         const std::lock_guard lock(seen_->mutex);
         return seen_->lines;
     }
-    bool hasLine(const std::string& line) const {
-        const auto all = lines();
-        return std::find(all.begin(), all.end(), line) != all.end();
-    }
-
     bool waitForLine(const std::string& line) const {
-        return eventually([&] { return hasLine(line); });
+        return eventually([&] { return std::ranges::count(lines(), line) > 0; });
     }
 
     /// The return code once the completion callback has come; -1 if it doesn't come, or for another session.

@@ -1,11 +1,10 @@
 #pragma once
 
-#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
-#include <string_view>
 #include <system_error>
+#include <vector>
 
 namespace corvanta::test {
 
@@ -33,5 +32,16 @@ class TemporaryDirectory {
   private:
     std::filesystem::path path_;
 };
+
+/// The names of what is in some folders.
+inline std::vector<std::string> namesIn(std::initializer_list<std::filesystem::path> folders) {
+    std::vector<std::string> names;
+    for (const std::filesystem::path& folder : folders) {
+        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+            names.push_back(entry.path().filename());
+        }
+    }
+    return names;
+}
 
 } // namespace corvanta::test

@@ -3,9 +3,7 @@
 #include "support/ScopedVariable.hpp"
 #include "support/TemporaryDirectory.hpp"
 
-#include <filesystem>
 #include <fstream>
-#include <string>
 
 namespace corvanta::test {
 

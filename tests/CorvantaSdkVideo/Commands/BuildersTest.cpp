@@ -5,16 +5,11 @@
 #include "EngineBench.hpp"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <limits>
 
 namespace corvanta {
 namespace {
 
 using namespace test;
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 using Descriptor = CorvantaSdkVideoFileDescriptor;
 using Operation = LocalVideoRequest::OperationType;
 
@@ -103,6 +98,8 @@ TEST_F(BuildersTest, StoreTheLaterValuesOfTheSameId) {
     EXPECT_EQ(second->id, merging.id);
     EXPECT_EQ(first->mergeData->width, std::nullopt);
     EXPECT_EQ(second->mergeData->framesRate.rawValue(), "50");
+    store->deleteRequest(merging.id); // The first of the two rows.
+    EXPECT_EQ(fetch(merging.id)->mergeData, second->mergeData);
 
     EncodingBuilder encoding(CorvantaSdkVideoFile(input("a.mp4")), Descriptor::cache("e"), encode, store);
     encoding.height = 128;
@@ -112,7 +109,7 @@ TEST_F(BuildersTest, StoreTheLaterValuesOfTheSameId) {
     EXPECT_NE(encoding.build()->id, merging.id);
     EXPECT_THAT(
         rawData,
-        ElementsAre(
+        testing::ElementsAre(
             R"({"videoTracks":[],"audioTracks":[],"framesRate":"30"})",
             R"({"width":640,"height":359.5,"videoTracks":[{"tracks":[{"fileIndex":0,"entryIndex":1}],)"
             R"("width":128}],"audioTracks":[{"tracks":[{"fileIndex":0,"entryIndex":2}]}],"framesRate":"50"})",
@@ -129,7 +126,7 @@ TEST_F(BuildersTest, GiveAnObjectWithoutARowWhenItCantBeStored) {
         SCOPED_TRACE(name(type));
         const auto unplaced = build(type, Descriptor::custom("http://["), {"a.mp4", "b.mp4"});
         EXPECT_EQ(failureOf(unplaced), "operationNotFound");
-        EXPECT_THAT(takeErrors(), IsEmpty());
+        EXPECT_THAT(takeErrors(), testing::IsEmpty());
 
         store->failsWrites = true;
         const auto unstored = build(type, Descriptor::files("out"), {"a.mp4", "b.mp4"});

@@ -3,13 +3,11 @@
 #include <CorvantaSdkVideo/Commands/Concat/VideosGlobalInformation.hpp>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace corvanta {
 namespace {
 
 using ::testing::Contains;
-using ::testing::IsEmpty;
 using ::testing::UnorderedElementsAre;
 using Information = CorvantaSdkVideoInformation;
 
@@ -111,7 +109,7 @@ TEST_F(ComparisonTest, AnswersWhetherFilesCanBeJoined) {
     EXPECT_EQ(canProcess({videos_[0], videos_[1]}), "yes");
     EXPECT_EQ(canProcess({}), "invalidInputFiles(notEnoughVideos)");
     EXPECT_EQ(canProcess({videos_[0], missing}), "invalidInputFiles(inputContainsNonExistingFiles)");
-    EXPECT_THAT(takeErrors(), IsEmpty());
+    EXPECT_THAT(takeErrors(), testing::IsEmpty());
     change_ = [](Information& i) { i.format = "avi"; };
     EXPECT_EQ(canProcess(videos_), "no");
     const std::string failed =

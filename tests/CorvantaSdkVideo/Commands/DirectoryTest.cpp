@@ -1,14 +1,12 @@
 #include "EngineBench.hpp"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace corvanta {
 namespace {
 
 using namespace test;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 using Status = CorvantaSdkVideoRequest::Status;
 
 std::vector<UUID> idsOf(const std::vector<RequestPointer>& requests) {
@@ -86,6 +84,54 @@ TEST(RequestDirectory, ListsRowsWhoseParametersDontDecode) {
     }
 }
 
+TEST(RequestDirectory, ReadsParametersStrictlyButForWhatCanBeAbsent) {
+    using StoredMerge = VideoMergeData::SerializableMergeData;
+    using StoredEncoding = VideoEncodingData::SerializableEncodingData;
+    // Over "videoTracks", "audioTracks", "framesRate" as given, and what else stands in front of them.
+    const auto form = [](const std::string& video, const std::string& audio = "[]",
+                         const std::string& rate = R"("30")", const std::string& more = "") {
+        return "{" + more + R"("videoTracks":)" + video + R"(,"audioTracks":)" + audio + R"(,"framesRate":)" +
+               rate + "}";
+    };
+    struct Case {
+        std::string text;
+        bool isMerge = false;
+        bool isEncoding = false;
+    };
+    const std::vector<Case> cases = {
+        {form("[]", "[]", R"("31")"), true, true},
+        {R"({"framesRate":"0","audioTracks":[],"more":{},"videoTracks":[],"width":null,"height":null})", true,
+         true},
+        {" " + form("[]", "[]", R"("")", R"("width":-1,"height":2e2,)") + " ", true, true},
+        {form(R"([{"tracks":[]}])"), true, false},
+        {form(R"([{"entryIndex":1,"width":null}])", "[3]"), false, true},
+        {form(R"([{"entryIndex":9223372036854775807}])"), false, true},
+        {""},
+        {"[]"},
+        {form("[]") + "x"},
+        {form("[]", "[]", "\"\xff\"")},
+        {R"({"videoTracks":[],"audioTracks":[]})"},
+        {R"({"audioTracks":[],"framesRate":"30"})"},
+        {form("[]", "[]", "30")},
+        {form("[]", "null")},
+        {form("[]", "[]", R"("30")", R"("width":"640",)")},
+        {form("[]", "[]", R"("30")", R"("width":1e999,)")},
+        {form("[{}]")},
+        {form(R"([{"entryIndex":1.5}])")},
+        {form(R"([{"entryIndex":18446744073709551615}])")},
+        {form(R"([{"entryIndex":1,"height":"2"}])")},
+        {form("[]", R"(["1"])")},
+        {form(R"([{"tracks":[{"fileIndex":0}]}])")},
+        {form("[]", R"([{"tracks":[true]}])")},
+    };
+    for (const auto& [text, isMerge, isEncoding] : cases) {
+        EXPECT_EQ(decode<StoredMerge>(text).has_value(), isMerge) << text;
+        EXPECT_EQ(decode<StoredEncoding>(text).has_value(), isEncoding) << text;
+    }
+    EXPECT_FALSE(decode<StoredMerge>(std::nullopt));
+    EXPECT_FALSE(decode<StoredEncoding>(std::nullopt));
+}
+
 TEST(RequestDirectory, AsksForTheLoginInListsAlone) {
     EngineBench bench;
     const LocalVideoRequest row = bench.insertRow(Type::concat);
@@ -121,7 +167,7 @@ TEST(RequestDirectory, StreamsNewObjectsThatCanRun) {
 
     EXPECT_EQ(failureOf(emitted.front()), "");
     EXPECT_THAT(seen, ElementsAre(Status::error, Status::processing, Status::processing, Status::complete));
-    EXPECT_THAT(failed, ElementsAre(ElementsAre(row.id), IsEmpty()));
+    EXPECT_THAT(failed, ElementsAre(ElementsAre(row.id), testing::IsEmpty()));
     EXPECT_EQ(failureOf(emitted.back()), "operationAlreadyCompleted");
     subscription.cancel();
     bench.store->updateRequest(row.id, {{UpdateRequestData::Field::status(Stored::idle)}});

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <CorvantaSdkVideo/Commands/Concat/CorvantaSdkVideoConcatEngine.hpp>
 #include <CorvantaSdkVideo/Commands/CorvantaSdkVideoRequestBuilder.hpp>
 #include <CorvantaSdkVideo/Commands/Encoding/CorvantaSdkVideoVideoEncoderEngine.hpp>
-#include <CorvantaSdkVideo/Commands/Merge/CorvantaSdkVideoMergeEngine.hpp>
 #include <CorvantaSdkVideo/Store/CoreData/CoreDataCorvantaStore.hpp>
 #include <platform/Directories.hpp>
 
@@ -14,15 +12,7 @@
 #include "support/ScriptedExecutor.hpp"
 #include "support/UserFolders.hpp"
 
-#include <array>
-#include <filesystem>
-#include <functional>
-#include <memory>
-#include <optional>
 #include <stdexcept>
-#include <string>
-#include <utility>
-#include <vector>
 
 namespace corvanta::test {
 
@@ -188,15 +178,6 @@ struct EngineBench {
         std::vector<std::string> lines = log.take();
         std::erase_if(lines, [](const std::string& line) { return !line.starts_with("error "); });
         return lines;
-    }
-
-    /// The extensions of the files left in the documents directory.
-    std::vector<std::string> documents() const {
-        std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(Directories::documents().path())) {
-            names.push_back(entry.path().extension());
-        }
-        return names;
     }
 };
 

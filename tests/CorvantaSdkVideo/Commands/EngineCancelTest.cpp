@@ -4,7 +4,6 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/use_future.hpp>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace corvanta {
 namespace {
@@ -16,8 +15,7 @@ TEST(EngineCancel, DependsOnTheRowAlone) {
     struct Case {
         Stored status;
         std::optional<std::string> processId;
-        std::string error;
-        std::string row;
+        std::string error, row;
         std::string notes = "";
     };
     const std::string notFound = "operationNotFound";

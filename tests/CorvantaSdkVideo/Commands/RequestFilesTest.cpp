@@ -1,7 +1,6 @@
 #include <CorvantaSdkVideo/CorvantaSdkVideo.hpp>
 
 #include "support/Failure.hpp"
-#include "support/MediaFixtures.hpp"
 #include "support/Processes.hpp"
 #include "support/RecordedLog.hpp"
 
@@ -9,11 +8,6 @@
 #include <boost/asio/thread_pool.hpp>
 #include <boost/asio/use_future.hpp>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <cstdlib>
-#include <filesystem>
 
 namespace corvanta {
 namespace {
@@ -21,7 +15,6 @@ namespace {
 namespace asio = boost::asio;
 namespace fs = std::filesystem;
 using namespace test;
-using ::testing::IsEmpty;
 using Status = CorvantaSdkVideoRequest::Status;
 using RequestPointer = std::shared_ptr<CorvantaSdkVideoRequest>;
 
@@ -37,9 +30,7 @@ RequestPointer fetch(const UUID& id) {
 }
 
 std::int64_t packets(const std::string& path) {
-    return std::stoll(
-        runTool("ffprobe", {"-v", "error", "-count_packets", "-select_streams", "v:0", "-show_entries",
-                            "stream=nb_read_packets", "-of", "csv=p=0", path}));
+    return std::ssize(ffprobeNumbers(path, "v:0", "packet=pts_time"));
 }
 
 /// The module with a store and directories of its own, which live as long as the process.
@@ -168,7 +159,7 @@ TEST_F(RequestFilesTest, CancelsLongRunsAndLeavesAReadableFile) {
         const auto written = probed(directory_.file("out.mp4"));
         EXPECT_TRUE(written.durationMillis > 900 && written.durationMillis < 19'000);
         EXPECT_EQ(written.videos.size(), 1U);
-        EXPECT_THAT(childrenOf(getpid()), IsEmpty());
+        EXPECT_THAT(childrenOf(getpid()), testing::IsEmpty());
     };
     cancelled(CorvantaSdkVideo->MergeBuilder(files({clip, clip}), place("out")).build(), "mergeFailed");
     auto encode = CorvantaSdkVideo->EncodingBuilder(files({clip}).front(), place("out"));

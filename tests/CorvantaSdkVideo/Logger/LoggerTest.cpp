@@ -9,8 +9,6 @@
 
 #include <stdexcept>
 
-#include <unistd.h>
-
 namespace corvanta::test {
 namespace {
 
@@ -54,17 +52,13 @@ TEST(LoggerTest, EventsAndMessages) {
 // One process keeps one version, so each text is read by a new one.
 TEST(LoggerDeathTest, VersionIsReadFromTheResource) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    struct Case {
-        const char* text;
-        const char* version;
-    };
-    for (const Case& expected : {Case{"name=x\nversion=1.2.3\nversion=9\n", "1.2.3"},
-                                 {"a\r\nversion=1.2.3 \r\nb", "1.2.3 "},
-                                 {"version=1=2\nversion=7", "7"},
-                                 {"version = 1", "unknown"},
-                                 {" version=1", "unknown"},
-                                 {"version=\nversion=2", ""},
-                                 {"Version=1", "unknown"}}) {
+    for (const auto& [text, version] : {std::pair("name=x\nversion=1.2.3\nversion=9\n", "1.2.3"),
+                                        {"a\r\nversion=1.2.3 \r\nb", "1.2.3 "},
+                                        {"version=1=2\nversion=7", "7"},
+                                        {"version = 1", "unknown"},
+                                        {" version=1", "unknown"},
+                                        {"version=\nversion=2", ""},
+                                        {"Version=1", "unknown"}}) {
         EXPECT_EXIT(
             {
                 const TemporaryDirectory directory;
@@ -72,18 +66,18 @@ TEST(LoggerDeathTest, VersionIsReadFromTheResource) {
                 RecordedLog log;
                 Logger::addLog(Event::initVideo, EventMessage::initVideoModule());
                 bool good = log.version() == "unknown";
-                writeFile(directory.file("version.properties"), expected.text);
+                writeFile(directory.file("version.properties"), text);
                 Logger::addLog(Event::initVideo, EventMessage::initVideoModule());
-                good = good && log.version() == expected.version;
+                good = good && log.version() == version;
                 writeFile(directory.file("version.properties"), "version=later");
                 Logger::logError(Event::initVideo, EventMessage::initVideoModule());
                 // Only a version that was found is kept.
-                const bool found = expected.version != std::string("unknown");
-                good = good && log.version() == (found ? expected.version : "later");
+                const bool found = version != std::string("unknown");
+                good = good && log.version() == (found ? version : "later");
                 _exit(good ? 0 : 1);
             },
             testing::ExitedWithCode(0), "")
-            << expected.text;
+            << text;
     }
 }
 
@@ -98,39 +92,35 @@ TEST(LoggerTest, ASinkThatThrowsChangesNothing) {
 }
 
 TEST(CredentialsManagerTest, OnlyAPlainNoIsLogged) {
+    enum class Told { truth, error, exception };
     struct Answer : SharedCorvantaSdkAuth {
-        std::optional<bool> authenticated;
-        bool fails = false;
-        bool throws = false;
-
+        Answer(std::optional<bool> authenticated_, Told told_) : authenticated(authenticated_), told(told_) {}
         std::optional<bool> isAuthenticated(std::error_code& error) override {
-            if (throws) {
+            if (told == Told::exception) {
                 throw std::runtime_error("down");
             }
-            if (fails) {
+            if (told == Told::error) {
                 error = std::make_error_code(std::errc::io_error);
             }
             return authenticated;
         }
+        std::optional<bool> authenticated;
+        Told told;
     };
     const std::string refusal =
         "error event_video_auth_validate: Validate authentication failed: SDK not authenticated";
-    using Lines = std::vector<std::string>;
-    const auto ask = [](std::optional<bool> authenticated, bool fails, bool throws) {
-        const auto answer = std::make_shared<Answer>();
-        answer->authenticated = authenticated;
-        answer->fails = fails;
-        answer->throws = throws;
-        RecordedLog log(answer);
-        const bool allowed = CorvantaCredentialsManagerImp().isUserAuthenticated();
-        return std::pair(allowed, log.take());
-    };
-    EXPECT_EQ(ask(true, false, false), std::pair(true, Lines{}));
-    EXPECT_EQ(ask(false, false, false), std::pair(false, Lines{refusal}));
-    EXPECT_EQ(ask(std::nullopt, false, false), std::pair(false, Lines{}));
-    EXPECT_EQ(ask(true, true, false), std::pair(false, Lines{}));
-    EXPECT_EQ(ask(false, true, false), std::pair(false, Lines{}));
-    EXPECT_EQ(ask(true, false, true), std::pair(false, Lines{}));
+    for (const auto& [authenticated, told, allowed, lines] :
+         std::vector<std::tuple<std::optional<bool>, Told, bool, std::vector<std::string>>>{
+             {true, Told::truth, true, {}},
+             {false, Told::truth, false, {refusal}},
+             {std::nullopt, Told::truth, false, {}},
+             {true, Told::error, false, {}},
+             {false, Told::error, false, {}},
+             {true, Told::exception, false, {}}}) {
+        RecordedLog log(std::make_shared<Answer>(authenticated, told));
+        EXPECT_EQ(CorvantaCredentialsManagerImp().isUserAuthenticated(), allowed);
+        EXPECT_EQ(log.take(), lines);
+    }
 
     SharedCorvantaSdkCommon common;
     common.setAuth(std::make_shared<SharedCorvantaSdkFixedAuth>(true));

@@ -15,10 +15,7 @@
 namespace corvanta::test {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::StartsWith;
 using Engine = CorvantaNoiseCancellationEngine;
 
 std::shared_ptr<Engine> engineWith(std::shared_ptr<FFMPEGCommandExecutor> executor) {
@@ -116,8 +113,8 @@ TEST(CleaningFailuresTest, EachHasItsErrorAndLeavesNothing) {
               nameOf(unableToProcessOutput));
     EXPECT_EQ(readFile(run.file("self.mp4")), readFile(good));
     EXPECT_THAT(run.log().take(),
-                testing::Contains(
-                    StartsWith("error event_video_merge_video_and_audio: Merge video and audio failed. ")));
+                testing::Contains(testing::StartsWith(
+                    "error event_video_merge_video_and_audio: Merge video and audio failed. ")));
     EXPECT_EQ(run.clean(good, run.file("at last")), run.file("at last.mp4"));
 }
 
@@ -209,8 +206,7 @@ TEST(NoiseProcessorTest, PassesOnWhatTheLibraryTakes) {
         "Only PCM float32 & int16 are supported, please contact to ZEL team for support\n";
     struct Case {
         unsigned sampleRate;
-        PCMBuffer in;
-        PCMBuffer out;
+        PCMBuffer in, out;
         bool changes;
         std::string told = {};
     };

@@ -2,16 +2,10 @@
 
 #include "support/MediaFixtures.hpp"
 #include "support/RecordedLog.hpp"
-#include "support/ScopedVariable.hpp"
 #include "support/UserFolders.hpp"
 
 #include <CorvantaSdkVideo/CorvantaSdkVideo.hpp>
 #include <platform/Directories.hpp>
-
-#include <filesystem>
-#include <memory>
-#include <string>
-#include <vector>
 
 namespace corvanta::test {
 
@@ -32,14 +26,7 @@ class CleaningRun {
 
     /// The names of the files that runs have left in the temporary and the documents directory.
     std::vector<std::string> leftOver() const {
-        std::vector<std::string> names;
-        for (const std::filesystem::path& folder :
-             {scratch_.path(), std::filesystem::path(Directories::documents().path())}) {
-            for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-                names.push_back(entry.path().filename());
-            }
-        }
-        return names;
+        return namesIn({scratch_.path(), Directories::documents().path()});
     }
 
     std::string file(const std::string& name) const { return user_.file(name); }

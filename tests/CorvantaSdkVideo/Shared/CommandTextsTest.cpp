@@ -6,8 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
-#include <limits>
 
 namespace corvanta::test {
 namespace {
@@ -18,8 +16,7 @@ URL url(const char* text) { return *URL::parse(text); }
 
 TEST(CommandTextsTest, Paths) {
     struct Case {
-        std::string_view path;
-        std::string_view formatted;
+        std::string_view path, formatted;
         bool quotable;
     };
     for (const Case& expected : {Case{"/a b.mp4", "\"/a b.mp4\"", true},
@@ -87,8 +84,7 @@ TEST(CommandTextsTest, Numbers) {
 TEST(CommandTextsTest, Edit) {
     struct Case {
         const char* input;
-        double start;
-        double end;
+        double start, end;
         std::int64_t angle;
         float volume;
         const char* output;

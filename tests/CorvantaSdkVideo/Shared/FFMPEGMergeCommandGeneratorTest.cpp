@@ -1,16 +1,8 @@
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/FFMPEGMergeCommandGenerator.hpp>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <cmath>
-#include <cstdint>
-#include <limits>
-#include <optional>
 #include <regex>
-#include <string>
-#include <utility>
-#include <vector>
 
 namespace corvanta {
 namespace {
@@ -164,10 +156,8 @@ TEST(FFMPEGMergeCommandGenerator, ComputesTheSizeOfATrack) {
     struct Case {
         std::string name;
         std::vector<CorvantaSdkVideoTrackInformation> videos;
-        std::optional<double> width;
-        std::optional<double> height;
-        std::optional<std::int64_t> ownWidth;
-        std::optional<std::int64_t> ownHeight;
+        std::optional<double> width, height;
+        std::optional<std::int64_t> ownWidth, ownHeight;
         std::string size;
     };
     const std::vector<Case> cases = {

@@ -11,8 +11,6 @@
 #include <support/UserFolders.hpp>
 
 #include <fstream>
-#include <functional>
-#include <iterator>
 
 namespace corvanta::test {
 namespace {

@@ -9,13 +9,10 @@
 #include <support/FailingVFS.hpp>
 #include <support/UserFolders.hpp>
 
-#include <functional>
-
 namespace corvanta::test {
 namespace {
 
 namespace fs = std::filesystem;
-using ::testing::AnyOfArray;
 
 // What another process would find if this one died now.
 List foundAfterDeath(const UserFolders& folders) {
@@ -111,7 +108,7 @@ TEST_P(FailingStorageTest, KeepsWhatReturnedAndBringsTheRestLater) {
             }
             onDisk.push_back(sorted(expected));
             EXPECT_EQ(notices > noticesBefore, onDisk.size() == 1);
-            EXPECT_THAT(foundAfterDeath(folders), AnyOfArray(onDisk));
+            EXPECT_THAT(foundAfterDeath(folders), testing::AnyOfArray(onDisk));
         }
         wasReached = vfs.failures() > 0;
 

@@ -3,8 +3,6 @@
 #include <CorvantaSdkVideo/Store/VideoStore.hpp>
 
 #include <algorithm>
-#include <string>
-#include <vector>
 
 /// Records for the tests of stores.
 namespace corvanta::test {
@@ -12,9 +10,6 @@ namespace corvanta::test {
 using List = std::vector<LocalVideoRequest>;
 using Status = LocalVideoRequest::Status;
 using Field = UpdateRequestData::Field;
-
-constexpr auto allStatuses = {Status::processing, Status::error, Status::cancelled, Status::completed,
-                              Status::idle};
 
 /// A record as a builder makes it, of files that aren't there.
 inline LocalVideoRequest makeRecord(Status status = Status::idle, int inputs = 2) {
@@ -46,7 +41,8 @@ inline List sorted(List records) {
 
 inline List allRecords(VideoStore& store) {
     List all;
-    for (const Status status : allStatuses) {
+    for (const Status status :
+         {Status::processing, Status::error, Status::cancelled, Status::completed, Status::idle}) {
         const List some = store.getRequests(status);
         all.insert(all.end(), some.begin(), some.end());
     }

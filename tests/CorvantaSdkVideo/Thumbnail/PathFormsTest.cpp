@@ -3,7 +3,6 @@
 #include "support/RecordedLog.hpp"
 
 #include <CorvantaSdkVideo/CorvantaSdkVideo.hpp>
-#include <platform/Task.hpp>
 
 #include <gtest/gtest.h>
 
@@ -19,30 +18,28 @@ struct PathForm {
     bool thumbnailOutput = true;
 };
 
-std::vector<PathForm> pathForms() {
-    return {
-        {"with blanks  in it "},
-        {"it's 'quoted'"},
-        {"100% sure"},
-        {"a?b#c"},
-        {"größe 動画 🎬"},
-        {"[a]{b}(c)<d>,b@c=d+e~!"},
-        {"line\nbreak\ttab"},
-        {"back\\slash$HOME`id`;*&|"},
-        {std::string(200, 'n')},
-        {"-y"},
-        {".hidden"},
-        {"100%% %s"},
-        // The command's text decodes an output that has been decoded before.
-        {"%20", true, false},
-        // ffmpeg's image writer counts frames with it.
-        {"frame%03d", true, false},
-        // A double quote ends the word.
-        {"\" -y \"", false, false},
-        // A URL's text decodes to UTF-8 or not at all.
-        {"\xff%20", false},
-    };
-}
+const std::vector<PathForm> pathForms = {
+    {"with blanks  in it "},
+    {"it's 'quoted'"},
+    {"100% sure"},
+    {"a?b#c"},
+    {"größe 動画 🎬"},
+    {"[a]{b}(c)<d>,b@c=d+e~!"},
+    {"line\nbreak\ttab"},
+    {"back\\slash$HOME`id`;*&|"},
+    {std::string(200, 'n')},
+    {"-y"},
+    {".hidden"},
+    {"100%% %s"},
+    // The command's text decodes an output that has been decoded before.
+    {"%20", true, false},
+    // ffmpeg's image writer counts frames with it.
+    {"frame%03d", true, false},
+    // A double quote ends the word.
+    {"\" -y \"", false, false},
+    // A URL's text decodes to UTF-8 or not at all.
+    {"\xff%20", false},
+};
 
 /// A clip under the form's name, and files that a misread name could mean.
 class Place {
@@ -89,9 +86,10 @@ std::string thumbnail(const std::string& from, const std::string& to) {
     });
 }
 
-TEST(PathFormsTest, InformationAndThumbnailInput) {
+TEST(PathFormsTest, InformationAndThumbnails) {
     const RecordedLog log;
-    for (const PathForm& form : pathForms()) {
+    const std::string clip = makeClip({});
+    for (const PathForm& form : pathForms) {
         SCOPED_TRACE(form.name);
         const Place place(form);
         const std::vector files = {CorvantaSdkVideoFile(URL::fromFilePath(place.input()))};
@@ -103,25 +101,16 @@ TEST(PathFormsTest, InformationAndThumbnailInput) {
         EXPECT_EQ(thumbnail(place.input(), place.plainOutput()), "");
         fs::remove(place.plainOutput() + ".jpg");
         EXPECT_TRUE(place.isUntouched());
-    }
-}
 
-TEST(PathFormsTest, ThumbnailOutput) {
-    const RecordedLog log;
-    const std::string clip = makeClip({});
-    for (const PathForm& form : pathForms()) {
-        SCOPED_TRACE(form.name);
-        const Place place(form);
         const std::string output = place.output() + ".jpg";
-        for (const bool replacing : {false, true}) {
-            if (replacing) {
-                writeFile(output, "older");
+        const std::string failure = form.thumbnailOutput ? "" : "thumbnailGenerationFailed";
+        for (const std::string older : {"", "older"}) {
+            if (!older.empty()) {
+                writeFile(output, older);
             }
-            EXPECT_EQ(thumbnail(clip, place.output()),
-                      form.thumbnailOutput ? "" : "thumbnailGenerationFailed");
-            EXPECT_EQ(readFile(output).substr(0, 3), form.thumbnailOutput ? "\xff\xd8\xff"
-                                                     : replacing          ? "old"
-                                                                          : "");
+            EXPECT_EQ(thumbnail(clip, place.output()), failure);
+            EXPECT_EQ(readFile(output).substr(0, failure.empty() ? 3 : 5),
+                      failure.empty() ? "\xff\xd8\xff" : older);
             fs::remove(output);
             EXPECT_TRUE(place.isUntouched());
         }

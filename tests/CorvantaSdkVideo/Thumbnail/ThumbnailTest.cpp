@@ -5,16 +5,12 @@
 
 #include <CorvantaSdkVideo/CorvantaSdkVideo.hpp>
 #include <CorvantaSdkVideo/Thumbnail/CorvantaSdkVideoThumbnailGeneratorImplementation.hpp>
-#include <platform/Task.hpp>
 
 #include <gmock/gmock.h>
-
-#include <limits>
 
 namespace corvanta::test {
 namespace {
 
-using testing::ElementsAre;
 using testing::IsEmpty;
 using Size = std::optional<std::int64_t>;
 
@@ -47,11 +43,9 @@ TEST_F(ThumbnailTest, TheFirstFailedCheckEndsIt) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     struct Case {
         bool authenticated;
-        std::string input;
-        std::string output;
+        std::string input, output;
         double millis;
-        Size width;
-        Size height;
+        Size width, height;
         std::string outcome;
     };
     for (const Case& expected : {
@@ -87,7 +81,7 @@ TEST_F(ThumbnailTest, OlderThumbnailsAndTheCommand) {
         writeFile(output + ".jpg", "newer");
     };
     EXPECT_EQ(generate(clip, output, 1999.9, 0), "");
-    EXPECT_THAT(std::exchange(executor_->scripts, {}), ElementsAre(command));
+    EXPECT_THAT(std::exchange(executor_->scripts, {}), testing::ElementsAre(command));
     EXPECT_EQ(readFile(output + ".jpg"), "newer");
 
     // A run that fails, and one that says success and leaves no file.
@@ -137,24 +131,18 @@ TEST(RealThumbnailTest, FramesOfRealClips) {
         EXPECT_EQ(result.generatedThumbnailURL.path(), directory.file("frame.jpg"));
         return frameAt(directory.file("frame.jpg"), 0);
     };
-    struct Case {
-        Clip clip;
-        double millis;
-        Size width;
-        Size height;
-        int shownWidth;
-        int shownHeight;
-    };
-    const Picture red{.source = "color=c=red"};
-    for (const Case& expected :
-         {Case{{.seconds = 2, .pictures = {red}}, 0, {}, {}, 160, 120},
-          {{.seconds = 2, .pictures = {red}}, oneSecond, 80, {}, 80, 60},
-          {{.seconds = 2, .pictures = {red}}, 1900, {}, 240, 320, 240},
-          {{.seconds = 2, .pictures = {red}}, oneSecond, 33, 77, 33, 77},
-          {{.seconds = 2, .pictures = {red}, .rotation = -90}, oneSecond, {}, {}, 120, 160}}) {
-        const Frame frame = make(expected.clip, expected.millis, expected.width, expected.height);
-        EXPECT_EQ(frame.width, expected.shownWidth);
-        EXPECT_EQ(frame.height, expected.shownHeight);
+    const Clip red{.seconds = 2, .pictures = {{.source = "color=c=red"}}};
+    Clip turned = red;
+    turned.rotation = -90;
+    for (const auto& [clip, millis, width, height, shown] :
+         std::vector<std::tuple<Clip, double, Size, Size, std::pair<int, int>>>{
+             {red, 0, {}, {}, {160, 120}},
+             {red, oneSecond, 80, {}, {80, 60}},
+             {red, 1900, {}, 240, {320, 240}},
+             {red, oneSecond, 33, 77, {33, 77}},
+             {turned, oneSecond, {}, {}, {120, 160}}}) {
+        const Frame frame = make(clip, millis, width, height);
+        EXPECT_EQ(std::pair(frame.width, frame.height), shown);
         EXPECT_TRUE(isNear(frame.mean(), {254, 0, 0})) << frame.mean();
     }
     // Past the last frame of a video track that is shorter than the file.

@@ -1,19 +1,12 @@
 #include <CorvantaSdkVideo/TracksManager/TracksManager.hpp>
 
+#include "support/Failure.hpp"
 #include "support/Processes.hpp"
 #include "support/UserFolders.hpp"
 
 #include <platform/Directories.hpp>
-#include <platform/Errors.hpp>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <functional>
-#include <map>
-#include <string>
-#include <vector>
 
 namespace corvanta {
 namespace {
@@ -49,22 +42,9 @@ TEST(FFMPEGVideoTracksCommandGenerator, WritesTheScripts) {
 
 class TracksManagerTest : public testing::Test {
   protected:
-    std::vector<std::string> temporaryFiles() const {
-        std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(Directories::documents().path())) {
-            names.push_back(entry.path());
-        }
-        return names;
-    }
-
-    // "FAILED 127" for a command that was not started.
+    std::vector<std::string> temporaryFiles() const { return namesIn({Directories::documents().path()}); }
     std::string errorOf(Task<> task) const {
-        try {
-            runBlocking(std::move(task));
-        } catch (const PlatformError& error) {
-            return error.domain() + ' ' + std::to_string(error.code());
-        }
-        return "";
+        return failureOf([&] { runBlocking(std::move(task)); });
     }
 
     std::string file(const std::string& name) const { return folders_.file(name); }
@@ -80,8 +60,7 @@ TEST_F(TracksManagerTest, ChangesTheTracksOfRealFiles) {
     struct Case {
         std::string name;
         std::function<Task<>()> run;
-        std::vector<std::int64_t> videoDurations;
-        std::vector<std::int64_t> audioDurations;
+        std::vector<std::int64_t> videoDurations, audioDurations;
     };
     const std::vector<Case> cases = {
         {"add audio", [&] { return manager_.addAudioTrack(clip, output, 3000); }, {2000}, {2000, 3000}},
@@ -126,7 +105,7 @@ TEST_F(TracksManagerTest, PassesOnWhatFFmpegRefusesAndLeavesTheTemporaryFile) {
     const URL blind = fileURL(makeClip({.pictures = {}}));
     const URL missing = fileURL(file("missing.mp4"));
     const URL output = fileURL(file("out.mp4"));
-    const std::string refused = "COMPLETED 1";
+    const std::string refused = "COMPLETED error 1";
     EXPECT_EQ(errorOf(manager_.addAudioTrack(silent, output, 500)), refused);
     EXPECT_THAT(temporaryFiles(), SizeIs(1));
     EXPECT_EQ(errorOf(manager_.addVideoTrack(blind, output, 500, 64, 64)), refused);
@@ -140,14 +119,14 @@ TEST_F(TracksManagerTest, PassesOnWhatFFmpegRefusesAndLeavesTheTemporaryFile) {
     EXPECT_FALSE(std::filesystem::exists(output.path()));
 
     const ScopedVariable noProgram("CORVANTA_FFMPEG", "/nonexistent/ffmpeg");
-    EXPECT_EQ(errorOf(manager_.removeAudioTrack(clip, output)), "FAILED 127");
+    EXPECT_EQ(errorOf(manager_.removeAudioTrack(clip, output)), "FAILED error 127");
 }
 
 TEST_F(TracksManagerTest, RefusesPathsThatACommandCannotCarry) {
     const std::string clip = makeClip({});
     const std::string plain = file("a b.mp4");
     writeFile(plain, "kept");
-    const std::string notStarted = "FAILED 127";
+    const std::string notStarted = "FAILED error 127";
     const auto expectRefused = [&](const URL& input, const URL& output) {
         SCOPED_TRACE(input.absoluteString() + " to " + output.absoluteString());
         EXPECT_EQ(errorOf(manager_.addVideoTrack(input, output, 500, 64, 64)), notStarted);

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include <csignal>
-#include <filesystem>
 
 namespace corvanta::test {
 namespace {
@@ -20,13 +19,7 @@ struct HostFolders {
     HostFolders() { std::filesystem::create_directory(directory.file("tmp")); }
 
     std::vector<std::string> leftOver() const {
-        std::vector<std::string> names;
-        for (const std::string folder : {"tmp", "data/corvanta-sdk-video/documents"}) {
-            for (const auto& entry : std::filesystem::directory_iterator(directory.file(folder))) {
-                names.push_back(entry.path().filename());
-            }
-        }
-        return names;
+        return namesIn({directory.file("tmp"), directory.file("data/corvanta-sdk-video/documents")});
     }
 };
 

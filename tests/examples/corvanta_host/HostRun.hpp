@@ -2,9 +2,6 @@
 
 #include "support/Processes.hpp"
 
-#include <string>
-#include <vector>
-
 namespace corvanta::test {
 
 /// A run of the terminal host that has ended.

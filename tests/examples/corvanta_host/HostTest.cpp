@@ -5,20 +5,18 @@
 #include <nlohmann/json.hpp>
 
 #include <csignal>
-#include <filesystem>
 
 namespace corvanta::test {
 namespace {
 
 using nlohmann::json;
 using testing::HasSubstr;
-using testing::MatchesRegex;
 using testing::StartsWith;
 using Words = std::vector<std::string>;
 
 // One line with the text at its start.
 auto tells(const std::string& text) {
-    return testing::AllOf(StartsWith("corvanta_host: " + text), MatchesRegex("[^\n]*\n"));
+    return testing::AllOf(StartsWith("corvanta_host: " + text), testing::MatchesRegex("[^\n]*\n"));
 }
 
 TEST(HostTest, Information) {
@@ -91,15 +89,11 @@ TEST(HostTest, FailuresAreOneLineWithTheCaseName) {
              {{"info", text}, "getInformationFailed: Error getting video info: file://"},
              {{"info", clip, "--logged-out"},
               "userNotAuthenticated: Validate authentication failed: SDK not authenticated"},
-             {{"thumbnail", "/no/such", output}, "notFoundVideo"},
              {{"thumbnail", clip, output, "--width", "-1"}, "invalidThumbnailWidth"},
              {{"thumbnail", clip, output, "--height=-1"}, "invalidThumbnailHeight"},
-             {{"thumbnail", clip, output, "--at", "1e9"}, "invalidPositionInVideo"},
              {{"thumbnail", text, output, "--at", "0"}, "AssetReader error "},
              {{"thumbnail", clip, directory.file("no/such/out"), "--at", "0"},
               "thumbnailGenerationFailed: Error creating thumbnail"},
-             {{"edit", output, clip, "--start", "nan", "--end", "1"}, "invalidTrimRange"},
-             {{"edit", text, text, "--start", "0", "--end", "1"}, "invalidFile"},
              {{"--json", "edit", directory.file("no/out"), clip, "--start", "0", "--end", "1"},
               "trimFailed: Error editing video. "}}) {
         const HostRun ended = runHost(arguments);
@@ -129,11 +123,12 @@ TEST(HostTest, FailuresAreOneLineWithTheCaseName) {
     }
 }
 
-TEST(HostTest, AnInterruptEndsTheRunAndItsChildAndASecondOneTheHost) {
+TEST(HostTest, AnInterruptEndsTheRunASecondOneTheHostAndItsDeathTheChild) {
     const TemporaryDirectory directory;
     // A child that takes its time gives the second signal the chance to end the program as usual.
-    for (const auto& [onSignal, signals] :
-         {std::pair("exit 1", std::vector{SIGTERM}), {":", std::vector{SIGINT, SIGINT}}}) {
+    for (const auto& [onSignal, signals] : {std::pair("exit 1", std::vector{SIGTERM}),
+                                            {":", std::vector{SIGINT, SIGINT}},
+                                            {":", std::vector{SIGKILL}}}) {
         const FakeProgram waiting("CORVANTA_FFMPEG", std::string("trap ': >\"$here/asked\"; ") + onSignal +
                                                          "' TERM\n: >\"$here/started\"\n"
                                                          "while :; do sleep 0.05; done\n");
@@ -143,10 +138,11 @@ TEST(HostTest, AnInterruptEndsTheRunAndItsChildAndASecondOneTheHost) {
         ASSERT_EQ(children.size(), 1U);
         for (const int signal : signals) {
             host.signal(signal);
-            ASSERT_TRUE(eventually([&] { return std::filesystem::exists(waiting.file("asked")); }));
+            ASSERT_TRUE(signal == SIGKILL ||
+                        eventually([&] { return std::filesystem::exists(waiting.file("asked")); }));
         }
-        const bool killed = signals.size() == 2;
-        EXPECT_EQ(host.wait(), killed ? -SIGINT : 1);
+        const bool killed = signals.front() != SIGTERM;
+        EXPECT_EQ(host.wait(), killed ? -signals.front() : 1);
         EXPECT_TRUE(eventually([&] { return !isAlive(children.front()); }));
         EXPECT_EQ(host.output(), "");
         EXPECT_THAT(host.errors(), StartsWith(killed ? "" : "corvanta_host: thumbnailGenerationFailed: "));

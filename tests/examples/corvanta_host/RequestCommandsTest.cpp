@@ -1,18 +1,15 @@
 #include "examples/corvanta_host/HostRun.hpp"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include <csignal>
-#include <filesystem>
 #include <regex>
 
 namespace corvanta::test {
 namespace {
 
 using nlohmann::json;
-using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::MatchesRegex;
 
@@ -145,7 +142,8 @@ TEST_F(RequestCommandsTest, FindTheRequestsOfAnotherProcess) {
     EXPECT_EQ(again.status, 0) << again.errors;
     EXPECT_EQ(json::parse(again.output), (json{{"id", merged.id()}, {"videoURL", file("a/b.mp4")}}));
     EXPECT_EQ(probed(file("a/b.mp4")).videos[0].height, 128);
-    EXPECT_THAT(run({"process", merged.id()}).errors, EndsWith("corvanta_host: operationAlreadyCompleted\n"));
+    EXPECT_THAT(run({"process", merged.id()}).errors,
+                testing::EndsWith("corvanta_host: operationAlreadyCompleted\n"));
     EXPECT_EQ(requests("complete")[0]["id"], merged.id());
 
     // A stored path is found by what the file is, wherever it was moved in its folder.
