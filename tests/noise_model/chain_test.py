@@ -85,6 +85,23 @@ def check_library(library_path, shape, folder):
     return good
 
 
+def check_torch(shape):
+    try:
+        import torch
+        from network import Network
+    except ImportError:
+        print("torch isn't installed: its network isn't checked")
+        return True
+    parameters = random_parameters(shape)
+    network = Network(shape, parameters["mean"], parameters["deviation"])
+    network.load_state_dict({name: torch.from_numpy(value) for name, value in parameters.items()})
+    clip = make_clip(3).astype(np.float32)
+    bands = chain.features(chain.spectra(clip, shape), chain.rescaling(clip, shape), shape)
+    difference = np.abs(network.run(bands) - masks(Model(model_file.records_of(parameters, shape), {}), bands, shape)).max()
+    print(f"torch's network beside the reference: {difference:.1e}")
+    return bool(difference < 1e-4)
+
+
 def check_packing(shape):
     """What is packed comes back as it was, and rounding moves a weight by less than one part in 256."""
     parameters = random_parameters(shape)
@@ -114,7 +131,8 @@ def check_metrics():
 def main():
     shape = chain.Shape(state=48)
     with tempfile.TemporaryDirectory() as folder:
-        results = check_library(sys.argv[1], shape, Path(folder)), check_packing(shape), check_metrics()
+        results = (check_library(sys.argv[1], shape, Path(folder)), check_torch(shape), check_packing(shape),
+                   check_metrics())
     return 0 if all(results) else 1
 
 
