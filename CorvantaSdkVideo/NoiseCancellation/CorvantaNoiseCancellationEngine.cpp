@@ -135,7 +135,7 @@ CorvantaNoiseCancellationEngine::clearNoiseForFile(CorvantaSdkVideoFile input,
 Task<CorvantaSdkVideoNoiseCancellationResult>
 CorvantaNoiseCancellationEngine::run(Self self, CorvantaSdkVideoFile file,
                                      CorvantaSdkVideoFileDescriptor location) {
-    const URL input = file.url();
+    const URL& input = file.url();
     const auto output = location.url(file.fileExtension());
     if (!output) {
         throw Error(Error::unableToProcessOutput);

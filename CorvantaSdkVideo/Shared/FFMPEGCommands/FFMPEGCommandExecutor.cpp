@@ -156,9 +156,8 @@ Task<ExecutionResult> FFMPEGCommandExecutorImplementation::executeFFMPEGProbeCom
 }
 
 Task<CorvantaSdkVideoInformation> FFMPEGCommandExecutorImplementation::getMediaInformation(URL url) {
-    const CorvantaSdkVideoError failed(CorvantaSdkVideoError::getInformationFailed);
     if (!isProbeable(url)) {
-        throw failed;
+        throw CorvantaSdkVideoError(CorvantaSdkVideoError::getInformationFailed);
     }
     std::string arguments = "-i " + ffmpegFormatted(url.absoluteString()) +
                             " -v quiet -print_format json -show_format -show_streams -hide_banner";
@@ -170,7 +169,7 @@ Task<CorvantaSdkVideoInformation> FFMPEGCommandExecutorImplementation::getMediaI
     }
     auto probe = result ? parseProbeOutput(result->output) : std::nullopt;
     if (!probe) {
-        throw failed;
+        throw CorvantaSdkVideoError(CorvantaSdkVideoError::getInformationFailed);
     }
     const auto transform = probe->videos.empty() ? AffineTransform{} : preferredTransformForStoredFile(url);
     const Display display = displayOf(probe->videos, transform);

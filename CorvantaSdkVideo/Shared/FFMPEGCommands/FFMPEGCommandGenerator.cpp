@@ -24,7 +24,7 @@ std::string createConcatCommandInputFile(const std::vector<CorvantaSdkVideoInfor
     for (const CorvantaSdkVideoInformation& asset : assetsMetadata) {
         list += "file " + asset.url.path() + '\n';
     }
-    const std::string path = inputFileURL.path();
+    std::string path = inputFileURL.path();
     FileManager::createFile(path, list);
     return path;
 }

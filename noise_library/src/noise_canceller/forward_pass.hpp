@@ -11,8 +11,7 @@
 /// The networks. A hidden layer has two affine maps side by side, one through a rectifier and one
 /// straight, whose results are added; the last entry of the non-linear list is the output layer.
 /// Each pass replaces `inOut` by the output, and the recurrent ones update `state`. `Params` needs
-/// the weights named in a function only; sizes that don't fit are assertions. Without buffers a pass
-/// makes its own, which allocates.
+/// the weights named in a function only; sizes that don't fit are assertions.
 namespace TALVO::NOISE_CANCELLER::NOISE_CLEANER_FUNCTIONS {
 
 /// Working room of the passes, kept by a cleaner so that a frame allocates nothing.
@@ -91,12 +90,6 @@ void calcRMForwardProp_DNN(std::vector<float>& inOut, Params const& params, Pass
 }
 
 template <class Params>
-void calcRMForwardProp_DNN(std::vector<float>& inOut, Params const& params) {
-    PassBuffers buffers;
-    calcRMForwardProp_DNN(inOut, params, buffers);
-}
-
-template <class Params>
 bool listsFit(Params const& params) {
     return !params.weight_wnl.empty() && params.weight_wnl.size() - 1 <= params.weight_wl.size() &&
            params.weight_wnl.size() - 1 <= params.weight_bl.size() &&
@@ -119,12 +112,6 @@ void calcRMForwardProp_RNN(std::vector<float>& state, std::vector<float>& inOut,
         applyLayer(i, state, params, buffers);
     TALVO_ASSERT(i == params.weight_wnl.size() - 1, "i==params.weight_wnl.size()-1");
     applyOutputLayer(state, inOut, params, buffers);
-}
-
-template <class Params>
-void calcRMForwardProp_RNN(std::vector<float>& state, std::vector<float>& inOut, Params const& params) {
-    PassBuffers buffers;
-    calcRMForwardProp_RNN(state, inOut, params, buffers);
 }
 
 /// A gated memory in front of a stack, up to the output layer; gives back the layers run.
@@ -166,13 +153,6 @@ void calcRMForwardProp_GRU_Modify(std::vector<float>& state, std::vector<float>&
     applyOutputLayer(inOut, inOut, params, buffers);
 }
 
-template <class Params>
-void calcRMForwardProp_GRU_Modify(std::vector<float>& state, std::vector<float>& inOut,
-                                  Params const& params) {
-    PassBuffers buffers;
-    calcRMForwardProp_GRU_Modify(state, inOut, params, buffers);
-}
-
 /// The same for voice activity, whose linear list is as long as the non-linear one.
 template <class Params>
 void calcRMForwardProp_GRU_VAD_Modify(std::vector<float>& state, std::vector<float>& inOut,
@@ -180,13 +160,6 @@ void calcRMForwardProp_GRU_VAD_Modify(std::vector<float>& state, std::vector<flo
     std::size_t const i = calcGatedLayers(state, inOut, params, buffers);
     TALVO_ASSERT(i == params.weight_wl.size() - 1, "i==params.weight_wl.size()-1");
     applyOutputLayer(inOut, inOut, params, buffers);
-}
-
-template <class Params>
-void calcRMForwardProp_GRU_VAD_Modify(std::vector<float>& state, std::vector<float>& inOut,
-                                      Params const& params) {
-    PassBuffers buffers;
-    calcRMForwardProp_GRU_VAD_Modify(state, inOut, params, buffers);
 }
 
 } // namespace TALVO::NOISE_CANCELLER::NOISE_CLEANER_FUNCTIONS

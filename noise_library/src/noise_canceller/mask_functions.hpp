@@ -81,11 +81,4 @@ void calcNoiseAddToNoise(std::vector<float> const& rm, Spectrum const& spectrum,
     noise.calculateNoise();
 }
 
-template <class Params>
-void calcNoiseAddToNoise(std::vector<float> const& rm, Spectrum const& spectrum, UTILS::Noise& noise,
-                         Params const& params) {
-    std::vector<float> frame;
-    calcNoiseAddToNoise(rm, spectrum, noise, frame, params);
-}
-
 } // namespace TALVO::NOISE_CANCELLER::NOISE_CLEANER_FUNCTIONS
