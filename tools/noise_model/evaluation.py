@@ -153,7 +153,8 @@ def evaluate(folder, library, model, clip_count=60):
     _by_noise(ours, folder, clips.noises, max(4, clip_count // 4))
     _by_level(ours, clips)
     kept = _kept(ours, clips)
-    print(f"\nClean speech kept (SI-SDR of the output beside the input): mean {kept.mean():.1f} dB, worst {kept.min():.1f} dB")
+    print(f"\nClean speech kept (SI-SDR of the output beside the input): mean {kept.mean():.1f} dB, worst {kept.min():.1f} dB, "
+          f"{np.sum(kept < 40)} of {kept.size} under 40 dB")
     for distance in (5, 10, 15):
         print(f"Between words at {distance} dB: noise down by {between_words(ours, clips.at(distance, -26)):.1f} dB")
     print(f"Processor time per second of sound, this tool's calls included: {_speed(ours):.4f} s")
