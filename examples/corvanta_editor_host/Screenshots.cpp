@@ -64,7 +64,7 @@ class Stage {
         window.contentItem()->setSize(window.size());
         const auto output = CorvantaSdkVideoFileDescriptor::custom(
             parseablePath(outputs.filePath(QStringLiteral("edited")).toStdString()));
-        EditorCover cover(engine, *window.contentItem(), makeEditorViewModel(video_, output, {}),
+        const EditorCover cover(engine, *window.contentItem(), makeEditorViewModel(video_, output, {}),
                           orientation);
         Model& model = cover.viewModel();
         if (model.isAuthenticated()) {
@@ -109,11 +109,11 @@ void trim(Model& model) {
 }
 
 void writeLandscape(const Stage& stage, const char* name, const char* orientation) {
-    QTemporaryDir directory;
+    const QTemporaryDir directory;
     const QString file = directory.filePath(QStringLiteral("Info.json"));
     QFile information(file);
     if (!information.open(QIODevice::WriteOnly) ||
-        information.write(QByteArray("{\"UISupportedInterfaceOrientations\": [\"") + orientation + "\"]}") <
+        information.write(QByteArray(R"({"UISupportedInterfaceOrientations": [")") + orientation + "\"]}") <
             0) {
         throw std::runtime_error("Can't write " + file.toStdString());
     }

@@ -67,7 +67,7 @@ int main(int argumentCount, char** arguments) {
     if (std::any_of(arguments, arguments + argumentCount, isScreenshot)) {
         setenv("QT_QPA_PLATFORM", "offscreen", 0);
     }
-    QGuiApplication application(argumentCount, arguments);
+    const QGuiApplication application(argumentCount, arguments);
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Opens the editor on a video file."));
     parser.addHelpOption();

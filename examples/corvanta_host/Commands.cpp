@@ -6,6 +6,7 @@ using namespace corvanta;
 
 std::vector<CorvantaSdkVideoFile> inputFiles(const std::vector<std::string>& paths) {
     std::vector<CorvantaSdkVideoFile> files;
+    files.reserve(paths.size());
     for (const std::string& path : paths) {
         files.emplace_back(URL::fromFilePath(path));
     }
