@@ -1,3 +1,4 @@
+#include "Cost.hpp"
 #include "support/MediaFixtures.hpp"
 #include "support/UserFolders.hpp"
 
@@ -5,24 +6,15 @@
 
 #include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include <sys/resource.h>
 
 // Cleaning a long video beside what ffmpeg takes for copying its picture and cleaning its sound in its own
 // way. Both are mostly reading, decoding and writing.
 
 namespace corvanta {
 namespace {
-
-// Seconds.
-struct Cost {
-    double wall;
-    double processor;
-};
 
 const test::UserFolders& folders() {
     static const test::UserFolders user;
@@ -53,27 +45,6 @@ const std::string& tenMinuteClip() {
         return clip;
     }();
     return path;
-}
-
-double processorSeconds() {
-    double sum = 0;
-    for (const int who : {RUSAGE_SELF, RUSAGE_CHILDREN}) {
-        rusage usage{};
-        getrusage(who, &usage);
-        for (const timeval& time : {usage.ru_utime, usage.ru_stime}) {
-            sum += static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
-        }
-    }
-    return sum;
-}
-
-template <typename Work>
-Cost costOf(const Work& work) {
-    const double before = processorSeconds();
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return {std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(),
-            processorSeconds() - before};
 }
 
 void cleaningOfTenMinutes(benchmark::State& state) {
