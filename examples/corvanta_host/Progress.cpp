@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <mutex>
 #include <utility>
 
@@ -15,7 +16,7 @@ namespace {
 constexpr int barWidth = 30;
 
 std::string clockTime(double seconds) {
-    const auto whole = static_cast<std::int64_t>(seconds + 0.5);
+    const auto whole = static_cast<std::int64_t>(std::llround(seconds));
     return fmt::format("{}:{:02}", whole / 60, whole % 60);
 }
 

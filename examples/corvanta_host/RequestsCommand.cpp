@@ -105,6 +105,7 @@ void addRequestsCommand(CLI::App& app, Command& chosen) {
     auto* command = app.add_subcommand("requests", "List the stored requests");
     const auto status = std::make_shared<std::string>();
     std::vector<std::string> names;
+    names.reserve(std::size(allStatuses));
     for (const Status known : allStatuses) {
         names.emplace_back(name(known));
     }
