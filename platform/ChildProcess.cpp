@@ -20,8 +20,7 @@ namespace corvanta {
 
 namespace {
 
-constexpr int progressDescriptor = 3;
-// Where a failed start writes its reason; closed by a start that succeeds.
+// Where a failed start writes its reason, behind the progress at 3; closed by a start that succeeds.
 constexpr int errorDescriptor = 4;
 
 [[noreturn]] void fail(int error, const std::string& what) {
