@@ -32,8 +32,8 @@ class CorvantaNoiseProcessor {
     /// Samples in a frame.
     unsigned bufferSize() const { return bufferSize_; }
 
-    /// Loads the model from the module's resources and opens the session. Throws `configurationError`; a module that has
-    /// no resource folder at all stops the process.
+    /// Loads the model from the module's resources and opens the session. Throws `configurationError`; a
+    /// module that has no resource folder at all stops the process.
     void startSession();
 
     /// Cleans one frame of `bufferSize()` samples. What the library refuses leaves `bufferOut` as it was.

@@ -65,7 +65,7 @@ class Stage {
         const auto output = CorvantaSdkVideoFileDescriptor::custom(
             parseablePath(outputs.filePath(QStringLiteral("edited")).toStdString()));
         const EditorCover cover(engine, *window.contentItem(), makeEditorViewModel(video_, output, {}),
-                          orientation);
+                                orientation);
         Model& model = cover.viewModel();
         if (model.isAuthenticated()) {
             waitUntil("the thumbnails", [&model] {

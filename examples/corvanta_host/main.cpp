@@ -23,8 +23,8 @@ int main(int argumentCount, char** arguments) {
 
     Command command;
     for (const auto add : {addInfoCommand, addThumbnailCommand, addCanConcatCommand, addConcatCommand,
-                           addMergeCommand, addEncodeCommand, addEditCommand, addCleanCommand, addTracksCommand,
-                           addRequestsCommand, addWatchCommand, addProcessCommand}) {
+                           addMergeCommand, addEncodeCommand, addEditCommand, addCleanCommand,
+                           addTracksCommand, addRequestsCommand, addWatchCommand, addProcessCommand}) {
         add(app, command);
     }
     try {

@@ -30,9 +30,7 @@ std::filesystem::path const& folder() {
 
 } // namespace
 
-std::wstring scratchFolder() {
-    return folder().wstring() + L"/";
-}
+std::wstring scratchFolder() { return folder().wstring() + L"/"; }
 
 std::wstring writeScratchFile(char const* name, void const* data, std::size_t size) {
     std::ofstream(folder() / name, std::ios::binary)

@@ -40,9 +40,7 @@ TalvoAudioInstanceT* TalvoAudioInstanceT::Instance(MODE mode, wchar_t const* wor
     TALVO_THROW("Incorrect instance access mode...");
 }
 
-TalvoAudioInstanceT::~TalvoAudioInstanceT() {
-    clearAll();
-}
+TalvoAudioInstanceT::~TalvoAudioInstanceT() { clearAll(); }
 
 void TalvoAudioInstanceT::clearAll() {
     sessions_.clear();

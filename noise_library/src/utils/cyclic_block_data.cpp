@@ -11,17 +11,11 @@ CyclicBlockData::CyclicBlockData(std::size_t size) {
     data_.resize(size + 1);
 }
 
-void CyclicBlockData::push_back(float const* p, std::size_t n) {
-    std::copy_n(p, n, grow(n));
-}
+void CyclicBlockData::push_back(float const* p, std::size_t n) { std::copy_n(p, n, grow(n)); }
 
-void CyclicBlockData::push_back(short const* p, std::size_t n) {
-    std::copy_n(p, n, grow(n));
-}
+void CyclicBlockData::push_back(short const* p, std::size_t n) { std::copy_n(p, n, grow(n)); }
 
-void CyclicBlockData::push_backNULL(std::size_t n) {
-    std::fill_n(grow(n), n, 0.0f);
-}
+void CyclicBlockData::push_backNULL(std::size_t n) { std::fill_n(grow(n), n, 0.0f); }
 
 void CyclicBlockData::pop_front(std::size_t n) {
     startindx_ += n;

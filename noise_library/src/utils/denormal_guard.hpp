@@ -11,12 +11,8 @@ namespace TALVO::UTILS {
 class DenormalGuard {
   public:
 #if defined(__SSE2__)
-    DenormalGuard() : before_(_mm_getcsr()) {
-        _mm_setcsr(before_ | flushToZero | denormalsAreZero);
-    }
-    ~DenormalGuard() {
-        _mm_setcsr(before_);
-    }
+    DenormalGuard() : before_(_mm_getcsr()) { _mm_setcsr(before_ | flushToZero | denormalsAreZero); }
+    ~DenormalGuard() { _mm_setcsr(before_); }
 #else
     DenormalGuard() = default;
 #endif

@@ -16,9 +16,7 @@ void Path::openOfstream(std::ofstream& stream, std::ios_base::openmode mode) con
     stream.open(convertWString2MBString(path_), mode);
 }
 
-bool Path::isAbsolute() const {
-    return !path_.empty() && path_.front() == separator_.front();
-}
+bool Path::isAbsolute() const { return !path_.empty() && path_.front() == separator_.front(); }
 
 void Path::replaceAllSeparatorsWithMainSeparator() {
     for (wchar_t& character : path_)
@@ -67,13 +65,9 @@ std::wstring Path::getFileExtension() const {
     return path_.substr(dot + 1);
 }
 
-std::string Path::convertWString2MBString(std::wstring const& wide) {
-    return toUtf8(wide);
-}
+std::string Path::convertWString2MBString(std::wstring const& wide) { return toUtf8(wide); }
 
-std::wstring Path::convertMBString2WString(std::string const& narrow) {
-    return fromUtf8(narrow);
-}
+std::wstring Path::convertMBString2WString(std::string const& narrow) { return fromUtf8(narrow); }
 
 std::wstring getFileName(wchar_t const* path) {
     std::wstring_view const whole(path);
@@ -90,8 +84,6 @@ std::wstring getFileExtension(wchar_t const* path) {
     return dot == std::wstring_view::npos ? std::wstring() : std::wstring(whole.substr(dot + 1));
 }
 
-std::string getString(wchar_t const* wide) {
-    return toUtf8(wide);
-}
+std::string getString(wchar_t const* wide) { return toUtf8(wide); }
 
 } // namespace TALVO::UTILS

@@ -5,9 +5,7 @@
 
 namespace TALVO::UTILS {
 
-void Resampler::Close::operator()(void* handle) const {
-    resample_close(handle);
-}
+void Resampler::Close::operator()(void* handle) const { resample_close(handle); }
 
 Resampler::Resampler(std::size_t inCount, std::size_t outCount)
     : ratio_(static_cast<double>(outCount) / static_cast<double>(inCount)) {

@@ -10,9 +10,7 @@ namespace {
 
 static_assert(sizeof(wchar_t) == 4, "a wide character holds a whole code point");
 
-bool isCodePoint(std::uint32_t value) {
-    return value <= 0x10FFFF && (value < 0xD800 || value > 0xDFFF);
-}
+bool isCodePoint(std::uint32_t value) { return value <= 0x10FFFF && (value < 0xD800 || value > 0xDFFF); }
 
 /// Bytes that the lead byte announces; 0 for one that can't lead.
 std::size_t sequenceLength(unsigned char lead) {

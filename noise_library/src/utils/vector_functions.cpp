@@ -97,9 +97,7 @@ float vectorRMS(float const* v1_ptr, std::size_t v1Size) {
     return static_cast<float>(std::sqrt(sum / static_cast<double>(v1Size)) + 1e-6);
 }
 
-float vectorRMS(std::vector<float> const& v1) {
-    return vectorRMS(v1.data(), v1.size());
-}
+float vectorRMS(std::vector<float> const& v1) { return vectorRMS(v1.data(), v1.size()); }
 
 void vectorSymetricSumWithCoefficient(std::vector<float> const& v1, std::vector<float> const& gamma,
                                       std::vector<float> const& v2, std::vector<float>& out) {
