@@ -116,6 +116,7 @@ class Trainer:
     def __init__(self, folder, hours, rate, parameters=None, workers=1, reuse=0.5, shape=chain.Shape(), seed=1):
         """`parameters` are those of a trained network to begin with; a checkpoint in `folder` goes before them."""
         self.folder, self.hours, self.rate, self.shape = Path(folder), hours, rate, shape
+        self.path("").mkdir(parents=True, exist_ok=True)
         torch.manual_seed(seed)
         self.elapsed, self.step, self.best = 0.0, 0, -math.inf
         saved = torch.load(self.path("last.pt")) if self.path("last.pt").exists() else None
@@ -145,7 +146,6 @@ class Trainer:
         return self.folder / "checkpoints" / name
 
     def save(self, name):
-        self.path("").mkdir(parents=True, exist_ok=True)
         content = {
             "network": self.network.state_dict(), "average": self.average.state_dict(),
             "optimiser": self.optimiser.state_dict(), "elapsed": self.elapsed, "step": self.step, "best": self.best,
