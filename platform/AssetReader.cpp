@@ -1,10 +1,9 @@
 #include <platform/AssetReader.hpp>
 
 #include <platform/Errors.hpp>
-#include <platform/FileManager.hpp>
+#include <platform/MediaOpening.hpp>
 
 #include <array>
-#include <cerrno>
 #include <cstdint>
 #include <span>
 #include <utility>
@@ -12,7 +11,6 @@
 extern "C" {
 #include <libavformat/avformat.h>
 #include <libavutil/intreadwrite.h>
-#include <libavutil/log.h>
 }
 
 namespace corvanta {
@@ -20,21 +18,6 @@ namespace corvanta {
 namespace {
 
 PlatformError failure(int code) { return {"AssetReader", code}; }
-
-// A refused file is told by an error; the library's own lines on the host's standard error would only repeat
-// it. A host that has set a level of its own keeps it.
-void quietenLibrary() {
-    [[maybe_unused]] static const bool once = [] {
-        if (av_log_get_level() == AV_LOG_INFO) {
-            av_log_set_level(AV_LOG_QUIET);
-        }
-        return true;
-    }();
-}
-
-struct CloseInput {
-    void operator()(AVFormatContext* format) const { avformat_close_input(&format); }
-};
 
 struct FreePacket {
     void operator()(AVPacket* packet) const { av_packet_free(&packet); }
@@ -68,62 +51,45 @@ double skippedSeconds(const AVPacket& packet, const AVStream& track) {
 } // namespace
 
 struct AssetReader::Context {
-    std::unique_ptr<AVFormatContext, CloseInput> format;
-    bool analysed = false;
+    explicit Context(const URL& url) : media(url.path()) {}
 
-    // Most containers tell what is wanted in their header; the others need some packets read.
-    void analyse() {
-        if (!analysed) {
-            analysed = true;
-            if (const int result = avformat_find_stream_info(format.get(), nullptr); result < 0) {
-                throw failure(result);
-            }
-        }
-    }
+    AVFormatContext& format() const { return media.format(); }
 
     const AVStream* firstTrack(AVMediaType type) const {
-        for (unsigned index = 0; index < format->nb_streams; ++index) {
-            if (format->streams[index]->codecpar->codec_type == type) {
-                return format->streams[index];
+        for (const AVStream* track : std::span(format().streams, format().nb_streams)) {
+            if (track->codecpar->codec_type == type) {
+                return track;
             }
         }
         return nullptr;
     }
+
+    // Most containers tell what is wanted in their header; the others need some packets read.
+    OpenMedia media;
 };
 
-AssetReader::AssetReader(const URL& url) : context_(std::make_unique<Context>()) {
-    quietenLibrary();
-    const std::string path = url.path();
-    if (!FileManager::fileExists(path) || FileManager::isEndless(path)) {
-        throw failure(AVERROR(ENOENT));
-    }
-    AVFormatContext* format = nullptr;
-    // The protocol's name keeps a relative path with a colon from being read as another protocol.
-    const int result = avformat_open_input(&format, ("file:" + path).c_str(), nullptr, nullptr);
-    if (result < 0) {
-        throw failure(result);
-    }
-    context_->format.reset(format);
-}
+AssetReader::AssetReader(const URL& url) : context_(std::make_unique<Context>(url)) {}
 
 AssetReader::AssetReader(AssetReader&&) noexcept = default;
 AssetReader& AssetReader::operator=(AssetReader&&) noexcept = default;
 AssetReader::~AssetReader() = default;
 
 double AssetReader::duration() {
-    const auto& format = context_->format;
-    if (format->duration == AV_NOPTS_VALUE) {
-        context_->analyse();
+    const AVFormatContext& format = context_->format();
+    if (format.duration == AV_NOPTS_VALUE) {
+        context_->media.analyse();
     }
-    if (format->duration == AV_NOPTS_VALUE) {
+    const double seconds = static_cast<double>(format.duration) / AV_TIME_BASE;
+    // What stands for "unknown" is beyond that as well.
+    if (!isPossibleDuration(seconds)) {
         throw failure(AVERROR_INVALIDDATA);
     }
-    return static_cast<double>(format->duration) / AV_TIME_BASE;
+    return seconds;
 }
 
 std::optional<AffineTransform> AssetReader::firstVideoTrackTransform() {
     if (context_->firstTrack(AVMEDIA_TYPE_VIDEO) == nullptr) {
-        context_->analyse();
+        context_->media.analyse();
     }
     const AVStream* track = context_->firstTrack(AVMEDIA_TYPE_VIDEO);
     if (track == nullptr) {
@@ -141,7 +107,7 @@ std::optional<AffineTransform> AssetReader::firstVideoTrackTransform() {
 }
 
 std::optional<VideoTrackFormat> AssetReader::firstVideoTrackFormat() {
-    context_->analyse();
+    context_->media.analyse();
     const AVStream* track = context_->firstTrack(AVMEDIA_TYPE_VIDEO);
     if (track == nullptr || (track->disposition & AV_DISPOSITION_ATTACHED_PIC) != 0) {
         return std::nullopt;
@@ -154,22 +120,22 @@ std::optional<VideoTrackFormat> AssetReader::firstVideoTrackFormat() {
 }
 
 bool AssetReader::hasAudioTrack() {
-    context_->analyse();
+    context_->media.analyse();
     return context_->firstTrack(AVMEDIA_TYPE_AUDIO) != nullptr;
 }
 
 std::optional<double> AssetReader::soundStart() {
-    context_->analyse();
-    AVFormatContext* const format = context_->format.get();
-    const AVStream* const track = chosenSound(*format);
-    if (track == nullptr || format->start_time == AV_NOPTS_VALUE) {
+    context_->media.analyse();
+    const AVFormatContext& format = context_->format();
+    const AVStream* const track = chosenSound(format);
+    if (track == nullptr || format.start_time == AV_NOPTS_VALUE) {
         return std::nullopt;
     }
     const std::unique_ptr<AVPacket, FreePacket> packet(av_packet_alloc());
-    while (packet && av_read_frame(format, packet.get()) >= 0) {
+    while (packet && context_->media.read(*packet)) {
         if (packet->stream_index == track->index && packet->pts != AV_NOPTS_VALUE) {
             return static_cast<double>(packet->pts) * av_q2d(track->time_base) +
-                   skippedSeconds(*packet, *track) - static_cast<double>(format->start_time) / AV_TIME_BASE;
+                   skippedSeconds(*packet, *track) - static_cast<double>(format.start_time) / AV_TIME_BASE;
         }
         av_packet_unref(packet.get());
     }

@@ -2,6 +2,7 @@
 
 #include <platform/CommandRun.hpp>
 #include <platform/CommandWords.hpp>
+#include <platform/MediaOpening.hpp>
 
 #include <boost/asio/executor_work_guard.hpp>
 
@@ -163,7 +164,7 @@ std::shared_ptr<Session> FFmpegKit::executeAsync(const std::string& command, Com
     if (plan.onStatistics) {
         plan.arguments.insert(plan.arguments.end(), {"-nostats", "-progress", "pipe:3"});
     }
-    for (std::string& word : splitCommand(command)) {
+    for (std::string& word : withOpeningLimits(splitCommand(command))) {
         plan.arguments.push_back(std::move(word));
     }
     return SessionRunner::shared().run(std::move(plan));
@@ -176,7 +177,7 @@ void FFmpegKit::cancel() { SessionRunner::shared().cancelAll(); }
 std::shared_ptr<Session> FFprobeKit::executeAsync(const std::string& command, CompleteCallback onComplete) {
     CommandPlan plan;
     plan.program = programFor("CORVANTA_FFPROBE", "ffprobe");
-    plan.arguments = splitCommand(command);
+    plan.arguments = withOpeningLimits(splitCommand(command));
     plan.keepOutput = true;
     plan.onComplete = std::move(onComplete);
     return SessionRunner::shared().run(std::move(plan));

@@ -82,11 +82,11 @@ TEST(FFmpegKitTest, ChildrenGetAnEmptyInputTheirOwnGroupAndNothingOfTheHosts) {
                                             "[ -e /proc/$$/fd/77 ] || echo no descriptor\n");
     ASSERT_EQ(dup2(STDERR_FILENO, 77), 77);
     const auto before = std::signal(SIGTERM, SIG_IGN);
-    const SessionProbe run(R"(-i "a  'b'" "" c\d $HOME *)", Tool::ffprobe);
+    const SessionProbe run(R"(-x "a  'b'" "" c\d $HOME *)", Tool::ffprobe);
     EXPECT_EQ(run.wait(), 0);
     std::signal(SIGTERM, before);
     close(77);
-    EXPECT_EQ(run.output(), "[-i][a  'b'][][c\\d][$HOME][*]own group\n"
+    EXPECT_EQ(run.output(), "[-x][a  'b'][][c\\d][$HOME][*]own group\n"
                             "SigBlk:\t0000000000000000\nSigIgn:\t0000000000000000\nno descriptor\n");
 }
 

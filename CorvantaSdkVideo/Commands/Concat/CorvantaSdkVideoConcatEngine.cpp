@@ -3,6 +3,7 @@
 #include <CorvantaSdkVideo/Commands/Concat/ConcatInputLinks.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
+#include <platform/OutputContainer.hpp>
 
 #include <system_error>
 #include <utility>
@@ -60,8 +61,9 @@ Task<> CorvantaSdkVideoConcatEngine::join(UUID id, std::vector<URL> videos,
         commandGenerator_.generateConcatCommandFor(links.inputs(), listURL, outputPath);
     markProcessing(id);
     validateOutput(outputPath, videos);
-    // The command holds the list file's path as a bare word.
-    if (!isBarePath(listURL.path())) {
+    // The output's extension is the first input's, whatever that is called; and the command holds the list
+    // file's path as a bare word.
+    if (!isSingleFileOutput(outputPath) || !isBarePath(listURL.path())) {
         throw std::system_error(std::make_error_code(std::errc::invalid_argument), listURL.path());
     }
     co_await run(id, command.script);

@@ -1,11 +1,13 @@
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/ProbeOutput.hpp>
 
 #include <CorvantaSdkVideo/Shared/CheckedArithmetic.hpp>
+#include <platform/MediaOpening.hpp>
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <limits>
 
 namespace corvanta {
@@ -66,6 +68,17 @@ std::int64_t toInteger(const std::string& text) {
 
 double duration(const nlohmann::json& object) { return toDouble(text(object, "duration", "0")); }
 
+// No file can state infinity: that is left to the conversion, which is fatal for a broken ffprobe.
+bool hasImpossibleDuration(const nlohmann::json& object) {
+    const double seconds = duration(object);
+    return std::isfinite(seconds) && !isPossibleDuration(seconds);
+}
+
+bool isImpossibleTrack(const nlohmann::json& stream) {
+    const std::string type = text(stream, "codec_type");
+    return (type == "video" || type == "audio") && hasImpossibleDuration(stream);
+}
+
 bool isListOfObjects(const nlohmann::json* value) {
     return value != nullptr && value->is_array() &&
            std::ranges::all_of(*value, [](const nlohmann::json& entry) { return entry.is_object(); });
@@ -124,6 +137,9 @@ std::optional<ProbeOutput> parseProbeOutput(std::string_view output) {
     const nlohmann::json* format = member(root, "format");
     const nlohmann::json* streams = member(root, "streams");
     if (format == nullptr || !format->is_object() || !isListOfObjects(streams)) {
+        return std::nullopt;
+    }
+    if (hasImpossibleDuration(*format) || std::ranges::any_of(*streams, isImpossibleTrack)) {
         return std::nullopt;
     }
     ProbeOutput parsed;

@@ -115,6 +115,9 @@ TEST_F(RequestFilesTest, TakesOddPaths) {
     const RequestPointer unreadable = concat({clip, quoted});
     EXPECT_EQ(failureOf(unreadable), "getInformationFailed");
     EXPECT_EQ(fetch(unreadable->id)->status, Status::idle);
+    // By its name ffmpeg would write a playlist and segments.
+    EXPECT_EQ(failureOf(concat({copy(clip, "list.m3u8"), clip}, "segments")), "concatFailed");
+    EXPECT_FALSE(fs::exists(directory_.file("segments0.ts")));
 }
 
 TEST_F(RequestFilesTest, SeesWhatKeepsClipsFromBeingJoined) {

@@ -120,18 +120,26 @@ TEST(ProbeOutputDeathTest, DurationsThatMillisecondsCannotHold) {
                                      "result would be less than Int64.min\n";
     constexpr const char* tooLarge = "Fatal error: Double value cannot be converted to Int64 because the "
                                      "result would be greater than Int64.max\n";
-    for (const auto& [text, message] : {std::pair("inf", notFinite),
-                                        {"-inf", notFinite},
-                                        {"nan", notFinite},
-                                        {"1e306", notFinite},
-                                        {"-9223372036854777.9", tooSmall},
-                                        {"9223372036854775.808", tooLarge},
-                                        {"+1e17", tooLarge}}) {
-        for (const char* kind : {"video", "audio"}) {
-            const std::string output =
-                withStreams(std::string(R"({"codec_type": ")") + kind + R"(", "duration": ")" + text + "\"}");
-            EXPECT_EXIT(parseProbeOutput(output), testing::KilledBySignal(SIGABRT), message) << text;
+    const auto probeOf = [](const std::string& kind, const std::string& duration) {
+        return parseProbeOutput(
+            withStreams(R"({"codec_type": ")" + kind + R"(", "duration": ")" + duration + "\"}"));
+    };
+    for (const char* kind : {"video", "audio"}) {
+        for (const char* text : {"inf", "-inf", "nan"}) {
+            EXPECT_EXIT(probeOf(kind, text), testing::KilledBySignal(SIGABRT), notFinite) << text;
         }
+        // A file can state these.
+        for (const char* text :
+             {"1e306", "-9223372036854777.9", "9223372036854775.808", "+1e17", "10000000001"}) {
+            EXPECT_FALSE(probeOf(kind, text)) << text;
+        }
+        EXPECT_TRUE(probeOf(kind, "10000000000"));
+    }
+    for (const auto& [seconds, message] : {std::pair(1e306, notFinite),
+                                           {-9223372036854777.9, tooSmall},
+                                           {9223372036854775.808, tooLarge},
+                                           {1e17, tooLarge}}) {
+        EXPECT_EXIT(millisecondsFromSeconds(seconds), testing::KilledBySignal(SIGABRT), message) << seconds;
     }
     EXPECT_EQ(millisecondsFromSeconds(-9223372036854775.808), std::numeric_limits<std::int64_t>::min());
     EXPECT_EQ(millisecondsFromSeconds(9223372036854774.0), 9223372036854773760);

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <stop_token>
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct AVFormatContext;
+struct AVPacket;
+
+/// The one door through which files of unknown origin are opened as media, in process and by ffmpeg alike:
+/// local files alone, and containers alone that hold their media themselves. A text that names other files
+/// (HLS, DASH, ffconcat, SDP, playlists, patterns of image names), a script and a device are refused.
+namespace corvanta {
+
+/// Whether a file could last so long. Damaged and hostile files state more, which sums of milliseconds can't
+/// hold.
+constexpr bool isPossibleDuration(double seconds) {
+    constexpr double longest = 1e10;
+    return seconds >= -longest && seconds <= longest;
+}
+
+/// The containers that the file at `path` may be, as ffmpeg's option "format_whitelist" takes them.
+std::string allowedContainers(std::string_view path);
+
+/// The arguments of an ffmpeg or ffprobe run with the limits of opening before each "-i". An input whose
+/// container the command names itself keeps that one: "-f lavfi" reads no file, and "-f concat" reads a list
+/// of the caller's own, whose files are limited in their turn (nested lists are not: probe the files first).
+std::vector<std::string> withOpeningLimits(std::vector<std::string> arguments);
+
+/// A file that is open for reading in process. One thread at a time.
+class OpenMedia {
+  public:
+    struct Options {
+        /// Each call, and each row of reads, gives up after this time: a file can be made to be read for
+        /// ever.
+        std::chrono::milliseconds patience = std::chrono::seconds(30);
+        /// A request ends the call that is under way within one read.
+        std::stop_token stop = {};
+    };
+
+    /// Opens the file at the plain path `path`. Throws PlatformError ("AssetReader", libav's code) if it
+    /// can't be opened, is no media of the allowed kinds, or time is up.
+    OpenMedia(const std::string& path, Options options);
+    explicit OpenMedia(const std::string& path) : OpenMedia(path, Options{}) {}
+    OpenMedia(const OpenMedia&) = delete;
+    OpenMedia& operator=(const OpenMedia&) = delete;
+    ~OpenMedia();
+
+    AVFormatContext& format() const { return *format_; }
+
+    /// Reads some packets, for what the header doesn't tell; does so once. Throws PlatformError.
+    void analyse();
+
+    /// The next packet; false at the end. Throws PlatformError when time is up.
+    bool read(AVPacket& packet);
+
+  private:
+    struct Close {
+        void operator()(AVFormatContext* format) const;
+    };
+
+    static int isOver(void* opening);
+    void restartClock();
+
+    Options options_;
+    std::chrono::steady_clock::time_point deadline_;
+    std::unique_ptr<AVFormatContext, Close> format_;
+    bool analysed_ = false;
+    bool reading_ = false;
+};
+
+} // namespace corvanta
