@@ -16,9 +16,12 @@ import audio_files  # noqa: E402
 import chain  # noqa: E402
 import corpus  # noqa: E402
 import evaluation  # noqa: E402
+import metrics  # noqa: E402
 import mixing  # noqa: E402
 import noises  # noqa: E402
+import recorded_corpus  # noqa: E402
 import scenes  # noqa: E402
+import speech_floor  # noqa: E402
 import texts  # noqa: E402
 import voices  # noqa: E402
 from small_corpus import small_corpus, speech_like  # noqa: E402
@@ -62,16 +65,28 @@ class Recordings(unittest.TestCase):
             audio_files.write_audio(folder / "in/anna/1.wav", words)
             audio_files.write_audio(folder / "in/anna/2.wav", words[: RATE // 4])
             (folder / "in/anna/notes.txt").write_text("no sound")
-            with contextlib.redirect_stderr(said), contextlib.redirect_stdout(io.StringIO()):
-                corpus.add_recordings(folder / "work", "speech", folder / "in", "test")
+            audio_files.write_audio(folder / "in/anna/3.wav", words + 0.05 * random.standard_normal(words.size))
+            with contextlib.redirect_stdout(said):
+                recorded_corpus.add_recordings(folder / "work", "speech", folder / "in", "test")
             (clips,) = corpus.load(folder / "work", "speech", "test")
             self.assertIn("notes.txt", said.getvalue())
+            self.assertIn("1 files too noisy or short", said.getvalue())
             self.assertEqual(len(clips), 1)
             self.assertLess(abs(clips.clip(0).size / RATE - 2), 0.5)
             with self.assertRaises(corpus.CorpusError):
                 corpus.load(folder / "work", "speech", "train")
             with self.assertRaises(corpus.CorpusError):
-                corpus.add_recordings(folder / "work", "speech", folder / "nowhere")
+                recorded_corpus.add_recordings(folder / "work", "speech", folder / "nowhere")
+
+
+    def test_lose_their_own_noise(self):
+        random = np.random.default_rng(6)
+        clean = 0.2 * speech_like(random, 4)
+        hiss = 0.004 * random.standard_normal(clean.size)
+        out = speech_floor.clean_speech(clean + hiss)
+        self.assertGreater(speech_floor.floor_below(out), 45)
+        self.assertGreater(metrics.si_sdr(out, clean), metrics.si_sdr(clean + hiss, clean) + 6)
+        self.assertIsNone(speech_floor.clean_speech(clean + 10 * hiss))
 
 
 class Mixing(unittest.TestCase):
@@ -85,7 +100,7 @@ class Mixing(unittest.TestCase):
         cls.folder.cleanup()
 
     def test_clips_have_the_level_and_the_distance_that_were_asked_for(self):
-        clips = evaluation.TestClips(self.folder.name, 3)
+        clips = evaluation.TestClips(self.folder.name, 3, recorded=False)
         for distance, level in ((0, -45), (10, -40)):  # low enough for no click to be cut
             for clip in clips.at(distance, level):
                 noise = clip.mix - clip.clean

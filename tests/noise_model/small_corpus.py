@@ -17,6 +17,6 @@ def small_corpus(folder):
     for split in corpus.SPLITS:
         for name in ("flite_a", "espeak-ng_b"):
             clips = [(12000 * speech_like(random, s)).astype(np.int16) for s in (1.5, 2.5)]
-            corpus._save(folder / "speech" / split / f"{name}.npz", clips)
+            corpus.save(folder / "speech" / split / f"{name}.npz", clips)
         for kind in (noises.coloured, noises.clicks):
-            corpus._save(folder / "noise" / split / f"{kind.__name__}.npz", [noises.make(kind, random, 10 * RATE, None)])
+            corpus.save(folder / "noise" / split / f"{kind.__name__}.npz", [noises.make(kind, random, 10 * RATE, None)])

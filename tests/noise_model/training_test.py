@@ -11,14 +11,13 @@ from unittest import mock
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tools/noise_model"))
 
 import chain  # noqa: E402
+import development  # noqa: E402
 import training  # noqa: E402
 from small_corpus import small_corpus  # noqa: E402
 
-SMALL = {"BATCH": 2, "STATISTICS_BATCHES": 1, "DEVELOPMENT_CLIPS": 2, "CLEAN_CLIPS": 2, "DEVELOPMENT_SECONDS": 3.0}
-
-
 class Training(unittest.TestCase):
-    @mock.patch.multiple(training, **SMALL)
+    @mock.patch.multiple(training, BATCH=2, STATISTICS_BATCHES=1)
+    @mock.patch.multiple(development, CLIPS=2, CLEAN_CLIPS=2, SECONDS=3.0)
     def test_reports_and_goes_on_from_nothing(self):
         with tempfile.TemporaryDirectory() as name:
             folder = Path(name)

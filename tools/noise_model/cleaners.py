@@ -40,19 +40,19 @@ class Unprocessed:
 class OurModel:
     """Frames of 10 ms through the C interface, a session for every clip."""
 
-    name = "this model"
     FRAME_MS, DELAY_MS = 10, 31
 
-    def __init__(self, library, model):
+    def __init__(self, library, model, name="this model"):
+        self.name = name
         try:
             self.library = Library(Path(library).resolve())
         except OSError as error:
             raise CleanerMissing(str(error)) from error
-        self.library.set_model(Path(model).resolve(), "measured")
+        self.library.set_model(Path(model).resolve(), name)
 
     def clean(self, clip):
         size, delay = RATE * self.FRAME_MS // 1000, RATE * self.DELAY_MS // 1000
-        session = self.library.session("clean", RATE, RATE, self.FRAME_MS, "measured")
+        session = self.library.session("clean", RATE, RATE, self.FRAME_MS, self.name)
         padded = np.pad(clip, (0, delay + size)).astype(np.int16)
         out = [session.process(padded[i : i + size]) for i in range(0, padded.size - size + 1, size)]
         session.close()

@@ -6,7 +6,6 @@ Each file holds `samples`, 16-bit clips one after the other, and `ends`, where e
 Files that are there already aren't made again, so an interrupted run goes on where it stopped.
 """
 
-import sys
 import zlib
 from concurrent.futures import ProcessPoolExecutor
 from pathlib import Path
@@ -15,7 +14,7 @@ import numpy as np
 
 import noises
 import voices
-from audio_files import RATE, AudioError, read_audio
+from audio_files import RATE
 
 SPLITS = voices.SPLITS
 NOISE_SECONDS = {"train": 4 * 3600, "development": 600, "test": 1500}
@@ -30,7 +29,7 @@ def _generator(*names):
     return np.random.default_rng(zlib.crc32("/".join(map(str, names)).encode()))
 
 
-def _save(path, clips):
+def save(path, clips):
     path.parent.mkdir(parents=True, exist_ok=True)
     unfinished = path.with_suffix(".part")
     with unfinished.open("wb") as file:
@@ -43,6 +42,7 @@ class Clips:
 
     def __init__(self, path):
         self.name = path.stem
+        self.recorded = self.name.startswith("recorded_")
         with np.load(path) as file:
             self.samples, self.ends = file["samples"], file["ends"]
 
@@ -59,35 +59,38 @@ class Clips:
         return self.samples[at % self.samples.size].astype(np.float64)
 
 
-def load(folder, what, split):
-    """All files of "speech" or "noise" of a split, in the order of their names."""
+def load(folder, what, split, recorded=None):
+    """All files of "speech" or "noise" of a split, in the order of their names; `recorded` takes only
+    recordings, or only what was generated."""
     paths = sorted((Path(folder) / what / split).glob("*.npz"))
-    if not paths:
-        raise CorpusError(f"{folder} has no {what} for {split}: run the data step first")
-    return [Clips(path) for path in paths]
+    clips = [c for c in map(Clips, paths) if recorded in (None, c.recorded)]
+    if not clips:
+        kind = {None: "", True: "recorded ", False: "generated "}[recorded]
+        raise CorpusError(f"{folder} has no {kind}{what} for {split}: run the data step first")
+    return clips
 
 
 def _make_voice(voice, path, share):
     clips = voices.speak(voice, voice.seconds * share, _generator("voice", voice.label))
     if not clips:
         return f"{voice.label}: no speech; is its package installed?"
-    _save(path, clips)
+    save(path, clips)
     return f"{voice.label}: {sum(c.size for c in clips) / RATE:.0f} s"
 
 
 def _make_noise(folder, split, kind, seconds, path):
     random = _generator("noise", kind.__name__)
-    people = load(folder, "speech", split) if kind in noises.WITH_VOICES else []
+    people = load(folder, "speech", split, recorded=False) if kind in noises.WITH_VOICES else []
 
     def voice(generator, count):
         return people[generator.integers(len(people))].draw(generator, count)
 
     count = max(1, round(seconds / CLIP_SECONDS))
-    _save(path, [noises.make(kind, random, CLIP_SECONDS * RATE, voice) for _ in range(count)])
+    save(path, [noises.make(kind, random, CLIP_SECONDS * RATE, voice) for _ in range(count)])
     return f"{kind.__name__}: {count * CLIP_SECONDS} s"
 
 
-def _run(pool, jobs):
+def run(pool, jobs):
     running = [pool.submit(*job) for job in jobs]
     for done, future in enumerate(running, 1):
         print(f"[{done}/{len(running)}] {future.result()}", flush=True)
@@ -106,7 +109,7 @@ def make(folder, share=1.0, jobs=2):
                 path = folder / "speech" / split / (voice.label + ".npz")
                 if not path.exists():
                     work.append((_make_voice, voice, path, share))
-        _run(pool, work)
+        run(pool, work)
         work = []
         for split in SPLITS:
             whole = sum(noises.SHARES.get(k, 1) for k in noises.KINDS[split])
@@ -115,33 +118,4 @@ def make(folder, share=1.0, jobs=2):
                 seconds = share * NOISE_SECONDS[split] * noises.SHARES.get(kind, 1) / whole
                 if not path.exists():
                     work.append((_make_noise, folder, split, kind, seconds, path))
-        _run(pool, work)
-
-
-def _own_split(name):
-    """One in ten of one's own recordings' groups is for the development set, one in ten for the test set."""
-    return {0: "development", 1: "test"}.get(zlib.crc32(name.encode()) % 10, "train")
-
-
-def add_recordings(folder, what, source, split=None):
-    """Takes recordings in. Each folder directly in `source` is one speaker or kind of noise, and so
-    is each file there; all of one stays in one split, a given one or the one that its name decides."""
-    source = Path(source)
-    if not source.is_dir():
-        raise CorpusError(f"{source} is no folder")
-    for group in sorted(source.iterdir()):
-        files = sorted(p for p in group.rglob("*") if p.is_file()) if group.is_dir() else [group]
-        clips = []
-        for path in files:
-            try:
-                samples = read_audio(path)
-            except AudioError as error:
-                print(error, file=sys.stderr)
-                continue
-            samples = voices.trim(samples) if what == "speech" else samples
-            if samples.size >= RATE // 2 and np.abs(samples).max() > 1e-3:
-                clips.append(np.rint(samples * (0.5 * 32767 / np.abs(samples).max())).astype(np.int16))
-        if clips:
-            chosen = split or _own_split(group.name)
-            _save(Path(folder) / what / chosen / f"own_{group.stem}.npz", clips)
-            print(f"{group.name}: {sum(c.size for c in clips) / RATE:.0f} s for {chosen}")
+        run(pool, work)

@@ -5,15 +5,16 @@ from typing import NamedTuple
 
 import numpy as np
 
+import corpus
 import metrics
 import mixing
 from audio_files import RATE
 from cleaners import OurModel, peers
 
-DISTANCES = (-5, 0, 5, 10, 20)
+DISTANCES = (-5, 0, 5, 10, 15)
 LEVELS = (-50, -40, -30, -20, -10, 0)
 SECONDS = 6.0
-QUIET_DB = -45  # a frame of the clean speech this far below its active level holds no word
+BESIDE = ("speexdsp", "webrtc-audio-processing")  # whose figures stand beside ours for each kind of noise
 
 
 class Clip(NamedTuple):
@@ -26,11 +27,11 @@ def sixteen_bit(samples):
 
 
 class TestClips:
-    """Voices, sentences and kinds of noise that neither training nor the choice of a model has seen."""
+    """Voices, sentences and noises that neither training nor the choice of a model has seen."""
 
-    def __init__(self, folder, count, noise=None):
+    def __init__(self, folder, count, recorded, noise=None):
         """`noise` is one kind's number, for clips with that alone."""
-        mixer = mixing.Mixer(folder, "test", 11, SECONDS)
+        mixer = mixing.Mixer(folder, "test", 11, SECONDS, recorded=recorded)
         self.voices, self.noises = ([clips.name for clips in c] for c in (mixer.voices, mixer.noises))
         if noise is not None:
             mixer.noise_weights = np.eye(len(self.noises))[noise]
@@ -50,88 +51,78 @@ class Measured(NamedTuple):
     si_sdr: float
     stoi_before: float
     stoi: float
+    pauses: float
+
+    @property
+    def si_sdr_gain(self):
+        return self.si_sdr - self.si_sdr_before
+
+    @property
+    def stoi_gain(self):
+        return self.stoi - self.stoi_before
 
 
 def measure(cleaner, clips):
-    rows = []
+    rows, pauses = [], []
     for clip in clips:
         out = cleaner.clean(clip.mix)
         rows.append((metrics.si_sdr(clip.mix, clip.clean), metrics.si_sdr(out, clip.clean),
                      metrics.stoi(clip.mix, clip.clean), metrics.stoi(out, clip.clean)))
-    return Measured(*np.mean(rows, axis=0))
+        pauses.append(metrics.between_words(out, clip.mix, clip.clean))
+    return Measured(*np.mean(rows, axis=0), np.mean([p for p in pauses if p is not None] or [np.nan]))
 
 
-def _frames(samples, size=RATE // 100):
-    return samples[: samples.size // size * size].astype(np.float64).reshape(-1, size)
-
-
-def between_words(cleaner, clips):
-    """How much weaker the sound is where nobody speaks, in dB, over the pauses of all clips.
-
-    The first second doesn't count, since a session has to hear the noise first, nor do 100 ms after a word.
-    """
-    gains = []
-    for clip in clips:
-        level = np.mean(_frames(clip.clean) ** 2, axis=1)
-        quiet = level < (mixing.active_level(clip.clean) * mixing.gain(QUIET_DB)) ** 2
-        loud_before = np.convolve(~quiet, np.ones(11), "full")[: quiet.size] > 0
-        pause = quiet & ~loud_before
-        pause[:100] = False
-        if pause.sum() >= 10:
-            before, after = (np.sum(_frames(x)[pause] ** 2) for x in (clip.mix, cleaner.clean(clip.mix)))
-            gains.append(10 * np.log10((before + 1e-9) / (after + 1e-9)))
-    return np.mean(gains)
+def kept(cleaner, clips):
+    """SI-SDR of the output beside a clean input, clip by clip."""
+    return np.array([metrics.si_sdr(cleaner.clean(clip.mix), clip.mix) for clip in clips.at(120)])
 
 
 def _table(title, columns, rows):
     print(f"\n{title}\n")
     width = max(len(r[0]) for r in rows)
-    print("| " + "".ljust(width) + " | " + " | ".join(columns) + " |")
-    print("|" + "-" * (width + 2) + "|" + "|".join("-" * (len(c) + 1) + ":" for c in columns) + "|")
+    widths = [max(len(c), *(len(r[i + 1]) for r in rows)) for i, c in enumerate(columns)]
+    print("| " + "".ljust(width) + " | " + " | ".join(c.rjust(w) for c, w in zip(columns, widths)) + " |")
+    print("|" + "-" * (width + 2) + "|" + "|".join("-" * (w + 1) + ":" for w in widths) + "|")
     for name, *cells in rows:
-        print("| " + name.ljust(width) + " | " + " | ".join(c.rjust(len(h)) for c, h in zip(cells, columns)) + " |")
+        print("| " + name.ljust(width) + " | " + " | ".join(c.rjust(w) for c, w in zip(cells, widths)) + " |", flush=True)
 
 
-def _by_distance(cleaners, clips):
-    columns = [f"{d:+d} dB" for d in DISTANCES] + ["0 to 10 dB"]
-    columns = [c.rjust(13) for c in columns]
-    rows = []
+def _whole(cleaners, clips):
+    by_distance, whole = [], []
     for cleaner in cleaners:
         measured = [measure(cleaner, clips.at(d, level=-26)) for d in DISTANCES]
-        middle = [m for m, d in zip(measured, DISTANCES) if 0 <= d <= 10]
-        cells = []
-        for m in (*measured, Measured(*np.mean(middle, axis=0))):
-            gain = f"{m.si_sdr - m.si_sdr_before:+.1f}" if cleaner.name != "unprocessed" else f"{m.si_sdr:.1f}"
-            cells.append(f"{gain} / {m.stoi:.3f}")
-        rows.append((cleaner.name, *cells))
-        print(f"  measured {cleaner.name}", flush=True)
-    _table("SI-SDR improvement in dB (unprocessed: SI-SDR) / STOI, by the distance between speech and noise", columns, rows)
+        middle = Measured(*np.mean([m for m, d in zip(measured, DISTANCES) if d >= 0], axis=0))
+        clean = np.minimum(kept(cleaner, clips), 99)
+        before = cleaner.name == "unprocessed"
+        by_distance.append((cleaner.name, *(f"{m.si_sdr if before else m.si_sdr_gain:{'.1f' if before else '+.1f'}} / {m.stoi:.3f}"
+                                            for m in measured)))
+        if before:
+            continue
+        whole.append((cleaner.name, f"{middle.si_sdr_gain:+.1f}", f"{middle.stoi_gain:+.3f}", f"{-middle.pauses:.0f}",
+                      f"{clean.mean():.0f} / {clean.min():.0f}", f"{np.mean(clean < 30):.0%}"))
+    _table("0 to 15 dB between speech and noise, and clean speech",
+           ["SI-SDR gain", "STOI gain", "pauses, dB", "clean kept, mean / worst", "under 30 dB"], whole)
+    _table("SI-SDR improvement in dB (unprocessed: SI-SDR) / STOI, by the distance between speech and noise",
+           [f"{d:+d} dB" for d in DISTANCES], by_distance)
+
+
+def _by_noise(cleaners, folder, kinds, count, recorded):
+    rows = []
+    for number, kind in enumerate(kinds):
+        clips = TestClips(folder, count, recorded, number)
+        measured = [measure(cleaner, clips.at(5, -26)) for cleaner in cleaners]
+        rows.append((kind.removeprefix("recorded_"), f"{measured[0].stoi_before:.3f}",
+                     *(f"{m.stoi_gain:+.3f} / {m.si_sdr_gain:+.1f}" for m in measured)))
+    _table("STOI gain / SI-SDR gain by the kind of noise, +5 dB", ["STOI before", *(c.name for c in cleaners)], rows)
 
 
 def _by_level(cleaner, clips):
     rows = []
     for level in LEVELS:
         m = measure(cleaner, clips.at(5, level))
-        rows.append((f"{level} dBFS", f"{m.si_sdr_before:.1f}", f"{m.si_sdr - m.si_sdr_before:+.1f}",
-                     f"{m.stoi_before:.3f}", f"{m.stoi - m.stoi_before:+.3f}"))
+        rows.append((f"{level} dBFS", f"{m.si_sdr_before:.1f}", f"{m.si_sdr_gain:+.1f}", f"{m.stoi_before:.3f}", f"{m.stoi_gain:+.3f}"))
     _table("By the level of the speech (root mean square while active; what exceeds full scale is clipped), +5 dB",
            ["SI-SDR before", "improvement", "STOI before", "difference"], rows)
-
-
-def _by_noise(cleaner, folder, kinds, count):
-    rows = []
-    for number, kind in enumerate(kinds):
-        m = measure(cleaner, TestClips(folder, count, number).at(5, -26))
-        rows.append((kind, f"{m.si_sdr_before:.1f}", f"{m.si_sdr - m.si_sdr_before:+.1f}",
-                     f"{m.stoi_before:.3f}", f"{m.stoi - m.stoi_before:+.3f}"))
-    _table("By the kind of noise, +5 dB", ["SI-SDR before", "improvement", "STOI before", "difference"], rows)
-
-
-def _kept(cleaner, clips):
-    kept = []
-    for clip in clips.at(120):
-        kept.append(metrics.si_sdr(cleaner.clean(clip.mix), clip.mix))
-    return np.array(kept)
 
 
 def _speed(cleaner):
@@ -142,19 +133,22 @@ def _speed(cleaner):
     return (time.process_time() - begin) / 60
 
 
-def evaluate(folder, library, model, clip_count=60):
-    ours = OurModel(library, model)
+def evaluate(folder, library, models, clip_count=60):
+    """The first of `models` is the one that everything is told of."""
+    ours = [OurModel(library, path, "this model" if i == 0 else path.stem) for i, path in enumerate(models)]
     others, absent = peers()
     for line in absent:
         print(f"not measured: {line}")
-    clips = TestClips(folder, clip_count)
-    print(f"{clip_count} clips of {SECONDS:g} s; voices: {', '.join(clips.voices)}; noise: {', '.join(clips.noises)}")
-    _by_distance([*others, ours], clips)
-    _by_noise(ours, folder, clips.noises, max(4, clip_count // 4))
-    _by_level(ours, clips)
-    kept = _kept(ours, clips)
-    print(f"\nClean speech kept (SI-SDR of the output beside the input): mean {kept.mean():.1f} dB, worst {kept.min():.1f} dB, "
-          f"{np.sum(kept < 40)} of {kept.size} under 40 dB")
-    for distance in (5, 10, 15):
-        print(f"Between words at {distance} dB: noise down by {between_words(ours, clips.at(distance, -26)):.1f} dB")
-    print(f"Processor time per second of sound, this tool's calls included: {_speed(ours):.4f} s")
+    for name, recorded in (("generated", False), ("recorded", True)):
+        try:
+            clips = TestClips(folder, clip_count, recorded)
+        except corpus.CorpusError as error:
+            print(f"not measured: {error}")
+            continue
+        print(f"\n== {name} speech and noise: {clip_count} clips of {SECONDS:g} s; voices: {', '.join(clips.voices)}; "
+              f"noise: {', '.join(clips.noises)}")
+        _whole([*others, *ours], clips)
+        _by_noise([*ours, *(o for o in others if o.name in BESIDE)], folder, clips.noises, max(4, clip_count // 4), recorded)
+        if not recorded:
+            _by_level(ours[0], clips)
+    print(f"\nProcessor time per second of sound, this tool's calls included: {_speed(ours[0]):.4f} s")

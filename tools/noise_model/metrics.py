@@ -3,6 +3,15 @@
 import numpy as np
 
 RATE = 16000
+QUIET_DB = -45  # a frame of the clean speech this far below its active level holds no word
+
+
+def active_level(samples):
+    """Root mean square of the frames of 20 ms that are within 35 dB of the loudest."""
+    size = RATE // 50
+    energy = np.mean(samples[: samples.size // size * size].reshape(-1, size) ** 2, axis=1)
+    active = energy[energy > energy.max() * 10**-3.5]
+    return np.sqrt(active.mean()) if active.size else 0.0
 
 
 def si_sdr(estimate, clean):
@@ -11,6 +20,26 @@ def si_sdr(estimate, clean):
     estimate, clean = (x.astype(np.float64) - np.mean(x, dtype=np.float64) for x in (estimate, clean))
     target = clean * (np.dot(estimate, clean) / (np.dot(clean, clean) + 1e-12))
     return float(10 * np.log10((np.sum(target**2) + 1e-12) / (np.sum((estimate - target) ** 2) + 1e-12)))
+
+
+def _frames(samples, size=RATE // 100):
+    return samples[: samples.size // size * size].astype(np.float64).reshape(-1, size)
+
+
+def between_words(estimate, mix, clean):
+    """How much weaker the sound became where nobody speaks, in dB, or None without pauses.
+
+    The first second doesn't count, since a session has to hear the noise first, nor do 100 ms after a word.
+    """
+    level = np.mean(_frames(clean) ** 2, axis=1)
+    quiet = level < (active_level(clean) * 10 ** (QUIET_DB / 20)) ** 2
+    loud_before = np.convolve(~quiet, np.ones(11), "full")[: quiet.size] > 0
+    pause = quiet & ~loud_before
+    pause[:100] = False
+    if pause.sum() < 10:
+        return None
+    before, after = (np.sum(_frames(x)[pause] ** 2) for x in (mix, estimate))
+    return float(10 * np.log10((before + 1e-9) / (after + 1e-9)))
 
 
 STOI_RATE, STOI_FRAME, STOI_SPECTRUM, STOI_BANDS, STOI_SEGMENT = 10000, 256, 512, 15, 30

@@ -1,7 +1,8 @@
 """Mixing speech and noise into scenes, new ones all the time.
 
 Every scene has its own voice, tempo and pitch, room, equaliser, noises, levels and distance between
-speech and noise, and some have a jump of the level in the middle or noise that comes and goes.
+speech and noise, and some have a jump of the level in the middle or noise that comes and goes; some
+come through a microphone that colours, or that clips.
 """
 
 from collections import deque
@@ -11,8 +12,10 @@ import numpy as np
 import corpus
 import noises
 from audio_files import RATE
+from metrics import active_level
 
-KEPT_NOISE = 0.06  # the part of the noise that stays in the target: the chain has no floor of its own
+KEPT_NOISE = 0.04  # the part of the noise that stays in the target: the chain has no floor of its own
+RECORDED, NATURAL, COMPUTED = 0.6, 0.3, 0.1  # shares of recordings and of synthetic voices, where all are there
 
 
 def decibels(gain):
@@ -21,14 +24,6 @@ def decibels(gain):
 
 def gain(db):
     return 10 ** (db / 20)
-
-
-def active_level(samples):
-    """Root mean square of the frames of 20 ms that are within 35 dB of the loudest."""
-    size = RATE // 50
-    energy = np.mean(samples[: samples.size // size * size].reshape(-1, size) ** 2, axis=1)
-    active = energy[energy > energy.max() * 10**-3.5]
-    return np.sqrt(active.mean()) if active.size else 0.0
 
 
 def _curve(random, count, spread_db):
@@ -61,30 +56,48 @@ def _room(random, count):
     return np.fft.rfft(response)
 
 
+def _shared(weights, *parts):
+    """Weights of which each part has its share; what parts are missing goes to the others."""
+    for part, share in parts:
+        if part.any():
+            weights[part] *= share / weights[part].sum()
+    return weights / weights.sum()
+
+
+def _microphone(random, count):
+    """A smooth curve between a lowest and a highest frequency."""
+    frequency = np.linspace(0, RATE / 2, count)
+    low, high = np.exp(random.uniform(np.log(20), np.log(250))), random.uniform(3400, 9000)
+    slopes = 1 / np.sqrt(1 + (low / np.maximum(frequency, 1)) ** 4) / np.sqrt(1 + (frequency / high) ** 24)
+    return _curve(random, count, 2) * slopes
+
+
 class Mixer:
     """Draws scenes from one split of a corpus. The same seed gives the same scenes."""
 
-    def __init__(self, folder, split, seed, seconds=8.0, reuse=0.0):
+    def __init__(self, folder, split, seed, seconds=8.0, reuse=0.0, recorded=None):
         """`reuse` is the share of scenes that take a speech track and a noise track that are there
-        already, in another combination and at other levels; this saves time."""
+        already, in another combination and at other levels; this saves time. `recorded` takes only
+        recordings, or only what was generated."""
         self.random = np.random.default_rng(seed)
-        self.voices = corpus.load(folder, "speech", split)
-        self.noises = corpus.load(folder, "noise", split)
+        self.voices, self.noises = (corpus.load(folder, what, split, recorded) for what in ("speech", "noise"))
         self.count = int(seconds * RATE) // 1280 * 1280
         self.voice_weights = self._voice_weights()
-        shares = {kind.__name__: share for kind, share in noises.SHARES.items()}
-        weights = np.array([shares.get(n.name, 1.0) for n in self.noises])
-        self.noise_weights = weights / weights.sum()
+        self.noise_weights = self._noise_weights()
         self.reuse, self.tracks = reuse, (deque(maxlen=128), deque(maxlen=128))
 
     def _voice_weights(self):
-        """Natural voices and recordings have three quarters; longer ones more than shorter ones."""
-        size = np.array([v.samples.size**0.7 for v in self.voices])
+        """Longer voices come more often than shorter ones."""
+        size = np.array([v.samples.size**0.5 for v in self.voices])
+        recorded = np.array([v.recorded for v in self.voices])
         computed = np.array([v.name.startswith("espeak-ng") for v in self.voices])
-        for part, share in ((computed, 0.25), (~computed, 0.75)):
-            if part.any():
-                size[part] *= share / size[part].sum()
-        return size / size.sum()
+        return _shared(size, (recorded, RECORDED), (~recorded & ~computed, NATURAL), (computed, COMPUTED))
+
+    def _noise_weights(self):
+        shares = {kind.__name__: share for kind, share in noises.SHARES.items()}
+        weights = np.array([n.samples.size**0.5 if n.recorded else shares.get(n.name, 1.0) for n in self.noises])
+        recorded = np.array([n.recorded for n in self.noises])
+        return _shared(weights, (recorded, RECORDED), (~recorded, 1 - RECORDED))
 
     def _utterances(self, count):
         """One voice, sentence after sentence with pauses."""
@@ -161,5 +174,12 @@ class Mixer:
             speech, distance = speech * 0, min(distance, 30.0)
         speech = speech * (32768 * gain(level))
         noise = noise * (32768 * gain(level - distance))
-        mix = np.clip(np.rint(speech + noise), -32768, 32767)
+        if random.random() < 0.35:
+            heard_through = _microphone(random, self.count // 2 + 1)
+            speech, noise = (np.fft.irfft(np.fft.rfft(x) * heard_through, self.count) for x in (speech, noise))
+        mix = speech + noise
+        if random.random() < 0.05:
+            most = np.abs(mix).max() * random.uniform(0.3, 1)
+            mix = np.clip(mix, -most, most)
+        mix = np.clip(np.rint(mix), -32768, 32767)
         return mix.astype(np.float32), (speech + KEPT_NOISE * noise).astype(np.float32)

@@ -2,12 +2,30 @@
 
 Each hidden layer adds a rectified and a straight map of its input. The first one also sees the
 state, a gate decides how much of its output goes into the next state, and its output goes on
-ungated; so only the first layer runs frame by frame. Products are made in bfloat16 while training.
+ungated; so only the first layer runs frame by frame.
 """
+
+import time
+from functools import lru_cache
 
 import numpy as np
 import torch
 from torch import nn
+
+
+@lru_cache
+def fast_type(device):
+    """What products are made in while training: bfloat16, but not on a processor that is slower with it."""
+    if device != "cpu":
+        return torch.bfloat16
+    seconds = {}
+    for kind in (torch.bfloat16, torch.float32):
+        a, b = torch.ones(512, 256, dtype=kind), torch.ones(256, 512, dtype=kind)
+        torch.mm(a, b)
+        begin = time.process_time()
+        torch.mm(a, b)
+        seconds[kind] = time.process_time() - begin
+    return min(seconds, key=seconds.get)
 
 
 class _Recurrence(torch.autograd.Function):
@@ -17,11 +35,12 @@ class _Recurrence(torch.autograd.Function):
     def forward(ctx, from_input, state, weights):
         count, batch, width = from_input.shape
         size, weights = width // 3, weights.to(from_input.dtype)
-        low = weights.bfloat16() if torch.is_grad_enabled() or ctx.needs_input_grad[0] else weights
-        out, gates = torch.empty(count, batch, size), torch.empty(count, batch, size)
-        states = torch.empty(count + 1, batch, size)
+        low = weights.to(fast_type(weights.device.type)) if ctx.needs_input_grad[0] else weights
+        device = from_input.device
+        out, gates = (torch.empty(count, batch, size, device=device) for _ in range(2))
+        states = torch.empty(count + 1, batch, size, device=device)
         states[0] = state
-        positive = torch.empty(count, batch, size, dtype=torch.bool)
+        positive = torch.empty(count, batch, size, dtype=torch.bool, device=device)
         for t in range(count):
             u = torch.mm(states[t].to(low.dtype), low).float().add_(from_input[t])
             torch.gt(u[:, :size], 0, out=positive[t])
@@ -37,8 +56,8 @@ class _Recurrence(torch.autograd.Function):
         count, batch, size = out.shape
         # What a step passes on to its inputs, as far as it doesn't depend on the steps after it.
         slope = (out - states[:-1]) * gates * (1 - gates)
-        d_input = torch.empty(count, batch, 3 * size)
-        d_state = torch.zeros(batch, size)
+        d_input = torch.empty(count, batch, 3 * size, device=out.device)
+        d_state = torch.zeros(batch, size, device=out.device)
         back = low.t().contiguous()
         for t in range(count - 1, -1, -1):
             du = d_input[t]
@@ -55,7 +74,8 @@ class _Recurrence(torch.autograd.Function):
 def _product(x, weight, bias, fast):
     if not fast:
         return torch.addmm(bias, x, weight)
-    return torch.mm(x.bfloat16(), weight.bfloat16()).float() + bias
+    low = fast_type(x.device.type)
+    return torch.mm(x.to(low), weight.to(low)).float() + bias
 
 
 class Network(nn.Module):
@@ -105,11 +125,11 @@ class Network(nn.Module):
         return mask.view(count, batch, -1).transpose(0, 1), state
 
     def start(self, batch):
-        return torch.zeros(batch, self.shape.state)
+        return torch.zeros(batch, self.shape.state, device=self.mean.device)
 
     @torch.no_grad()
     def run(self, bands):
         """The squared-to-be mask of one clip, [frame, band], for its unnormalised bands."""
         self.eval()
-        inputs, _ = self.stacked(torch.as_tensor(np.ascontiguousarray(bands))[None])
-        return self(inputs, self.start(1))[0][0].numpy()
+        inputs, _ = self.stacked(torch.as_tensor(np.ascontiguousarray(bands), device=self.mean.device)[None])
+        return self(inputs, self.start(1))[0][0].cpu().numpy()

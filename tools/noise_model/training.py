@@ -6,15 +6,13 @@ import time
 from copy import deepcopy
 from dataclasses import asdict
 from pathlib import Path
-from typing import NamedTuple
 
 import numpy as np
 import torch
 
 import chain
-import metrics
-import mixing
 import scenes
+from development import Development
 from network import Network
 
 BATCH, PART = 16, 125  # sequences of 8 s, and the frames after which the gradient is cut
@@ -24,8 +22,6 @@ CLIP, DECAY, AVERAGE = 0.5, 1e-4, 0.999
 SNR_WEIGHT, SNR_CEILING = 0.02, 1e-5
 CLEAN_SNR, CLEAN_WEIGHT = 1e-3, 2.0  # clips with less noise than this beside their speech, and what they count
 FEATURE_NOISE = 0.08
-DEVELOPMENT_CLIPS, CLEAN_CLIPS, DEVELOPMENT_SECONDS = 32, 24, 6.0
-KEPT_ENOUGH = 45.0  # dB; nobody hears what a clean clip loses above
 STATISTICS_BATCHES = 5
 
 
@@ -50,61 +46,15 @@ def loss(mask, part):
     return (magnitude.sum() + compressed.sum()) / bins + SNR_WEIGHT * decibels.mean()
 
 
-class Development:
-    """A fixed set of unseen voices, sentences and kinds of noise, mixed and clean, to choose the model by."""
-
-    def __init__(self, folder, shape):
-        mixer = mixing.Mixer(folder, "development", 1, DEVELOPMENT_SECONDS)
-        random, self.shape, self.clips, self.clean = np.random.default_rng(2), shape, [], []
-        for _ in range(DEVELOPMENT_CLIPS):
-            speech, noise = mixer.speech_track(), mixer.noise_track()
-            level, distance = random.uniform(-45, -15), random.uniform(0, 12)
-            clean = speech * (32768 * mixing.gain(level))
-            mix = np.clip(np.rint(clean + noise * (32768 * mixing.gain(level - distance))), -32768, 32767)
-            size = mix.size // shape.step * shape.step
-            before = metrics.si_sdr(mix[:size], clean[:size]), metrics.stoi(mix[:size], clean[:size])
-            self.clips.append((*self._heard(mix), clean[:size], before))
-        for _ in range(CLEAN_CLIPS):
-            clean = np.clip(np.rint(mixer.speech_track() * (32768 * mixing.gain(random.uniform(-45, -15)))), -32768, 32767)
-            self.clean.append((*self._heard(clean), clean))
-
-    def _heard(self, samples):
-        x = chain.spectra(samples, self.shape)
-        return x, chain.features(x, chain.rescaling(samples, self.shape), self.shape)
-
-    def _cleaned(self, network, x, bands, clean):
-        """The network's result beside the clean clip, without the last step, which has only half of its overlap."""
-        out = chain.resynthesise(x, chain.full_mask(network.run(bands), self.shape), self.shape)
-        edge = clean.size // self.shape.step * self.shape.step - self.shape.step
-        return out[:edge], clean[:edge]
-
-    def measure(self, network):
-        gains = []
-        for x, bands, clean, before in self.clips:
-            pair = self._cleaned(network, x, bands, clean)
-            gains.append((metrics.si_sdr(*pair) - before[0], metrics.stoi(*pair) - before[1]))
-        kept = [metrics.si_sdr(*self._cleaned(network, *clip)) for clip in self.clean]
-        return Measured(*np.mean(gains, axis=0), np.mean(np.minimum(kept, KEPT_ENOUGH)), np.min(kept))
-
-
-class Measured(NamedTuple):
-    """SI-SDR and STOI gained by mixes, and the SI-SDR that clean clips keep, in dB."""
-
-    si_sdr: float
-    stoi: float
-    kept: float
-    kept_worst: float
-
-    def score(self):
-        """One number to choose by: .01 of STOI counts like 1 dB, and a dB of clean speech like a tenth of one."""
-        return float(self.si_sdr + 100 * self.stoi + 0.1 * self.kept)
-
-
 def _statistics(source):
     """Mean and deviation of every band over training features, and the batches they were taken from."""
     values = [source.next().features for _ in range(STATISTICS_BATCHES)]
     flat = np.concatenate([v.reshape(-1, v.shape[-1]) for v in values]).astype(np.float64)
     return flat.mean(axis=0), flat.std(axis=0)
+
+
+def _score(measured):
+    return float(np.mean([m.score() for m in measured.values()]))
 
 
 def _learning_rate(highest, step, progress):
@@ -113,13 +63,13 @@ def _learning_rate(highest, step, progress):
 
 
 class Trainer:
-    def __init__(self, folder, hours, rate, parameters=None, workers=1, reuse=0.5, shape=chain.Shape(), seed=1):
+    def __init__(self, folder, hours, rate, parameters=None, workers=1, reuse=0.5, device="cpu", shape=chain.Shape(), seed=1):
         """`parameters` are those of a trained network to begin with; a checkpoint in `folder` goes before them."""
-        self.folder, self.hours, self.rate, self.shape = Path(folder), hours, rate, shape
+        self.folder, self.hours, self.rate, self.shape, self.device = Path(folder), hours, rate, shape, torch.device(device)
         self.path("").mkdir(parents=True, exist_ok=True)
         torch.manual_seed(seed)
         self.elapsed, self.step, self.best = 0.0, 0, -math.inf
-        saved = torch.load(self.path("last.pt")) if self.path("last.pt").exists() else None
+        saved = torch.load(self.path("last.pt"), map_location=self.device) if self.path("last.pt").exists() else None
         if saved:
             if saved["shape"] != asdict(shape):
                 raise SystemExit("the checkpoint is of a network of another shape; move it away to start anew")
@@ -130,7 +80,7 @@ class Trainer:
         elif parameters:
             parameters = {name: torch.from_numpy(value.copy()) for name, value in parameters.items()}
         mean, deviation = (parameters["mean"], parameters["deviation"]) if parameters else _statistics(self.source)
-        self.network = Network(shape, mean, deviation)
+        self.network = Network(shape, mean, deviation).to(self.device)
         if parameters:
             self.network.load_state_dict(parameters)
         self.average = deepcopy(self.network)
@@ -138,9 +88,14 @@ class Trainer:
         if saved:
             self.average.load_state_dict(saved["average"])
             self.optimiser.load_state_dict(saved["optimiser"])
-            self.elapsed, self.step, self.best = saved["elapsed"], saved["step"], saved["best"]
+            self.elapsed, self.step = saved["elapsed"], saved["step"]
             print(f"going on from step {self.step}, after {self.elapsed / 3600:.2f} h", flush=True)
         self.development = Development(folder, shape)
+        if self.path("best.pt").exists():
+            self._beat_best()
+        elif parameters:
+            self._report([], time.time())  # what it begins with is to be beaten
+            self.save("best.pt")
 
     def path(self, name):
         return self.folder / "checkpoints" / name
@@ -148,11 +103,18 @@ class Trainer:
     def save(self, name):
         content = {
             "network": self.network.state_dict(), "average": self.average.state_dict(),
-            "optimiser": self.optimiser.state_dict(), "elapsed": self.elapsed, "step": self.step, "best": self.best,
+            "optimiser": self.optimiser.state_dict(), "elapsed": self.elapsed, "step": self.step,
             "shape": asdict(self.shape),
         }
         torch.save(content, self.path(name + ".part"))
         self.path(name + ".part").rename(self.path(name))
+
+    def _beat_best(self):
+        """Measures the best checkpoint anew, since the development sets may have grown."""
+        best = deepcopy(self.average)
+        best.load_state_dict(torch.load(self.path("best.pt"), map_location=self.device)["average"])
+        self.best = _score(self.development.measure(best))
+        print(f"to be beaten: {self.best:.3f}", flush=True)
 
     def _update_average(self):
         keep = min(AVERAGE, (1 + self.step) / (10 + self.step))
@@ -170,7 +132,7 @@ class Trainer:
                 yield kept.pop(0)
 
     def _train_on(self, batch):
-        tensors = scenes.Scene(*map(torch.from_numpy, batch))
+        tensors = scenes.Scene(*(torch.from_numpy(part).to(self.device) for part in batch))
         state, before, losses = self.network.start(BATCH), None, []
         self.network.train()
         for start in range(0, tensors.features.shape[1], PART):
@@ -193,17 +155,17 @@ class Trainer:
 
     def _report(self, losses, started):
         measured = self.development.measure(self.average)
-        better = measured.score() > self.best
-        self.best = max(self.best, measured.score())
-        line = {"step": self.step, "hours": round(self.elapsed / 3600, 3), "loss": round(float(np.mean(losses)), 4),
-                "si_sdr_gain": round(float(measured.si_sdr), 2), "stoi_gain": round(float(measured.stoi), 4),
-                "clean_kept": round(float(measured.kept), 1), "clean_kept_worst": round(float(measured.kept_worst), 1)}
+        score = _score(measured)
+        better = score > self.best
+        self.best = max(self.best, score)
+        line = {"step": self.step, "hours": round(self.elapsed / 3600, 3), "loss": round(float(np.mean(losses or [0])), 4),
+                "score": round(score, 3), **{name: m.rounded() for name, m in measured.items()}}
         with self.path("progress.jsonl").open("a") as file:
             file.write(json.dumps(line) + "\n")
-        print(f"step {self.step}  {self.elapsed / 3600:.2f} of {self.hours:g} h  loss {line['loss']:.4f}  development set: SI-SDR "
-              f"{measured.si_sdr:+.2f} dB  STOI {measured.stoi:+.4f}  clean kept {measured.kept:.1f} dB (worst "
-              f"{measured.kept_worst:.1f}){'  best' if better else ''}  "
-              f"({time.time() - started:.0f} s to measure)", flush=True)
+        print(f"step {self.step}  {self.elapsed / 3600:.2f} of {self.hours:g} h  loss {line['loss']:.4f}  score {score:.3f}"
+              f"{'  best' if better else ''}  ({time.time() - started:.0f} s to measure)", flush=True)
+        for name, m in measured.items():
+            print(f"    {name}: {m}", flush=True)
         return better
 
     def run(self, report_minutes=6.0):
