@@ -10,7 +10,6 @@
 namespace {
 
 using namespace TALVO::UTIL_FUNCTIONS;
-using testing::ElementsAre;
 using testing::FloatEq;
 using testing::FloatNear;
 using testing::Pointwise;
@@ -99,75 +98,6 @@ TEST(MatMulPlusB, IsTheSameAtEveryRegisterWidthAndInEveryForm) {
         matMulPlusB(transposed, v, Matrix(1, cols, bias), out);
         EXPECT_EQ(out, expected);
     }
-}
-
-TEST(MatMulPlusB, MultipliesMatricesWhoseSecondIsSquare) {
-    Matrix const m1(1, 2, {1, 2});
-    Matrix const m2(2, 2, {3, 4, 5, 6});
-    Matrix out;
-    matMulPlusB(m1, m2, Matrix(1, 2, {100, 200}), out);
-    EXPECT_THAT(out.data(), ElementsAre(113, 216));
-    // A second matrix that is higher than wide loses the products behind its column count.
-    Matrix narrow;
-    matMulPlusB(Matrix(1, 3, {1, 2, 4}), Matrix(3, 1, {1, 1, 1}), Matrix(1, 1, {0.5f}), narrow);
-    EXPECT_THAT(narrow.data(), ElementsAre(1.5f));
-}
-
-TEST(MatMulPlusBDeathTest, EndsOnSizesThatDontFit) {
-    Matrix const m(2, 3);
-    std::vector<float> out;
-    EXPECT_DEATH(matMulPlusB(std::vector<float>(3), m, std::vector<float>(3), out),
-                 "mat.rowSize\\(\\)==vec.size\\(\\) && vec.size\\(\\)!=0 && b.size\\(\\)==mat.colSize\\(\\)");
-    EXPECT_DEATH(matMulPlusB(m, std::vector<float>(3), std::vector<float>(3), out),
-                 "b.size\\(\\)==out.size\\(\\)");
-    EXPECT_DEATH(matMulPlusB(std::vector<float>(2), m, Matrix(2, 2), out),
-                 "\\(b.rowSize\\(\\)==1 && b.colSize\\(\\)==out.size\\(\\)\\)");
-    Matrix product;
-    EXPECT_DEATH(matMulPlusB(m, m, m, product), "m1.colSize\\(\\)==m2.rowSize\\(\\) && m1.colSize\\(\\)!=0");
-}
-
-TEST(VectorFunctions, ComputeElementByElement) {
-    std::vector<float> const a{1, -2, 3};
-    std::vector<float> const b{4, 5, -6};
-    std::vector<float> out;
-    vectorMultVector(a, b, out);
-    EXPECT_THAT(out, ElementsAre(4, -10, -18));
-    vectorPlusVector(a, b, out);
-    EXPECT_THAT(out, ElementsAre(5, 3, -3));
-    vectorMinusVector(a, b, out);
-    EXPECT_THAT(out, ElementsAre(-3, -7, 9));
-    vectorSquare(a, out);
-    EXPECT_THAT(out, ElementsAre(1, 4, 9));
-    vectorMultScalar(a, -0.5f, out);
-    EXPECT_THAT(out, ElementsAre(-0.5f, 1, -1.5f));
-    affectV1ByReluAddV2(a, b, out);
-    EXPECT_THAT(out, ElementsAre(5, 5, -3));
-    vectorSymetricSumWithCoefficient(a, {0, 1, 0.5f}, b, out);
-    EXPECT_THAT(out, ElementsAre(4, -2, -1.5f));
-    vectorSymetricSumWithCoefficient(a, {0.25f}, b, out);
-    EXPECT_THAT(out, ElementsAre(3.25f, 3.25f, -3.75f));
-    affectVectorBySigmoid({0.0f, -2000.0f, 2000.0f}, out);
-    EXPECT_THAT(out, ElementsAre(0.5f, 0.0f, 1.0f));
-    EXPECT_FLOAT_EQ(vectorRMS(std::vector<float>{3, -4}), std::sqrt(12.5f) + 1e-6f);
-    EXPECT_FLOAT_EQ(vectorRMS(std::vector<float>{0}), 1e-6f);
-    std::vector<std::complex<float>> spectrum;
-    vectorMultVector({{1, 2}, {-3, 4}}, {2, 0.5f}, spectrum);
-    EXPECT_THAT(spectrum, ElementsAre(std::complex<float>(2, 4), std::complex<float>(-1.5f, 2)));
-}
-
-TEST(VectorFunctionsDeathTest, EndOnSizesThatDontFit) {
-    std::vector<float> const one{1};
-    std::vector<float> const two{1, 2};
-    std::vector<float> out;
-    std::vector<std::complex<float>> complexOut;
-    std::vector<float> both = two;
-    EXPECT_DEATH(vectorMultVector(one, two, out), "v1.size\\(\\)==v2.size\\(\\)");
-    EXPECT_DEATH(vectorPlusVector(one, both, both), "v1Size==v2Size && v1Size==outSize && v1Size!=0");
-    EXPECT_DEATH(affectV1ByReluAddV2(one, two, out), "v1Size == v2Size && v1Size == outSize && v1Size != 0");
-    EXPECT_DEATH(vectorSquare(nullptr, 1, out.data(), 1), "v1_ptr != nullptr && out_ptr != nullptr");
-    EXPECT_DEATH(vectorSymetricSumWithCoefficient({1, 2, 3}, two, {1, 2, 3}, out),
-                 "v1.size\\(\\)==gamma.size\\(\\)");
-    EXPECT_DEATH(vectorMultVector({{1, 2}}, two, complexOut), "cvec1.size\\(\\)==vec2.size");
 }
 
 using Generator = void (*)(std::size_t, float*, std::size_t);

@@ -2,7 +2,6 @@
 #include "support/RecordedLog.hpp"
 
 #include <CorvantaSdkVideo/CredentialsManager/CorvantaCredentialsManager.hpp>
-#include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 
 #include <gtest/gtest.h>
@@ -11,43 +10,6 @@
 
 namespace corvanta::test {
 namespace {
-
-// What no operation's test reads in its log.
-TEST(LoggerTest, EventsAndMessages) {
-    const URL video = URL::fromFilePath("/a b/ü.mp4");
-    const URL result = *URL::parse("/out%.wav");
-    const UUID id = *parseUUID("0123abcd-4567-89ef-0123-456789abcdef");
-    const CorvantaSdkVideoError error(CorvantaSdkVideoError::InvalidInputFilesReason::notEnoughVideos);
-    struct Case {
-        Event event;
-        EventMessage message;
-        std::string line;
-    };
-    for (const Case& expected : {
-             Case{Event::getAllRequest, EventMessage::getRequestsBy("idle"),
-                  "event_video_request_get_all: Get all requests called with status: idle"},
-             {Event::compareVideo, EventMessage::compare({video, result}),
-              "event_video_compare: Compare called with videoPaths: [file:///a%20b/%C3%BC.mp4, /out%25.wav]"},
-             {Event::compareVideo, EventMessage::compare({}),
-              "event_video_compare: Compare called with videoPaths: []"},
-             {Event::streamRequestWithStatus, EventMessage::streamRequestsBy(std::nullopt),
-              "stream_request_with_status: Stream requests with nil"},
-             {Event::streamRequestWithID, EventMessage::streamRequest(id),
-              "stream_request_with_id: Stream requests with id 0123abcd-4567-89ef-0123-456789abcdef"},
-             {Event::processRequest, EventMessage::processRequestFailed(error),
-              "event_video_request_process: Process request failed. invalidInputFiles(notEnoughVideos)"},
-             {Event::createMergeBuilder, EventMessage::createMergeBuilder(),
-              "event_video_merge_build_create: Building merge builder"},
-             {Event::createConcatBuilder, EventMessage::createConcatBuilder(),
-              "event_video_concat_build_create: Building concat builder"},
-             {Event::createEncodeBuilder, EventMessage::createEncodeBuilder(),
-              "event_video_encode_build_create: Building encode builder"},
-         }) {
-        RecordedLog log;
-        Logger::addLog(expected.event, expected.message);
-        EXPECT_EQ(log.take(), std::vector{"info " + expected.line});
-    }
-}
 
 // One process keeps one version, so each text is read by a new one.
 TEST(LoggerDeathTest, VersionIsReadFromTheResource) {
