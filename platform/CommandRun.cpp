@@ -38,6 +38,12 @@ void splitLines(std::string& rest, std::string_view bytes, OnLine onLine) {
     }
 }
 
+// Of descriptors, processes or memory, which other runs hold as well.
+bool isShortage(const std::error_code& error) {
+    return error == std::errc::too_many_files_open || error == std::errc::too_many_files_open_in_system ||
+           error == std::errc::resource_unavailable_try_again || error == std::errc::not_enough_memory;
+}
+
 template <typename Number>
 void readNumber(std::string_view text, Number& number) {
     text.remove_prefix(std::min(text.size(), text.find_first_not_of(' ')));
@@ -47,9 +53,9 @@ void readNumber(std::string_view text, Number& number) {
 } // namespace
 
 CommandRun::CommandRun(asio::io_context& context, std::shared_ptr<Session> session, CommandPlan plan,
-                       std::function<void()> onEnd)
+                       Line line)
     : strand_(asio::make_strand(context)), session_(std::move(session)), plan_(std::move(plan)),
-      onEnd_(std::move(onEnd)), killTimer_(strand_), drainTimer_(strand_) {
+      line_(std::move(line)), killTimer_(strand_), drainTimer_(strand_) {
     statistics_.sessionId = session_->getSessionId();
 }
 
@@ -71,6 +77,9 @@ void CommandRun::spawn() {
     try {
         child_ = std::make_unique<ChildProcess>(plan_.program, plan_.arguments);
     } catch (const std::system_error& error) {
+        if (isShortage(error.code()) && line_.putBack()) {
+            return;
+        }
         if (plan_.onLog) {
             plan_.onLog(
                 Log(session_->getSessionId(), plan_.program + " could not be started: " + error.what()));
@@ -164,7 +173,7 @@ void CommandRun::end(SessionState state, int returnCode) {
         }
     }
     exited_.reset();
-    onEnd_();
+    line_.leave();
     if (plan_.onComplete) {
         plan_.onComplete(session_);
     }

@@ -32,8 +32,15 @@ struct CommandPlan {
 /// Everything but the constructor, `start` and `cancel` runs on the strand.
 class CommandRun : public std::enable_shared_from_this<CommandRun> {
   public:
+    /// Called on the strand.
+    struct Line {
+        std::function<void()> leave;
+        /// Whether the run, which the machine has no room for, will be started again.
+        std::function<bool()> putBack;
+    };
+
     CommandRun(boost::asio::io_context& context, std::shared_ptr<Session> session, CommandPlan plan,
-               std::function<void()> onEnd);
+               Line line);
 
     void start();
     void cancel();
@@ -64,7 +71,7 @@ class CommandRun : public std::enable_shared_from_this<CommandRun> {
     boost::asio::strand<boost::asio::io_context::executor_type> strand_;
     std::shared_ptr<Session> session_;
     CommandPlan plan_;
-    std::function<void()> onEnd_;
+    Line line_;
     std::atomic<bool> cancelled_ = false;
 
     std::unique_ptr<ChildProcess> child_;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -16,8 +17,14 @@
 /// A host that ignores SIGCHLD, or waits for children that aren't its own, takes the return codes away: every
 /// run then reads as cancelled.
 ///
+/// So many run at a time, further ones wait in line, also for room that the machine lacks (descriptors,
+/// processes) until another one has ended.
+///
 /// Callbacks come on the runner's threads, for one session one after the other, the completion callback last
-/// and exactly once. They must not throw.
+/// and exactly once. One that throws ends the host.
+///
+/// Nothing is torn down when the host returns from `main` or calls `exit`: sessions run on until the process
+/// is gone, and are killed with it. Callbacks may come as late as that, so what they use must live as long.
 namespace corvanta {
 
 enum class SessionState { created, running, failed, completed };
@@ -44,7 +51,8 @@ class Session {
   public:
     explicit Session(std::int64_t id) : id_(id) {}
 
-    /// From 1 upwards, unique within the process.
+    /// Positive and rising. The first one is drawn anew by each process, so that the id that a dead process
+    /// has left somewhere is no session of this one.
     std::int64_t getSessionId() const { return id_; }
     /// Absent until the session has ended.
     std::optional<ReturnCode> getReturnCode() const;
@@ -122,6 +130,12 @@ class FFmpegKitConfig {
   public:
     /// "CREATED", "RUNNING", "FAILED" or "COMPLETED"
     static std::optional<std::string> sessionStateToString(SessionState state);
+
+    /// How many of each program run at once; 0, as at first, is as many as the machine bears: twice its
+    /// processors, at least 4, and at most one for each 32 descriptors that the process may open. Further
+    /// sessions wait in line, `created`, and start in order; a cancelled one leaves the line at once. Counts
+    /// also for those that wait.
+    static void setMaximumRuns(std::size_t ffmpeg, std::size_t ffprobe);
 
     /// One of ffmpeg's names ("quiet", "error", "warning", "info", "debug"); absent leaves ffmpeg's own
     /// default.

@@ -190,6 +190,57 @@ TEST(FFmpegKitTest, GrandchildThatKeepsThePipesOpenHoldsNothingUp) {
     kill(grandchild, SIGKILL);
 }
 
+TEST(FFmpegKitTest, IdsAreNoneOfAnotherProcess) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const FakeProgram fake(ffmpegVariable, "exit 0");
+    const SessionProbe first("");
+    const SessionProbe second("");
+    EXPECT_GT(first.id(), 0);
+    EXPECT_GT(second.id(), first.id());
+    EXPECT_TRUE(first.wait() == 0 && second.wait() == 0);
+    // The statement runs in a new process of this program, which inherits the variable.
+    const char* const other = std::getenv("OTHER_ID");
+    const bool isNew = other != nullptr && std::abs(std::stoll(other) - first.id()) > 1000;
+    const ScopedVariable variable("OTHER_ID", other != nullptr ? other : std::to_string(first.id()));
+    EXPECT_EXIT(std::_Exit(isNew ? 0 : 1), testing::ExitedWithCode(0), "");
+}
+
+TEST(FFmpegKitTest, RunsBeyondTheLimitWaitInLine) {
+    const FakeProgram ffmpeg(ffmpegVariable, "echo $3 >>\"$here/order\"\n"
+                                             "while [ ! -e \"$here/go\" ]; do sleep 0.02; done\n");
+    const FakeProgram ffprobe(ffprobeVariable, "exit 0");
+    FFmpegKitConfig::setMaximumRuns(1, 0);
+    std::vector<std::unique_ptr<SessionProbe>> runs;
+    for (int run = 0; run < 6; ++run) {
+        runs.push_back(std::make_unique<SessionProbe>(std::to_string(run)));
+    }
+    EXPECT_EQ(SessionProbe("", Tool::ffprobe).wait(), 0);
+    FFmpegKit::cancel(runs[2]->id());
+    EXPECT_EQ(runs[2]->wait(), ReturnCode::cancelled);
+    EXPECT_EQ(runs[1]->state(), SessionState::created);
+    writeFile(ffmpeg.file("go"), "");
+    for (const int run : {0, 1, 3, 4, 5}) {
+        EXPECT_EQ(runs[static_cast<std::size_t>(run)]->wait(), 0);
+    }
+    EXPECT_EQ(readFile(ffmpeg.file("order")), "0\n1\n3\n4\n5\n");
+
+    // More of them than there are descriptors for, whatever the limit.
+    FFmpegKitConfig::setMaximumRuns(1000, 0);
+    rlimit usual{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
+    const rlimit few{std::min<rlim_t>(usual.rlim_max, openDescriptors() + 50), usual.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
+    runs.clear();
+    for (int run = 0; run < 100; ++run) {
+        runs.push_back(std::make_unique<SessionProbe>(""));
+    }
+    for (const auto& run : runs) {
+        EXPECT_EQ(run->wait(), 0);
+    }
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &usual), 0);
+    FFmpegKitConfig::setMaximumRuns(0, 0);
+}
+
 TEST(FFmpegKitTest, WithoutDescriptorsARunFailsAndLaterOnesWork) {
     {
         // The undefined-behaviour sanitizer opens a pipe when it first sees the error's type, later it can't.
