@@ -1,12 +1,13 @@
 #include <CorvantaSdkVideo/CorvantaSdkVideo.hpp>
 
 #include <CorvantaSdkVideo/CorvantaSdkVideoInterfaceImp.hpp>
+#include <platform/NeverDestroyed.hpp>
 
 namespace corvanta {
 
 CorvantaSdkVideoInterface* CorvantaSdkVideoEntry::operator->() const {
-    static CorvantaSdkVideoInterfaceImp module;
-    return &module;
+    static NeverDestroyed<CorvantaSdkVideoInterfaceImp> module;
+    return &*module;
 }
 
 } // namespace corvanta

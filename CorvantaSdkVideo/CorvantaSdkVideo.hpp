@@ -11,7 +11,10 @@
 
 namespace corvanta {
 
-/// Builds the module at its first use, once, safely from any thread. It lives until the process ends.
+/// Builds the module at its first use, once, safely from any thread. It lives until the process ends: nothing
+/// of it is torn down before. A `process()` that another thread runs while `main` returns goes on until the
+/// process is gone; then its ffmpeg is killed, and its request, still `processing`, reads as `cancelled` at
+/// the next start.
 class CorvantaSdkVideoEntry {
   public:
     CorvantaSdkVideoInterface* operator->() const;

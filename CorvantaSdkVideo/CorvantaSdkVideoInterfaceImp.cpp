@@ -7,6 +7,7 @@
 #include <CorvantaSdkVideo/Thumbnail/CorvantaSdkVideoThumbnailGeneratorImplementation.hpp>
 
 #include <platform/Directories.hpp>
+#include <platform/NeverDestroyed.hpp>
 
 #include <string>
 #include <utility>
@@ -79,8 +80,8 @@ Stream<std::shared_ptr<CorvantaSdkVideoRequest>> CorvantaSdkVideoInterfaceImp::s
 }
 
 VideosInformationGenerator& CorvantaSdkVideoInterfaceImp::videosInformationGenerator() {
-    static VideosInformationGenerator generator;
-    return generator;
+    static NeverDestroyed<VideosInformationGenerator> generator;
+    return *generator;
 }
 
 URL CorvantaSdkVideoInterfaceImp::storeURL() {
@@ -88,49 +89,52 @@ URL CorvantaSdkVideoInterfaceImp::storeURL() {
 }
 
 std::shared_ptr<VideoStore> CorvantaSdkVideoInterfaceImp::coreDataStore() {
-    static const auto store = [] {
+    static NeverDestroyed<std::shared_ptr<VideoStore>> store([] {
         try {
             return std::make_shared<CoreDataCorvantaStore>(storeURL());
         } catch (const std::exception& error) {
             fatalError((storeURL().path() + " can't be opened: " + error.what()).c_str());
         }
-    }();
-    return store;
+    }());
+    return *store;
 }
 
 ConcatInputValidator& CorvantaSdkVideoInterfaceImp::concatInputValidator() {
-    static ConcatInputValidator validator;
-    return validator;
+    static NeverDestroyed<ConcatInputValidator> validator;
+    return *validator;
 }
 
 std::shared_ptr<CorvantaSdkVideoConcatEngine> CorvantaSdkVideoInterfaceImp::concatEngine() {
-    static const auto engine = std::make_shared<CorvantaSdkVideoConcatEngine>(
-        std::make_shared<CorvantaCredentialsManagerImp>(), FFMPEGCommandGenerator(),
-        std::make_shared<FFMPEGCommandExecutorImplementation>(), concatInputValidator(),
-        videosInformationGenerator(), CorvantaSdkVideoFileValidator(), coreDataStore());
-    return engine;
+    static NeverDestroyed<std::shared_ptr<CorvantaSdkVideoConcatEngine>> engine(
+        std::make_shared<CorvantaSdkVideoConcatEngine>(
+            std::make_shared<CorvantaCredentialsManagerImp>(), FFMPEGCommandGenerator(),
+            std::make_shared<FFMPEGCommandExecutorImplementation>(), concatInputValidator(),
+            videosInformationGenerator(), CorvantaSdkVideoFileValidator(), coreDataStore()));
+    return *engine;
 }
 
 std::shared_ptr<CorvantaSdkVideoMergeEngine> CorvantaSdkVideoInterfaceImp::mergeEngine() {
-    static const auto engine = std::make_shared<CorvantaSdkVideoMergeEngine>(
-        std::make_shared<CorvantaCredentialsManagerImp>(), FFMPEGMergeCommandGenerator(),
-        std::make_shared<FFMPEGCommandExecutorImplementation>(), videosInformationGenerator(),
-        CorvantaSdkVideoFileValidator(), coreDataStore());
-    return engine;
+    static NeverDestroyed<std::shared_ptr<CorvantaSdkVideoMergeEngine>> engine(
+        std::make_shared<CorvantaSdkVideoMergeEngine>(
+            std::make_shared<CorvantaCredentialsManagerImp>(), FFMPEGMergeCommandGenerator(),
+            std::make_shared<FFMPEGCommandExecutorImplementation>(), videosInformationGenerator(),
+            CorvantaSdkVideoFileValidator(), coreDataStore()));
+    return *engine;
 }
 
 std::shared_ptr<CorvantaSdkVideoVideoEncoderEngine> CorvantaSdkVideoInterfaceImp::encoderEngine() {
-    static const auto engine = std::make_shared<CorvantaSdkVideoVideoEncoderEngine>(
-        std::make_shared<CorvantaCredentialsManagerImp>(), CorvantaSdkVideoFileValidator(),
-        std::make_shared<FFMPEGCommandExecutorImplementation>(), FFMPEGMergeCommandGenerator(),
-        coreDataStore());
-    return engine;
+    static NeverDestroyed<std::shared_ptr<CorvantaSdkVideoVideoEncoderEngine>> engine(
+        std::make_shared<CorvantaSdkVideoVideoEncoderEngine>(
+            std::make_shared<CorvantaCredentialsManagerImp>(), CorvantaSdkVideoFileValidator(),
+            std::make_shared<FFMPEGCommandExecutorImplementation>(), FFMPEGMergeCommandGenerator(),
+            coreDataStore()));
+    return *engine;
 }
 
 CorvantaSdkVideoRequestBuilder& CorvantaSdkVideoInterfaceImp::requestBuilder() {
-    static CorvantaSdkVideoRequestBuilder directory(coreDataStore(), mergeEngine(), concatEngine(),
-                                                    encoderEngine());
-    return directory;
+    static NeverDestroyed<CorvantaSdkVideoRequestBuilder> directory(coreDataStore(), mergeEngine(),
+                                                                    concatEngine(), encoderEngine());
+    return *directory;
 }
 
 std::unique_ptr<CorvantaSdkVideoThumbnailGenerator> CorvantaSdkVideoInterfaceImp::thumbnailGenerator() {

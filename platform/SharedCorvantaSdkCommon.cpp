@@ -1,16 +1,45 @@
 #include <platform/SharedCorvantaSdkCommon.hpp>
 
+#include <platform/NeverDestroyed.hpp>
+
 #include <spdlog/spdlog.h>
 
+#include <shared_mutex>
 #include <utility>
 
 namespace corvanta {
 
 namespace {
 
+// spdlog destroys its loggers while the process ends: records that come later have nowhere to go.
+struct SpdlogLife {
+    std::shared_mutex mutex;
+    bool ended = false;
+};
+
+SpdlogLife& spdlogLife() {
+    static NeverDestroyed<SpdlogLife> life;
+    return *life;
+}
+
+struct SpdlogEnd {
+    // spdlog's own static objects are there now, so they go after this one.
+    SpdlogEnd() { spdlog::default_logger_raw(); }
+    ~SpdlogEnd() {
+        const std::lock_guard lock(spdlogLife().mutex);
+        spdlogLife().ended = true;
+    }
+};
+
 class SpdlogSink : public SharedCorvantaSdkLogSink {
   public:
+    SpdlogSink() { static const SpdlogEnd end; }
+
     void addLog(const SharedCorvantaSdkLog& record) override {
+        const std::shared_lock lock(spdlogLife().mutex);
+        if (spdlogLife().ended) {
+            return;
+        }
         const auto level =
             record.severity == SharedCorvantaSdkLogSeverity::error ? spdlog::level::err : spdlog::level::info;
         spdlog::log(level, "[video {}] {}: {}", record.moduleVersion, record.tag, record.message);
@@ -51,8 +80,8 @@ void SharedCorvantaSdkCommon::setLog(std::shared_ptr<SharedCorvantaSdkLogSink> l
 }
 
 SharedCorvantaSdkCommon& SharedCorvantaSdkCommonKt::sdk_common() {
-    static SharedCorvantaSdkCommon common;
-    return common;
+    static NeverDestroyed<SharedCorvantaSdkCommon> common;
+    return *common;
 }
 
 } // namespace corvanta

@@ -50,7 +50,8 @@ class SharedCorvantaSdkLogSink {
 };
 
 /// The library's singleton. Safe from any thread; a replaced part lives until its last caller is done with
-/// it.
+/// it. It is never destroyed, nor is what it holds when the process ends: a sink that writes late is to be
+/// replaced by then.
 class SharedCorvantaSdkCommon {
   public:
     /// At first nobody is logged in, and records go to spdlog's default logger.

@@ -1,6 +1,7 @@
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 
 #include <platform/Bundle.hpp>
+#include <platform/NeverDestroyed.hpp>
 #include <platform/SharedCorvantaSdkCommon.hpp>
 
 #include <boost/algorithm/string/classification.hpp>
@@ -42,12 +43,12 @@ std::optional<std::string> readVersion() {
 // A version that could not be read is looked for again at the next record.
 std::string moduleVersion() {
     static std::mutex mutex;
-    static std::optional<std::string> savedModuleVersion;
+    static NeverDestroyed<std::optional<std::string>> savedModuleVersion;
     const std::lock_guard lock(mutex);
-    if (!savedModuleVersion) {
-        savedModuleVersion = readVersion();
+    if (!*savedModuleVersion) {
+        *savedModuleVersion = readVersion();
     }
-    return savedModuleVersion.value_or("unknown");
+    return (*savedModuleVersion).value_or("unknown");
 }
 
 void add(SharedCorvantaSdkLogSeverity severity, Event event, const EventMessage& eventMessage) noexcept {

@@ -1,5 +1,6 @@
 #include "support/Failure.hpp"
 #include "support/MediaFixtures.hpp"
+#include "support/Processes.hpp"
 #include "support/RecordedLog.hpp"
 #include "support/ScopedVariable.hpp"
 
@@ -7,6 +8,9 @@
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 
 #include <gmock/gmock.h>
+
+#include <atomic>
+#include <thread>
 
 #include <sys/stat.h>
 
@@ -61,6 +65,34 @@ TEST(ErrorTest, NumbersNamesAndTexts) {
     EXPECT_EQ(localizedDescription(std::system_error(ENOENT, std::generic_category(), "x")),
               "The operation couldn’t be completed. (generic error 2.)");
     EXPECT_EQ(localizedDescription(std::runtime_error("speaks for itself")), "speaks for itself");
+}
+
+// Some of what these threads use would be gone if anything of it were torn down.
+TEST(ExitTest, MayComeWhileOtherThreadsWork) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const FakeProgram ffprobe("CORVANTA_FFPROBE", "exit 0");
+    const CorvantaSdkVideoFile input(URL::fromFilePath(ffprobe.file("program")));
+    const auto leaveInTheMiddle = [&input] {
+        std::atomic<int> probes = 0;
+        for (int thread = 0; thread < 4; ++thread) {
+            std::thread([&] {
+                for (;;) {
+                    failureOf([&] { runBlocking(CorvantaSdkVideo->getVideosInformation({input})); });
+                    ++probes;
+                    probes.notify_one();
+                }
+            }).detach();
+        }
+        for (int seen = 0; seen < 4; seen = probes) {
+            probes.wait(seen);
+        }
+        std::exit(0);
+    };
+    SharedCorvantaSdkCommonKt::sdk_common().setAuth(std::make_shared<SharedCorvantaSdkFixedAuth>(true));
+    for (int round = 0; round < 8; ++round) {
+        EXPECT_EXIT(leaveInTheMiddle(), testing::ExitedWithCode(0), "");
+    }
+    SharedCorvantaSdkCommonKt::sdk_common().setAuth(nullptr);
 }
 
 TEST(FrameRateTest, ProbeTextsAndRawValues) {

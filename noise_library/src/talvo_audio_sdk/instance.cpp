@@ -8,27 +8,39 @@
 
 namespace TALVO::TALVO_AUDIO {
 
+namespace {
+
+// Never destroyed: threads may still clean while the process ends.
+union Owner {
+    constexpr Owner() : instance() {}
+    ~Owner() {}
+    std::unique_ptr<TalvoAudioInstanceT> instance;
+};
+
+constinit Owner owner;
+
+} // namespace
+
 std::mutex TalvoAudioInstanceT::mutexForInputs_;
-std::unique_ptr<TalvoAudioInstanceT> TalvoAudioInstanceT::instance_;
 std::atomic<TalvoAudioInstanceT*> TalvoAudioInstanceT::visible_ = nullptr;
 
 TalvoAudioInstanceT* TalvoAudioInstanceT::Instance(MODE mode, wchar_t const* workingPath) {
     switch (mode) {
     case MODE::destroy: {
         std::scoped_lock const lock(mutexForInputs_);
-        if (instance_ == nullptr)
+        if (owner.instance == nullptr)
             TALVO_THROW("DESTROYING WITHOUT INTIALIZATION");
         visible_.store(nullptr, std::memory_order_release);
-        instance_.reset();
+        owner.instance.reset();
         return nullptr;
     }
     case MODE::create: {
         std::scoped_lock const lock(mutexForInputs_);
-        if (instance_ != nullptr)
+        if (owner.instance != nullptr)
             TALVO_THROW("DOUBLE INITIALIZATION WITHOUT DESTROYING");
-        instance_.reset(new TalvoAudioInstanceT(workingPath));
-        visible_.store(instance_.get(), std::memory_order_release);
-        return instance_.get();
+        owner.instance.reset(new TalvoAudioInstanceT(workingPath));
+        visible_.store(owner.instance.get(), std::memory_order_release);
+        return owner.instance.get();
     }
     case MODE::access: {
         TalvoAudioInstanceT* const instance = visible_.load(std::memory_order_acquire);

@@ -65,7 +65,6 @@ class TalvoAudioInstanceT {
                                       TalvoAudioFrameDuration duration, char const* modelName,
                                       TalvoAudioSessionType type);
 
-    static std::unique_ptr<TalvoAudioInstanceT> instance_;
     /// What access reads, so that a late or early call is an error and not a race.
     static std::atomic<TalvoAudioInstanceT*> visible_;
 
