@@ -8,6 +8,9 @@
 namespace corvanta {
 
 /// Keeps a subscription alive. Move-only; the subscription ends with its scope or with `cancel`.
+///
+/// Ending it waits for a callback that is running on another thread, so that none runs afterwards: don't end
+/// it while you hold a lock that the callback takes, that is a deadlock. The callback itself may end it.
 class Subscription {
   public:
     Subscription() = default;
@@ -27,6 +30,10 @@ class Subscription {
 
 /// Values over time: never fails and never completes. A stream is a recipe, run anew for each subscriber; the
 /// callback runs on whatever thread produces the value.
+///
+/// A callback must not throw: one that does ends the process, with the exception's text on standard error,
+/// since the change that it hears of can't be taken back. Only what it throws at the first value, within
+/// `subscribe`, comes back to the subscriber.
 template <typename T>
 class Stream {
   public:

@@ -1,8 +1,23 @@
 #include <CorvantaSdkVideo/Store/WorkingContext.hpp>
 
+#include <platform/Errors.hpp>
+
 #include <algorithm>
+#include <string>
 
 namespace corvanta {
+
+namespace {
+
+void tell(const WorkingContext::Observer& observer, const std::vector<RowKey>& updatedRows) {
+    try {
+        observer(updatedRows);
+    } catch (const std::exception& error) {
+        fatalError((std::string("A stream's callback threw: ") + error.what()).c_str());
+    }
+}
+
+} // namespace
 
 Subscription WorkingContext::observe(Observer observer) {
     auto entry = std::make_shared<Entry>(Entry{std::move(observer)});
@@ -25,7 +40,7 @@ void WorkingContext::announceCommit(const std::vector<RowKey>& updatedRows) noex
     performSync([&] {
         for (const auto told = observers_; const auto& entry : told) {
             if (entry->active) {
-                entry->observer(updatedRows);
+                tell(entry->observer, updatedRows);
             }
         }
     });
