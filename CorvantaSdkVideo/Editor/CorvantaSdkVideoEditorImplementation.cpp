@@ -6,6 +6,7 @@
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
 #include <platform/AssetReader.hpp>
+#include <platform/Cancellation.hpp>
 #include <platform/UUID.hpp>
 
 #include <algorithm>
@@ -80,6 +81,9 @@ CorvantaSdkVideoEditorImplementation::edit(CorvantaSdkVideoEditorInput video) {
         co_await commandExecutor_->executeFFMPEGCommand(std::move(command.script));
     } catch (const std::exception& error) {
         Logger::logError(Event::editVideo, EventMessage::editVideoFailed(error));
+        if (isCancellation(error)) {
+            throw;
+        }
         throw Error(Error::trimFailed);
     }
     CorvantaSdkVideoEditorResult result{video.outputURL};
@@ -104,7 +108,10 @@ Task<URL> CorvantaSdkVideoEditorImplementation::getThumbnailForVideo(URL at, dou
         commandGenerator_.generateThumbnailForTrim(at, interval, width, height, outputPath);
     try {
         co_await commandExecutor_->executeFFMPEGCommand(std::move(command.script));
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
+        if (isCancellation(error)) {
+            throw;
+        }
         throw Error(Error::trimFailed);
     }
     co_return output;

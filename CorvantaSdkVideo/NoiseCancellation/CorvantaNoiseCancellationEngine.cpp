@@ -9,6 +9,7 @@
 #include <platform/AssetReader.hpp>
 #include <platform/AudioFile.hpp>
 #include <platform/Bundle.hpp>
+#include <platform/Cancellation.hpp>
 #include <platform/Directories.hpp>
 #include <platform/UUID.hpp>
 
@@ -195,9 +196,12 @@ Task<URL> CorvantaNoiseCancellationEngine::extractAudioForFile(URL at) {
             throw Error(Error::unableToProcessInput);
         }
         co_await commandExecutor_->executeFFMPEGCommand(std::move(command));
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
         // What a failed extraction has begun to write is of no use to anybody.
         fileProcessor_.removeFile(audio);
+        if (isCancellation(error)) {
+            throw;
+        }
         throw Error(Error::unableToProcessInput);
     }
     co_return audio;
@@ -221,6 +225,7 @@ Task<URL> CorvantaNoiseCancellationEngine::cleanAudio(URL fileURL, URL audioFile
     Cleaning cleaning(fileURL, audioFileURL, cleaned.url);
     const auto executor = co_await boost::asio::this_coro::executor;
     while (cleaning.cleanFrames(framesPerTurn)) {
+        throwIfCancelled(co_await boost::asio::this_coro::cancellation_state);
         co_await boost::asio::post(executor, boost::asio::use_awaitable);
     }
     ownsLibrary_ = false;

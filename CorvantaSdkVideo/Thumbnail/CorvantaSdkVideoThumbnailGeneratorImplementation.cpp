@@ -5,6 +5,7 @@
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
 #include <platform/AssetReader.hpp>
+#include <platform/Cancellation.hpp>
 #include <platform/FileManager.hpp>
 
 #include <system_error>
@@ -93,6 +94,9 @@ Task<CorvantaSdkVideoThumbnailResult> CorvantaSdkVideoThumbnailGeneratorImplemen
         co_await run(commandExecutor_, std::move(command), outputPath);
     } catch (const std::exception& error) {
         Logger::logError(Event::createThumbnail, EventMessage::createThumbnailFailed(input, error));
+        if (isCancellation(error)) {
+            throw;
+        }
         throw Error(Error::thumbnailGenerationFailed);
     }
     co_return CorvantaSdkVideoThumbnailResult{*output};

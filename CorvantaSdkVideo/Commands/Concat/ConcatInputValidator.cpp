@@ -2,6 +2,7 @@
 
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
+#include <platform/Cancellation.hpp>
 
 #include <utility>
 
@@ -41,6 +42,9 @@ Task<bool> ConcatInputValidator::canProcessConcatWith(std::vector<URL> videos) c
         co_await validateVideosForConcat(std::move(videos));
         co_return true;
     } catch (const std::exception& error) {
+        if (isCancellation(error)) {
+            throw;
+        }
         Logger::logError(Event::compareVideo, EventMessage::compareFailed(error));
         co_return false;
     }

@@ -26,10 +26,7 @@ CorvantaSdkVideoConcatEngine::CorvantaSdkVideoConcatEngine(
       videosInformationGenerator_(std::move(videosInformationGenerator)), videosValidator_(videosValidator) {}
 
 Task<CorvantaSdkVideoRequestResult>
-CorvantaSdkVideoConcatEngine::process(std::shared_ptr<CorvantaSdkVideoRequest> request) {
-    const auto self = shared_from_this();
-    validateAuthentication();
-    validateRequestStatus(*request);
+CorvantaSdkVideoConcatEngine::carryOut(std::shared_ptr<CorvantaSdkVideoRequest> request) {
     if (!request->concatData) {
         markUnusable(request->id);
         throw Error(Error::concatFailed);
@@ -44,8 +41,8 @@ CorvantaSdkVideoConcatEngine::process(std::shared_ptr<CorvantaSdkVideoRequest> r
     co_await inputValidator_.validateVideosForConcat(videos);
     try {
         co_await join(request->id, videos, std::move(information), outputURL->path());
-    } catch (const std::exception&) {
-        markFailed(request->id);
+    } catch (const std::exception& error) {
+        markFailed(request->id, error);
         throw Error(Error::concatFailed);
     }
     markComplete(request->id);

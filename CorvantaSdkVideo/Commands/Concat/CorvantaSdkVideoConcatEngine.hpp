@@ -26,10 +26,10 @@ class CorvantaSdkVideoConcatEngine : public StoredRequestEngine {
                                  CorvantaSdkVideoFileValidator videosValidator,
                                  std::shared_ptr<VideoStore> store);
 
-    /// Failures before the run leave the row as it was; a failed run throws `concatFailed`.
-    Task<CorvantaSdkVideoRequestResult> process(std::shared_ptr<CorvantaSdkVideoRequest> request) override;
-
   private:
+    /// Failures before the run leave the row as it was; a failed run throws `concatFailed`.
+    Task<CorvantaSdkVideoRequestResult> carryOut(std::shared_ptr<CorvantaSdkVideoRequest> request) override;
+
     Task<> join(UUID id, std::vector<URL> videos, std::vector<CorvantaSdkVideoInformation> information,
                 std::string outputPath);
 

@@ -41,10 +41,7 @@ CorvantaSdkVideoVideoEncoderEngine::CorvantaSdkVideoVideoEncoderEngine(
       videoValidator_(videoValidator), commandGenerator_(commandGenerator) {}
 
 Task<CorvantaSdkVideoRequestResult>
-CorvantaSdkVideoVideoEncoderEngine::process(std::shared_ptr<CorvantaSdkVideoRequest> request) {
-    const auto self = shared_from_this();
-    validateAuthentication();
-    validateRequestStatus(*request);
+CorvantaSdkVideoVideoEncoderEngine::carryOut(std::shared_ptr<CorvantaSdkVideoRequest> request) {
     if (!request->encodingData) {
         markUnusable(request->id);
         throw Error(Error::encodingFailed);
@@ -61,7 +58,7 @@ CorvantaSdkVideoVideoEncoderEngine::process(std::shared_ptr<CorvantaSdkVideoRequ
         co_await encode(request->id, data, *outputURL);
     } catch (const std::exception& error) {
         Logger::logError(Event::processRequest, EventMessage::processRequestFailed(error));
-        markFailed(request->id);
+        markFailed(request->id, error);
         throw Error(Error::encodingFailed);
     }
     markComplete(request->id);

@@ -18,11 +18,11 @@ class CorvantaSdkVideoVideoEncoderEngine : public StoredRequestEngine {
                                        FFMPEGMergeCommandGenerator commandGenerator,
                                        std::shared_ptr<VideoStore> store);
 
+  private:
     /// Failures before the probe leave the row as it was; a failed probe or run is logged and throws
     /// `encodingFailed`. An existing output is removed before the run.
-    Task<CorvantaSdkVideoRequestResult> process(std::shared_ptr<CorvantaSdkVideoRequest> request) override;
+    Task<CorvantaSdkVideoRequestResult> carryOut(std::shared_ptr<CorvantaSdkVideoRequest> request) override;
 
-  private:
     Task<> encode(UUID id, VideoEncodingData data, URL outputURL);
 
     CorvantaSdkVideoFileValidator videoValidator_;

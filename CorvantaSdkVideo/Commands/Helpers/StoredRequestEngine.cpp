@@ -2,6 +2,7 @@
 
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
+#include <platform/Cancellation.hpp>
 #include <platform/FileManager.hpp>
 
 #include <algorithm>
@@ -37,6 +38,32 @@ StoredRequestEngine::StoredRequestEngine(std::shared_ptr<CorvantaCredentialsMana
     : credentialsManager_(std::move(credentialsManager)), commandExecutor_(std::move(commandExecutor)),
       store_(std::move(store)) {}
 
+Task<CorvantaSdkVideoRequestResult>
+StoredRequestEngine::process(std::shared_ptr<CorvantaSdkVideoRequest> request) {
+    const auto self = shared_from_this();
+    validateAuthentication();
+    validateRequestStatus(*request);
+    // Also when the host's loop drops the run in the middle.
+    struct Row {
+        const StoredRequestEngine& engine;
+        const UUID id;
+        bool isSettled = false;
+        ~Row() {
+            if (!isSettled) {
+                engine.markCancelled(id);
+            }
+        }
+    } row{*this, request->id};
+    try {
+        CorvantaSdkVideoRequestResult result = co_await carryOut(request);
+        row.isSettled = true;
+        co_return result;
+    } catch (const std::exception& error) {
+        row.isSettled = !isCancellation(error);
+        throw;
+    }
+}
+
 void StoredRequestEngine::cancel(const CorvantaSdkVideoRequest& request) {
     const auto stored = storedRequest(request.id);
     const auto sessionId = stored ? sessionIdFrom(stored->processId) : std::nullopt;
@@ -47,7 +74,7 @@ void StoredRequestEngine::cancel(const CorvantaSdkVideoRequest& request) {
         throw Error(Error::operationMustBeProcessingToBeCancelled);
     }
     commandExecutor_->cancelCommandExecution(*sessionId);
-    updateRequestRequest(request.id, {Field::status(Status::cancelled), Field::processId(std::nullopt)});
+    markCancelled(request.id);
 }
 
 void StoredRequestEngine::validateAuthentication() const {
@@ -96,21 +123,28 @@ Task<> StoredRequestEngine::run(UUID id, std::string script) {
 }
 
 void StoredRequestEngine::markProcessing(const UUID& id) const {
-    updateRequestRequest(id, {Field::status(Status::processing)});
+    // A session that an earlier run has left there is not this run's.
+    updateRequestRequest(id, {Field::status(Status::processing), Field::processId(std::nullopt)});
 }
 
 void StoredRequestEngine::markComplete(const UUID& id) const {
     updateRequestRequest(id, {Field::status(Status::completed), Field::processId(std::nullopt)});
 }
 
-void StoredRequestEngine::markFailed(const UUID& id) const {
-    if (!isRequestCancelled(id)) {
+void StoredRequestEngine::markFailed(const UUID& id, const std::exception& error) const {
+    if (isCancellation(error)) {
+        markCancelled(id);
+    } else if (!isRequestCancelled(id)) {
         updateRequestRequest(id, {Field::status(Status::error), Field::processId(std::nullopt)});
     }
 }
 
 void StoredRequestEngine::markUnusable(const UUID& id) const {
     updateRequestRequest(id, {Field::status(Status::error)});
+}
+
+void StoredRequestEngine::markCancelled(const UUID& id) const {
+    updateRequestRequest(id, {Field::status(Status::cancelled), Field::processId(std::nullopt)});
 }
 
 std::optional<LocalVideoRequest> StoredRequestEngine::storedRequest(const UUID& id) const {

@@ -6,7 +6,7 @@
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/FFMPEGCommandExecutor.hpp>
 #include <CorvantaSdkVideo/Store/VideoStore.hpp>
 
-#include <cstdint>
+#include <exception>
 #include <memory>
 #include <string>
 #include <vector>
@@ -15,9 +15,13 @@ namespace corvanta {
 
 /// What the engines have in common: the checks before a run, the run itself with its row in the store, and
 /// cancel. The state of a request is its row alone. Made as a shared_ptr.
+///
+/// A run that Asio cancels, or that is dropped with its event loop, leaves its row `cancelled` in whatever
+/// phase it was.
 class StoredRequestEngine : public CorvantaSdkVideoRequestEngine,
                             public std::enable_shared_from_this<StoredRequestEngine> {
   public:
+    Task<CorvantaSdkVideoRequestResult> process(std::shared_ptr<CorvantaSdkVideoRequest> request) final;
     void cancel(const CorvantaSdkVideoRequest& request) override;
 
   protected:
@@ -27,11 +31,9 @@ class StoredRequestEngine : public CorvantaSdkVideoRequestEngine,
                         std::shared_ptr<FFMPEGCommandExecutor> commandExecutor,
                         std::shared_ptr<VideoStore> store);
 
-    /// Throws `userNotAuthenticated`.
-    void validateAuthentication() const;
-
-    /// Throws `operationNotFound`, `operationStillsInProgress` or `operationAlreadyCompleted`.
-    void validateRequestStatus(const CorvantaSdkVideoRequest& request) const;
+    /// What is left of `process` once the login and the row's status have been found right.
+    virtual Task<CorvantaSdkVideoRequestResult>
+    carryOut(std::shared_ptr<CorvantaSdkVideoRequest> request) = 0;
 
     /// Best effort: a failure is printed, so that it doesn't stop a run.
     void updateRequestRequest(const UUID& id, Fields withFields) const;
@@ -46,13 +48,21 @@ class StoredRequestEngine : public CorvantaSdkVideoRequestEngine,
     void markProcessing(const UUID& id) const;
     void markComplete(const UUID& id) const;
     /// Leaves a row alone that a cancel has settled.
-    void markFailed(const UUID& id) const;
+    void markFailed(const UUID& id, const std::exception& error) const;
     /// For a request without operation data, which no command was run for.
     void markUnusable(const UUID& id) const;
 
     FFMPEGCommandExecutor& commandExecutor() const { return *commandExecutor_; }
 
   private:
+    /// Throws `userNotAuthenticated`.
+    void validateAuthentication() const;
+
+    /// Throws `operationNotFound`, `operationStillsInProgress` or `operationAlreadyCompleted`.
+    void validateRequestStatus(const CorvantaSdkVideoRequest& request) const;
+
+    void markCancelled(const UUID& id) const;
+
     std::optional<LocalVideoRequest> storedRequest(const UUID& id) const;
     bool isRequestCancelled(const UUID& id) const;
 

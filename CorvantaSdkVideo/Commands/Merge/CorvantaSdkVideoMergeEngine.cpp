@@ -30,10 +30,7 @@ CorvantaSdkVideoMergeEngine::CorvantaSdkVideoMergeEngine(
       videosValidator_(videosValidator) {}
 
 Task<CorvantaSdkVideoRequestResult>
-CorvantaSdkVideoMergeEngine::process(std::shared_ptr<CorvantaSdkVideoRequest> request) {
-    const auto self = shared_from_this();
-    validateAuthentication();
-    validateRequestStatus(*request);
+CorvantaSdkVideoMergeEngine::carryOut(std::shared_ptr<CorvantaSdkVideoRequest> request) {
     if (!request->mergeData) {
         markUnusable(request->id);
         throw Error(Error::mergeFailed);
@@ -56,7 +53,7 @@ CorvantaSdkVideoMergeEngine::process(std::shared_ptr<CorvantaSdkVideoRequest> re
         co_await run(request->id, command.script);
     } catch (const std::exception& error) {
         Logger::logError(Event::mergeRequest, EventMessage::mergeRequestFailed(error));
-        markFailed(request->id);
+        markFailed(request->id, error);
         throw Error(Error::mergeFailed);
     }
     markComplete(request->id);

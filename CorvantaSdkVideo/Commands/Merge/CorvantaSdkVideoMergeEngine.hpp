@@ -22,10 +22,10 @@ class CorvantaSdkVideoMergeEngine : public StoredRequestEngine {
                                 CorvantaSdkVideoFileValidator videosValidator,
                                 std::shared_ptr<VideoStore> store);
 
-    /// Failures before the run leave the row as it was; a failed run is logged and throws `mergeFailed`.
-    Task<CorvantaSdkVideoRequestResult> process(std::shared_ptr<CorvantaSdkVideoRequest> request) override;
-
   private:
+    /// Failures before the run leave the row as it was; a failed run is logged and throws `mergeFailed`.
+    Task<CorvantaSdkVideoRequestResult> carryOut(std::shared_ptr<CorvantaSdkVideoRequest> request) override;
+
     FFMPEGMergeCommandGenerator commandGenerator_;
     VideosInformationGenerator videosInformationGenerator_;
     CorvantaSdkVideoFileValidator videosValidator_;

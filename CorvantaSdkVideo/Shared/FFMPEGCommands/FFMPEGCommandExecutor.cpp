@@ -4,16 +4,13 @@
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/ProbeOutput.hpp>
 #include <platform/AssetReader.hpp>
+#include <platform/Cancellation.hpp>
 #include <platform/FFmpegKit.hpp>
 #include <platform/FileManager.hpp>
+#include <platform/SessionWait.hpp>
 
-#include <boost/asio/associated_executor.hpp>
-#include <boost/asio/async_result.hpp>
-#include <boost/asio/executor_work_guard.hpp>
-#include <boost/asio/post.hpp>
-#include <boost/asio/use_awaitable.hpp>
+#include <boost/asio/this_coro.hpp>
 
-#include <atomic>
 #include <cmath>
 #include <exception>
 #include <iostream>
@@ -29,54 +26,16 @@ namespace {
 
 using SessionPointer = std::shared_ptr<Session>;
 
-// A caller that waits for a session. It is resumed by whichever comes last, the session's end or the return
-// of what started the session: that may still use what the resumed caller destroys.
-template <typename Handler>
-class Waiting {
-  public:
-    explicit Waiting(Handler handler)
-        : handler_(std::move(handler)),
-          work_(asio::make_work_guard(asio::get_associated_executor(handler_))) {}
-
-    void arrive() {
-        if (--missing_ == 0) {
-            asio::post(work_.get_executor(),
-                       [handler = std::move(handler_), session = std::move(session)]() mutable {
-                           std::move(handler)(std::move(session));
-                       });
-        }
-    }
-
-    SessionPointer session;
-
-  private:
-    Handler handler_;
-    // Keeps the caller's event loop running as long as the session does.
-    asio::executor_work_guard<asio::associated_executor_t<Handler>> work_;
-    std::atomic<int> missing_ = 2;
-};
-
-// Suspends the caller until the session that `start` starts has ended, and resumes it on its own executor.
-template <typename Start>
-Task<SessionPointer> untilEnded(Start start) {
-    return asio::async_initiate<const asio::use_awaitable_t<>, void(SessionPointer)>(
-        [](auto handler, Start begin) {
-            const auto waiting = std::make_shared<Waiting<decltype(handler)>>(std::move(handler));
-            begin([waiting](const SessionPointer& session) {
-                waiting->session = session;
-                waiting->arrive();
-            });
-            waiting->arrive();
-        },
-        asio::use_awaitable, std::move(start));
-}
-
-void throwIfFailed(const Session& session) {
-    const auto returnCode = session.getReturnCode();
+// Throws unless the session that `start` starts ends with success.
+Task<SessionPointer> run(StartSession start) {
+    const SessionPointer session = co_await untilEnded(std::move(start));
+    const auto returnCode = session->getReturnCode();
     if (!returnCode || !returnCode->isValueSuccess()) {
-        throw PlatformError(FFmpegKitConfig::sessionStateToString(session.getState()).value_or(""),
+        throwIfCancelled(co_await asio::this_coro::cancellation_state);
+        throw PlatformError(FFmpegKitConfig::sessionStateToString(session->getState()).value_or(""),
                             returnCode ? returnCode->getValue() : ReturnCode::notStarted);
     }
+    co_return session;
 }
 
 // Whether ffprobe, given the URL's text between double quotes, opens the file at the URL's path and nothing
@@ -132,7 +91,7 @@ void FFMPEGCommandExecutorImplementation::cancelCommandExecution(std::int64_t se
 
 Task<> FFMPEGCommandExecutorImplementation::executeFFMPEGCommand(std::string command,
                                                                  OnUpdateSessionId onUpdateSessionId) {
-    const auto start = [&command, &onUpdateSessionId](CompleteCallback onComplete) {
+    StartSession start = [&command, &onUpdateSessionId](CompleteCallback onComplete) {
         const auto session = FFmpegKit::executeAsync(
             command, std::move(onComplete),
             [](const Log& log) { std::cout << log.getMessage() + '\n'
@@ -140,17 +99,16 @@ Task<> FFMPEGCommandExecutorImplementation::executeFFMPEGCommand(std::string com
         if (onUpdateSessionId) {
             onUpdateSessionId(session->getSessionId());
         }
+        return session;
     };
-    const SessionPointer session = co_await untilEnded(start);
-    throwIfFailed(*session);
+    co_await run(std::move(start));
 }
 
 Task<ExecutionResult> FFMPEGCommandExecutorImplementation::executeFFMPEGProbeCommand(std::string arguments) {
-    const auto start = [&arguments](CompleteCallback onComplete) {
-        FFprobeKit::executeAsync(arguments, std::move(onComplete));
+    StartSession start = [&arguments](CompleteCallback onComplete) {
+        return FFprobeKit::executeAsync(arguments, std::move(onComplete));
     };
-    const SessionPointer session = co_await untilEnded(start);
-    throwIfFailed(*session);
+    const SessionPointer session = co_await run(std::move(start));
     ExecutionResult result{session->getOutput().value_or("")};
     co_return result;
 }
@@ -164,7 +122,10 @@ Task<CorvantaSdkVideoInformation> FFMPEGCommandExecutorImplementation::getMediaI
     std::optional<ExecutionResult> result;
     try {
         result = co_await executeFFMPEGProbeCommand(std::move(arguments));
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
+        if (isCancellation(error)) {
+            throw;
+        }
         // Whatever kept ffprobe from answering, the caller learns that there is no information.
     }
     auto probe = result ? parseProbeOutput(result->output) : std::nullopt;

@@ -15,7 +15,8 @@ struct ExecutionResult {
     std::string output;
 };
 
-/// Runs ffmpeg and ffprobe. Implementations may be called concurrently.
+/// Runs ffmpeg and ffprobe. Implementations may be called concurrently. A caller that Asio cancels has its
+/// run stopped, and gets Asio's `operation_aborted` once that has ended without success.
 class FFMPEGCommandExecutor {
   public:
     using OnUpdateSessionId = std::function<void(std::int64_t)>;

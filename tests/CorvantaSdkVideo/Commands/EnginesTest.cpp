@@ -68,8 +68,8 @@ struct Situation {
 Expected refused(std::string error) { return {std::move(error), "idle -", ""}; }
 
 std::vector<Situation> situations() {
-    const Expected done = {"", "complete -", "PROBES, processing, run, pid 7, complete -pid"};
-    const Expected failed = {"FAILED", "error -", "PROBES, processing, run, pid 7, error -pid"};
+    const Expected done = {"", "complete -", "PROBES, processing -pid, run, pid 7, complete -pid"};
+    const Expected failed = {"FAILED", "error -", "PROBES, processing -pid, run, pid 7, error -pid"};
     const Expected notEnough = refused("invalidInputFiles(notEnoughVideos)");
     const Expected tooSmall = refused("invalidResolution");
     const Expected unplaced = refused("unableToProcessOutput");
@@ -112,10 +112,10 @@ std::vector<Situation> situations() {
          unplaced},
         {"a place that a command can't name",
          [](Scene& scene) { scene.location += " \"quoted\""; },
-         {"FAILED", "error -", "PROBES, processing, error -pid"}},
+         {"FAILED", "error -", "PROBES, processing -pid, error -pid"}},
         {"a place that is an input",
          [](Scene& scene) { scene.location = scene.folders.file("a"); },
-         {"FAILED", "error -", "PROBES, processing, error -pid"}},
+         {"FAILED", "error -", "PROBES, processing -pid, error -pid"}},
         {"one input", [](Scene& scene) { scene.videos.pop_back(); }, notEnough, notEnough, done},
         {"an input that is not there, and too small a size",
          [](Scene& scene) {
@@ -148,7 +148,7 @@ std::vector<Situation> situations() {
              scene.executor->tellsSession = false;
              scene.executor->onRun = fail;
          },
-         {"FAILED", "error -", "PROBES, processing, run, error -pid"}},
+         {"FAILED", "error -", "PROBES, processing -pid, run, error -pid"}},
         {"a row deleted during the run",
          [](Scene& scene) {
              scene.executor->onRun = [&](const std::string&) { scene.store->deleteRequest(scene.row.id); };
