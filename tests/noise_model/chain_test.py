@@ -16,6 +16,7 @@ import metrics  # noqa: E402
 import model_file  # noqa: E402
 from reference import network as reference  # noqa: E402
 from reference.cleaners import Model  # noqa: E402
+from talvo_audio import Library  # noqa: E402
 from weights import read_weights, write_weights  # noqa: E402
 
 LIMIT_DB = -60
@@ -68,7 +69,7 @@ def check_library(library_path, shape, folder):
     path = folder / "random.tw"
     write_weights(path, model_file.records_of(random_parameters(shape), shape))
     clip = make_clip()
-    out = cleaners.OurModel(library_path, path).clean(clip).astype(np.float64)
+    out = cleaners.OurModel(Library(Path(library_path).resolve()), path).clean(clip).astype(np.float64)
     model = Model(read_weights(path), {})
     mine = cleaners.within_chain(clip.astype(np.float32), lambda bands: masks(model, bands, shape), shape)
     edge = clip.size // shape.step * shape.step - shape.step  # behind it the last frame's other half is missing

@@ -13,7 +13,6 @@ import numpy as np
 
 import chain
 from audio_files import RATE
-from talvo_audio import Library
 
 SHIFT = 1600  # samples by which a peer may be late
 
@@ -44,10 +43,7 @@ class OurModel:
 
     def __init__(self, library, model, name="this model"):
         self.name = name
-        try:
-            self.library = Library(Path(library).resolve())
-        except OSError as error:
-            raise CleanerMissing(str(error)) from error
+        self.library = library
         self.library.set_model(Path(model).resolve(), name)
 
     def clean(self, clip):

@@ -1,6 +1,7 @@
 """Measures the packed model through the audio library, beside what Debian's packages offer."""
 
 import time
+from pathlib import Path
 from typing import NamedTuple
 
 import numpy as np
@@ -9,7 +10,8 @@ import corpus
 import metrics
 import mixing
 from audio_files import RATE
-from cleaners import OurModel, peers
+from cleaners import OurModel, Unprocessed, peers
+from talvo_audio import Library
 
 DISTANCES = (-5, 0, 5, 10, 15)
 LEVELS = (-50, -40, -30, -20, -10, 0)
@@ -36,12 +38,12 @@ class TestClips:
         if noise is not None:
             mixer.noise_weights = np.eye(len(self.noises))[noise]
         self.tracks = [(mixer.speech_track(), mixer.noise_track()) for _ in range(count)]
-        self.random = np.random.default_rng(12)
 
     def at(self, distance, level=None):
         """Every track with noise this many dB below the speech; the speech at a level in dBFS, or at various ones."""
+        random = np.random.default_rng(12)
         for speech, noise in self.tracks:
-            loudness = 32768 * mixing.gain(self.random.uniform(-40, -16) if level is None else level)
+            loudness = 32768 * mixing.gain(random.uniform(-40, -16) if level is None else level)
             clean = speech * loudness
             yield Clip(clean, sixteen_bit(clean + noise * (loudness * mixing.gain(-distance))))
 
@@ -133,10 +135,11 @@ def _speed(cleaner):
     return (time.process_time() - begin) / 60
 
 
-def evaluate(folder, library, models, clip_count=60):
+def evaluate(folder, library, models, clip_count=60, alone=False):
     """The first of `models` is the one that everything is told of."""
+    library = Library(Path(library).resolve())
     ours = [OurModel(library, path, "this model" if i == 0 else path.stem) for i, path in enumerate(models)]
-    others, absent = peers()
+    others, absent = ([Unprocessed()], []) if alone else peers()
     for line in absent:
         print(f"not measured: {line}")
     for name, recorded in (("generated", False), ("recorded", True)):

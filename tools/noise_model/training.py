@@ -23,6 +23,7 @@ SNR_WEIGHT, SNR_CEILING = 0.02, 1e-5
 CLEAN_SNR, CLEAN_WEIGHT = 1e-3, 2.0  # clips with less noise than this beside their speech, and what they count
 FEATURE_NOISE = 0.08
 STATISTICS_BATCHES = 5
+LONGEST_BATCH = 60.0  # seconds; what goes beyond was a machine that slept, or a process that was halted
 
 
 def loss(mask, part):
@@ -169,21 +170,24 @@ class Trainer:
         return better
 
     def run(self, report_minutes=6.0):
-        losses, reported, last = [], time.time(), time.time()
+        losses, reported, last = [], self.elapsed, time.time()
         try:
             for batch in self._batches():
                 if self.elapsed >= self.hours * 3600:
                     break
                 losses.append(self._train_on(batch))
                 now = time.time()
-                self.elapsed, last = self.elapsed + now - last, now
+                self.elapsed, last = self.elapsed + min(now - last, LONGEST_BATCH), now
                 if len(losses) % 10 == 0:
                     print(f"  step {self.step}  loss {np.mean(losses[-10:]):.4f}", flush=True)
-                if now - reported > report_minutes * 60 or self.elapsed >= self.hours * 3600:
+                if self.elapsed - reported > report_minutes * 60 or self.elapsed >= self.hours * 3600:
                     better = self._report(losses, time.time())
                     self.save("last.pt")
                     if better:
                         self.save("best.pt")
-                    losses, reported, last = [], time.time(), time.time()
+                    losses, reported, last = [], self.elapsed, time.time()
+        except (KeyboardInterrupt, SystemExit):
+            self.save("last.pt")
+            raise
         finally:
             self.source.close()
