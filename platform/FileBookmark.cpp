@@ -7,9 +7,7 @@
 #include <cstring>
 #include <ctime>
 #include <filesystem>
-#include <memory>
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -47,10 +45,6 @@ struct Bookmark {
 FileDescriptor openPath(const std::string& path) {
     return FileDescriptor(open(path.c_str(), O_PATH | O_CLOEXEC));
 }
-
-struct CloseDirectory {
-    void operator()(DIR* stream) const { closedir(stream); }
-};
 
 std::optional<Identity> identify(int folder, const char* path, int flags) {
     struct statx status {};
@@ -177,39 +171,47 @@ std::optional<std::string> FileBookmarkResolver::resolve(std::string_view bytes)
         return bookmark->path;
     }
     if (moduleFolders_.empty()) {
-        moduleFolders_ = {Directories::documents().path(), Directories::caches().path(),
-                          Directories::store().path()};
+        moduleFolders_ = {Directories::documents().path() + '/', Directories::caches().path() + '/',
+                          Directories::store().path() + '/'};
     }
     const auto findIn = [&](const std::string& folder) -> std::optional<std::string> {
-        const auto [first, last] = namesIn(folder).equal_range(bookmark->identity.inode);
-        for (auto name = first; name != last; ++name) {
-            if (std::string path = folder + name->second; isAt(path, *bookmark)) {
-                return path;
+        for (std::string& path : namesIn(folder).pathsOf(bookmark->identity.inode)) {
+            if (isAt(path, *bookmark)) {
+                return std::move(path);
             }
         }
         return std::nullopt;
     };
     auto found = findIn(bookmark->path.substr(0, bookmark->path.rfind('/') + 1));
     for (auto folder = moduleFolders_.begin(); !found && folder != moduleFolders_.end(); ++folder) {
-        found = findIn(*folder + '/');
+        found = findIn(*folder);
     }
     return found;
 }
 
-const FileBookmarkResolver::NamesByInode& FileBookmarkResolver::namesIn(const std::string& folder) {
-    const auto [place, isNew] = folders_.try_emplace(folder);
-    NamesByInode& names = place->second;
-    if (!isNew) {
-        return names;
+void FileBookmarkResolver::beginPass() {
+    std::size_t entries = 0;
+    std::erase_if(folders_, [&entries](auto& known) {
+        entries += known.second.names.size();
+        return entries > FolderNames::entryLimit;
+    });
+    for (auto& [folder, known] : folders_) {
+        known.isLookedAt = false;
     }
-    const std::unique_ptr<DIR, CloseDirectory> stream(opendir(folder.c_str()));
-    while (const dirent* entry = stream ? readdir(stream.get()) : nullptr) {
-        // A symbolic link has an inode of its own, so what leads to the file by a link is passed over.
-        if (const std::string_view name = entry->d_name; name != "." && name != "..") {
-            names.emplace(entry->d_ino, name);
-        }
+    moduleFolders_.clear();
+    timeLeft_ = searchTime;
+}
+
+const FolderNames& FileBookmarkResolver::namesIn(const std::string& folder) {
+    const auto known = folders_.find(folder);
+    if (known != folders_.end() && (known->second.isLookedAt || known->second.names.isCurrent())) {
+        known->second.isLookedAt = true;
+        return known->second.names;
     }
-    return names;
+    const auto start = FolderNames::Clock::now();
+    const auto read = folders_.insert_or_assign(folder, Known{FolderNames(folder, start + timeLeft_), true});
+    timeLeft_ -= FolderNames::Clock::now() - start;
+    return read.first->second.names;
 }
 
 } // namespace corvanta

@@ -60,6 +60,23 @@ TEST(FileBookmarkTest, IsNotTakenInByReusedInodes) {
     }
 }
 
+TEST(FileBookmarkTest, AResolverSeesWhatChangesBetweenItsPasses) {
+    const UserFolders folders;
+    const auto bookmark = makeFileBookmark(folders.make("0"));
+    FileBookmarkResolver resolver;
+    // The folder is remembered from the moment on when it has been left alone for a while, which some rounds
+    // come to.
+    for (int round = 0; round < 60; ++round) {
+        const auto end =
+            std::chrono::steady_clock::now() + std::chrono::milliseconds(round % 15 == 0 ? 50 : 0);
+        do {
+            resolver.beginPass();
+            ASSERT_THAT(resolver.resolve(bookmark.value()), Optional(folders.file(std::to_string(round))));
+        } while (std::chrono::steady_clock::now() < end);
+        fs::rename(folders.file(std::to_string(round)), folders.file(std::to_string(round + 1)));
+    }
+}
+
 TEST(FileBookmarkTest, OneResolverServesManyBookmarksOfOneFolder) {
     const UserFolders folders;
     std::vector<std::optional<std::string>> bookmarks;
