@@ -9,6 +9,7 @@
 #include <CorvantaSdkVideo/CorvantaSdkVideoThumbnailInputVideo.hpp>
 #include <CorvantaSdkVideo/NoiseCancellation/CorvantaSdkVideoNoiseCancellationEngine.hpp>
 #include <CorvantaSdkVideo/Shared/Models/CorvantaSdkVideoInformation.hpp>
+#include <CorvantaSdkVideo/Store/CoreData/CoreDataCorvantaStoreError.hpp>
 #include <platform/Stream.hpp>
 #include <platform/Task.hpp>
 #include <platform/UUID.hpp>
@@ -70,6 +71,11 @@ class CorvantaSdkVideoInterface {
     virtual std::vector<std::shared_ptr<CorvantaSdkVideoRequest>>
     getRequests(CorvantaSdkVideoRequest::Status withStatus) = 0;
 
+    /// Removes a stored request; its files stay where they are. An unknown id is no error: the request is not
+    /// stored. Throws `operationStillsInProgress` for one that is `processing`, and leaves it, or the store's
+    /// own error.
+    virtual void deleteRequest(UUID id) = 0;
+
     /// The stored requests of one status, or all of them, now and after each change. An empty list is not
     /// given at the start. Values come on the thread of whoever changes the store, during the change: return
     /// quickly, and don't throw, which ends the process. Ending a subscription waits for its running
@@ -77,8 +83,8 @@ class CorvantaSdkVideoInterface {
     virtual Stream<std::vector<std::shared_ptr<CorvantaSdkVideoRequest>>>
     streamRequests(std::optional<CorvantaSdkVideoRequest::Status> withStatus = std::nullopt) = 0;
 
-    /// One stored request, now and after each update, under the same rules. Throws the store's
-    /// `uploadNotFound` for an unknown id.
+    /// One stored request, now and after each update, under the same rules. Throws
+    /// `CoreDataCorvantaStoreError`, `uploadNotFound`, for an unknown id.
     virtual Stream<std::shared_ptr<CorvantaSdkVideoRequest>> streamRequest(UUID withId) = 0;
 };
 

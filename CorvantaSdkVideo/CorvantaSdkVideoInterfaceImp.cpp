@@ -67,6 +67,11 @@ CorvantaSdkVideoInterfaceImp::getRequests(CorvantaSdkVideoRequest::Status withSt
     return requestBuilder().getRequestsByStatus(withStatus);
 }
 
+void CorvantaSdkVideoInterfaceImp::deleteRequest(UUID id) {
+    Logger::addLog(Event::deleteRequest, EventMessage::deleteRequest(id));
+    requestBuilder().deleteRequest(id);
+}
+
 Stream<std::vector<std::shared_ptr<CorvantaSdkVideoRequest>>>
 CorvantaSdkVideoInterfaceImp::streamRequests(std::optional<CorvantaSdkVideoRequest::Status> withStatus) {
     const auto status = withStatus ? std::optional(name(*withStatus)) : std::nullopt;

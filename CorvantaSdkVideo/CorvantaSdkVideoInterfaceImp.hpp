@@ -35,6 +35,7 @@ class CorvantaSdkVideoInterfaceImp : public CorvantaSdkVideoInterface {
 
     std::vector<std::shared_ptr<CorvantaSdkVideoRequest>>
     getRequests(CorvantaSdkVideoRequest::Status withStatus) override;
+    void deleteRequest(UUID id) override;
     Stream<std::vector<std::shared_ptr<CorvantaSdkVideoRequest>>>
     streamRequests(std::optional<CorvantaSdkVideoRequest::Status> withStatus) override;
     Stream<std::shared_ptr<CorvantaSdkVideoRequest>> streamRequest(UUID withId) override;

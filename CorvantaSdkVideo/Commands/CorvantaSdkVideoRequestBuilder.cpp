@@ -140,10 +140,17 @@ CorvantaSdkVideoRequestBuilder::CorvantaSdkVideoRequestBuilder(
 
 std::vector<RequestPointer>
 CorvantaSdkVideoRequestBuilder::getRequestsByStatus(CorvantaSdkVideoRequest::Status status) const {
-    if (!credentialsManager_->isUserAuthenticated()) {
-        throw CorvantaSdkVideoError(CorvantaSdkVideoError::userNotAuthenticated);
-    }
+    validateAuthentication();
     return mapAll(store_->getRequests(stored(status)), {mergeEngine_, concatEngine_, encodingEngine_});
+}
+
+void CorvantaSdkVideoRequestBuilder::deleteRequest(const UUID& id) const {
+    validateAuthentication();
+    const auto row = store_->getRequest(id);
+    if (row && row->status == LocalVideoRequest::Status::processing) {
+        throw CorvantaSdkVideoError(CorvantaSdkVideoError::operationStillsInProgress);
+    }
+    store_->deleteRequest(id);
 }
 
 Stream<std::vector<RequestPointer>> CorvantaSdkVideoRequestBuilder::streamRequests(
@@ -158,6 +165,12 @@ Stream<RequestPointer> CorvantaSdkVideoRequestBuilder::streamVideoRequest(const 
     return store_->streamVideo(withId).map(
         [engines = Engines{mergeEngine_, concatEngine_, encodingEngine_}](
             const LocalVideoRequest& localRequest) { return map(localRequest, engines); });
+}
+
+void CorvantaSdkVideoRequestBuilder::validateAuthentication() const {
+    if (!credentialsManager_->isUserAuthenticated()) {
+        throw CorvantaSdkVideoError(CorvantaSdkVideoError::userNotAuthenticated);
+    }
 }
 
 } // namespace corvanta

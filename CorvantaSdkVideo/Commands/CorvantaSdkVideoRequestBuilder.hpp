@@ -26,6 +26,10 @@ class CorvantaSdkVideoRequestBuilder {
     /// In the store's own order. Throws `userNotAuthenticated`, or the store's error.
     std::vector<RequestPointer> getRequestsByStatus(CorvantaSdkVideoRequest::Status status) const;
 
+    /// Does nothing for an unknown id. Throws `userNotAuthenticated`, `operationStillsInProgress`, or the
+    /// store's error.
+    void deleteRequest(const UUID& id) const;
+
     /// Requests of one status, or all of them. Asks for no login.
     Stream<std::vector<RequestPointer>>
     streamRequests(std::optional<CorvantaSdkVideoRequest::Status> withStatus) const;
@@ -34,6 +38,8 @@ class CorvantaSdkVideoRequestBuilder {
     Stream<RequestPointer> streamVideoRequest(const UUID& withId) const;
 
   private:
+    void validateAuthentication() const;
+
     std::shared_ptr<VideoStore> store_;
     std::shared_ptr<CorvantaSdkVideoMergeEngine> mergeEngine_;
     std::shared_ptr<CorvantaSdkVideoConcatEngine> concatEngine_;

@@ -28,8 +28,9 @@ std::string_view name(Event event) {
         "event_video_merge_video_and_audio",
         "stream_request_with_status",
         "stream_request_with_id",
+        "event_video_request_delete",
     });
-    static_assert(names.size() == static_cast<std::size_t>(Event::streamRequestWithID) + 1);
+    static_assert(names.size() == static_cast<std::size_t>(Event::deleteRequest) + 1);
     return names.at(static_cast<std::size_t>(event));
 }
 

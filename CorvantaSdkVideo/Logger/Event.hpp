@@ -27,6 +27,7 @@ enum class Event {
     mergeVideoAndAudioFailed,
     streamRequestWithStatus,
     streamRequestWithID,
+    deleteRequest,
 };
 
 std::string_view name(Event event);

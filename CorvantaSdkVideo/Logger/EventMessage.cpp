@@ -72,6 +72,10 @@ EventMessage EventMessage::updateRequest(const UUID& id) {
     return EventMessage("Update called with video request: " + uuidString(id));
 }
 
+EventMessage EventMessage::deleteRequest(const UUID& id) {
+    return EventMessage("Delete called with video request: " + uuidString(id));
+}
+
 EventMessage EventMessage::getRequestBy(const UUID& id) {
     return EventMessage("Get called with id: " + uuidString(id));
 }
@@ -110,6 +114,10 @@ EventMessage EventMessage::processRequestFailed(const std::exception& error) {
 }
 
 EventMessage EventMessage::initVideoModule() { return EventMessage("Init video module"); }
+
+EventMessage EventMessage::openStoreFailed(const URL& storeURL, std::string_view reason) {
+    return EventMessage("Open store failed. " + storeURL.path() + ": " + std::string(reason));
+}
 
 EventMessage EventMessage::initEditVideoScreen() { return EventMessage("Init edit screen called"); }
 

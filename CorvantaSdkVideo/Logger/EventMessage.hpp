@@ -28,6 +28,7 @@ class EventMessage {
     static EventMessage editVideoFailed(const std::exception& error);
     static EventMessage insertRequest(const UUID& id);
     static EventMessage updateRequest(const UUID& id);
+    static EventMessage deleteRequest(const UUID& id);
     static EventMessage getRequestBy(const UUID& id);
     static EventMessage streamRequestsBy(std::optional<std::string_view> status);
     static EventMessage streamRequest(const UUID& id);
@@ -39,6 +40,8 @@ class EventMessage {
     /// Prints the error's own text instead of its description.
     static EventMessage processRequestFailed(const std::exception& error);
     static EventMessage initVideoModule();
+    /// Prints the reason as it is given.
+    static EventMessage openStoreFailed(const URL& storeURL, std::string_view reason);
     static EventMessage initEditVideoScreen();
     static EventMessage closeEditVideoScreen();
     static EventMessage createMergeBuilder();

@@ -4,6 +4,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <utility>
@@ -17,16 +19,45 @@ using Status = CorvantaSdkVideoRequest::Status;
 constexpr std::array allStatuses = {Status::processing, Status::error, Status::cancelled, Status::complete,
                                     Status::idle};
 
-std::vector<RequestPointer> requestsWith(const std::string& statusName) {
+// Which requests are meant; all, if nothing is said.
+struct Selection {
+    std::vector<std::string> ids;
+    std::string statusName;
+    bool onlyFinished = false;
+
+    bool isAll() const { return ids.empty() && statusName.empty() && !onlyFinished; }
+};
+
+bool isFinished(Status status) { return status != Status::processing && status != Status::idle; }
+
+UUID parsedId(const std::string& text) {
+    if (const auto id = parseUUID(text)) {
+        return *id;
+    }
+    throw std::invalid_argument("\"" + text + "\" is no request id");
+}
+
+// A wrong id gives none at all.
+std::vector<RequestPointer> requestsWith(const Selection& selection) {
     std::vector<RequestPointer> requests;
     for (const Status status : allStatuses) {
-        if (statusName.empty() || statusName == name(status)) {
-            for (RequestPointer& request : CorvantaSdkVideo->getRequests(status)) {
-                requests.push_back(std::move(request));
-            }
+        const bool isMeant = selection.statusName.empty() || selection.statusName == name(status);
+        if (isMeant && (isFinished(status) || !selection.onlyFinished)) {
+            std::ranges::move(CorvantaSdkVideo->getRequests(status), std::back_inserter(requests));
         }
     }
-    return requests;
+    if (selection.ids.empty()) {
+        return requests;
+    }
+    std::vector<RequestPointer> named;
+    for (const std::string& text : selection.ids) {
+        const auto found = std::ranges::find(requests, parsedId(text), &CorvantaSdkVideoRequest::id);
+        if (found == requests.end()) {
+            throw std::invalid_argument("there is no such request: " + text);
+        }
+        named.push_back(*found);
+    }
+    return named;
 }
 
 nlohmann::ordered_json toJson(const std::vector<RequestPointer>& requests) {
@@ -37,8 +68,7 @@ nlohmann::ordered_json toJson(const std::vector<RequestPointer>& requests) {
     return list;
 }
 
-void listRequests(Console& console, const std::string& statusName) {
-    const auto requests = requestsWith(statusName);
+void printRequests(Console& console, const std::vector<RequestPointer>& requests) {
     if (console.json()) {
         console.print(toJson(requests));
         return;
@@ -48,11 +78,15 @@ void listRequests(Console& console, const std::string& statusName) {
     }
 }
 
-UUID parsedId(const std::string& text) {
-    if (const auto id = parseUUID(text)) {
-        return *id;
+void deleteRequests(Console& console, const Selection& selection) {
+    if (selection.isAll()) {
+        throw std::invalid_argument("--delete takes ids, --status or --finished");
     }
-    throw std::invalid_argument("\"" + text + "\" is no request id");
+    const auto requests = requestsWith(selection);
+    for (const RequestPointer& request : requests) {
+        CorvantaSdkVideo->deleteRequest(request->id);
+    }
+    printRequests(console, requests);
 }
 
 // Each emission is one line.
@@ -78,7 +112,6 @@ void printEmission(Console& console, const RequestPointer& request) {
     }
 }
 
-// Emissions come from this process's own changes: the store serves one process at a time.
 void watch(Console& console, const std::string& id) {
     const auto print = [&console](const auto& value) { printEmission(console, value); };
     const Subscription subscription = id.empty()
@@ -102,16 +135,29 @@ void process(Console& console, const std::string& id) {
 } // namespace
 
 void addRequestsCommand(CLI::App& app, Command& chosen) {
-    auto* command = app.add_subcommand("requests", "List the stored requests");
-    const auto status = std::make_shared<std::string>();
+    auto* command = app.add_subcommand("requests", "List the stored requests, or delete some");
+    const auto selection = std::make_shared<Selection>();
+    const auto isDeletion = std::make_shared<bool>(false);
     std::vector<std::string> names;
     names.reserve(std::size(allStatuses));
     for (const Status known : allStatuses) {
         names.emplace_back(name(known));
     }
-    command->add_option("--status", *status, "Only those of one status")->check(CLI::IsMember(names));
-    command->callback(
-        [&chosen, status] { chosen = [status](Console& console) { listRequests(console, *status); }; });
+    command->add_option("ID", selection->ids, "Only those of these ids");
+    command->add_option("--status", selection->statusName, "Only those of one status")
+        ->check(CLI::IsMember(names));
+    command->add_flag("--finished", selection->onlyFinished,
+                      "Only those that are complete, cancelled or failed");
+    command->add_flag("--delete", *isDeletion, "Delete them, and print what they were; their files stay");
+    command->callback([&chosen, selection, isDeletion] {
+        chosen = [selection, isDeletion](Console& console) {
+            if (*isDeletion) {
+                deleteRequests(console, *selection);
+            } else {
+                printRequests(console, requestsWith(*selection));
+            }
+        };
+    });
 }
 
 void addWatchCommand(CLI::App& app, Command& chosen) {

@@ -48,20 +48,6 @@ std::string filePath(const URL& storeURL) {
 
 } // namespace
 
-const char* CoreDataCorvantaStore::Error::what() const noexcept {
-    switch (case_) {
-    case modelNotFound:
-        return "modelNotFound";
-    case failedToLoadPersistentContainer:
-        return "failedToLoadPersistentContainer";
-    case generic:
-        return "generic";
-    case uploadNotFound:
-        break;
-    }
-    return "uploadNotFound";
-}
-
 CoreDataCorvantaStore::CoreDataCorvantaStore(const URL& storeURL) {
     try {
         container_ = std::make_shared<PersistentContainer>(filePath(storeURL));

@@ -1,11 +1,10 @@
 #pragma once
 
+#include <CorvantaSdkVideo/Store/CoreData/CoreDataCorvantaStoreError.hpp>
 #include <CorvantaSdkVideo/Store/VideoStore.hpp>
-#include <platform/Errors.hpp>
 #include <platform/URL.hpp>
 
 #include <memory>
-#include <string>
 
 namespace corvanta {
 
@@ -26,35 +25,7 @@ class PersistentContainer;
 /// Two processes must not use one file at the same time. See `VideoStore` for threads and streams.
 class CoreDataCorvantaStore : public VideoStore {
   public:
-    class Error : public CodedError {
-      public:
-        enum class Case {
-            /// Opening: the data model could not be read. The model is part of this library, so nothing
-            /// raises it.
-            modelNotFound = 0,
-            /// Opening: the file could not be opened, or is not of this store's form.
-            failedToLoadPersistentContainer = 1,
-            /// Reserved: nothing raises it.
-            generic = 2,
-            /// `streamVideo`: no row has this id.
-            uploadNotFound = 3,
-        };
-        using enum Case;
-
-        explicit Error(Case kind) : case_(kind) {}
-
-        Case kind() const { return case_; }
-
-        std::string domain() const override { return "CoreDataCorvantaStore.Error"; }
-        int code() const override { return static_cast<int>(case_); }
-        /// The name of the case.
-        const char* what() const noexcept override;
-
-        friend bool operator==(const Error& left, const Error& right) { return left.case_ == right.case_; }
-
-      private:
-        Case case_;
-    };
+    using Error = CoreDataCorvantaStoreError;
 
     /// Opens the store, making the file, but not its folder, if it isn't there. Throws
     /// `failedToLoadPersistentContainer`.

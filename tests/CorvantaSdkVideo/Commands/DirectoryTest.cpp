@@ -149,6 +149,23 @@ TEST(RequestDirectory, AsksForTheLoginInListsAlone) {
     EXPECT_EQ(failureOf([&] { bench.fetch(makeUUID()); }), "uploadNotFound");
 }
 
+TEST(RequestDirectory, DeletesWhatIsNotRunning) {
+    EngineBench bench;
+    const UUID running = bench.insertRow(Type::merge, Stored::processing, "7").id;
+    const UUID done = bench.insertRow(Type::concat, Stored::completed).id;
+    const auto remove = [&](const UUID& id) { return failureOf([&] { bench.requests.deleteRequest(id); }); };
+    EXPECT_EQ(remove(running), "operationStillsInProgress");
+    EXPECT_EQ(bench.rowOf(running), "processing 7");
+    {
+        const RecordedLog loggedOut(false);
+        EXPECT_EQ(remove(done), "userNotAuthenticated");
+        EXPECT_EQ(bench.rowOf(done), "complete -");
+    }
+    EXPECT_EQ(remove(done), "");
+    EXPECT_EQ(bench.rowOf(done), "no row");
+    EXPECT_EQ(remove(done), "") << "An id that isn't stored is no error.";
+}
+
 TEST(RequestDirectory, StreamsNewObjectsThatCanRun) {
     EngineBench bench;
     const LocalVideoRequest row = bench.insertRow(Type::encode, Stored::error);
