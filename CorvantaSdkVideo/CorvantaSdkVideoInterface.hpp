@@ -78,8 +78,9 @@ class CorvantaSdkVideoInterface {
 
     /// The stored requests of one status, or all of them, now and after each change. An empty list is not
     /// given at the start. Values come on the thread of whoever changes the store, during the change: return
-    /// quickly, and don't throw, which ends the process. Ending a subscription waits for its running
-    /// callback: don't end it under a lock that the callback takes. Take a new stream for each subscriber.
+    /// quickly, and don't throw, which ends the process. Those of other processes come soon after them, on a
+    /// thread of the module. Ending a subscription waits for its running callback: don't end it under a lock
+    /// that the callback takes. Take a new stream for each subscriber.
     virtual Stream<std::vector<std::shared_ptr<CorvantaSdkVideoRequest>>>
     streamRequests(std::optional<CorvantaSdkVideoRequest::Status> withStatus = std::nullopt) = 0;
 

@@ -96,7 +96,7 @@ URL CorvantaSdkVideoInterfaceImp::storeURL() {
 std::shared_ptr<VideoStore> CorvantaSdkVideoInterfaceImp::coreDataStore() {
     static NeverDestroyed<std::shared_ptr<VideoStore>> store([] {
         try {
-            return std::make_shared<CoreDataCorvantaStore>(storeURL());
+            return std::make_shared<CoreDataCorvantaStore>(storeURL(), CoreDataCorvantaStore::Others::heard);
         } catch (const std::exception& error) {
             fatalError((storeURL().path() + " can't be opened: " + error.what()).c_str());
         }

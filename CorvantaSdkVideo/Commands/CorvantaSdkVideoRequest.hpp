@@ -63,9 +63,9 @@ class CorvantaSdkVideoRequest : public std::enable_shared_from_this<CorvantaSdkV
     /// `encodingFailed`.
     Task<Result> process();
 
-    /// Stops a run of this request, started from whatever object of the same id. Throws `operationNotFound`
-    /// if there is no running command, `operationMustBeProcessingToBeCancelled` for a row left over by a dead
-    /// process.
+    /// Stops a run of this request, started from whatever object of the same id, also in another process,
+    /// which ends its run as soon as it sees the change in the store. Throws `operationNotFound` if there is
+    /// no running command, `operationMustBeProcessingToBeCancelled` for a row left over by a dead process.
     void cancel();
 
   private:

@@ -19,7 +19,7 @@ Stream<List> streamList(std::shared_ptr<WorkingContext> context, ReadList read) 
     const auto last = std::make_shared<std::shared_ptr<const List>>(seed);
     return Stream<List>(
         [context, read = std::move(read), seed, last](const Stream<List>::Callback& callback) {
-            const auto passChange = [read, last, callback](const std::vector<RowKey>&) {
+            const auto passChange = [read, last, callback](const WorkingContext::Notice&) {
                 List list = read();
                 if (list == **last) {
                     return;
@@ -42,19 +42,23 @@ Stream<List> streamList(std::shared_ptr<WorkingContext> context, ReadList read) 
 Stream<LocalVideoRequest> streamRow(std::shared_ptr<WorkingContext> context, RowKey key, ReadRow read) {
     return Stream<LocalVideoRequest>([context = std::move(context), key, read = std::move(read)](
                                          const Stream<LocalVideoRequest>::Callback& callback) {
-        const auto pass = [read, callback] {
-            if (const auto request = read()) {
+        // What was passed last, which is looked at for commits of other processes alone.
+        const auto last = std::make_shared<std::optional<LocalVideoRequest>>();
+        const auto pass = [read, callback, last](bool always) {
+            if (auto request = read(); request && (always || request != *last)) {
+                *last = request;
                 callback(*request);
             }
         };
-        const auto passUpdate = [key, pass](const std::vector<RowKey>& updatedRows) {
-            if (std::find(updatedRows.begin(), updatedRows.end(), key) != updatedRows.end()) {
-                pass();
+        const auto passUpdate = [key, pass](const WorkingContext::Notice& notice) {
+            const bool isUpdated = std::ranges::find(notice.updatedRows, key) != notice.updatedRows.end();
+            if (isUpdated || notice.isForeign) {
+                pass(isUpdated);
             }
         };
         return context->performSync([&] {
             Subscription subscription = context->observe(passUpdate);
-            pass();
+            pass(true);
             return subscription;
         });
     });

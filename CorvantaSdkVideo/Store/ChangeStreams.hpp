@@ -21,7 +21,8 @@ using ReadRow = std::function<std::optional<LocalVideoRequest>()>;
 /// The list as it is now, unless it is empty; then, after each commit, the list if it differs from the last.
 Stream<std::vector<LocalVideoRequest>> streamList(std::shared_ptr<WorkingContext> context, ReadList read);
 
-/// The row at subscription and after each commit that updated it, whenever it can be read.
+/// The row at subscription and after each commit that updated it, whenever it can be read; after a commit of
+/// another process, if it reads otherwise than before.
 Stream<LocalVideoRequest> streamRow(std::shared_ptr<WorkingContext> context, RowKey key, ReadRow read);
 
 } // namespace corvanta

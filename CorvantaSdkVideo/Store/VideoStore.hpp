@@ -6,6 +6,7 @@
 #include <platform/Stream.hpp>
 #include <platform/UUID.hpp>
 
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -18,8 +19,9 @@ namespace corvanta {
 /// the writer's call returns; the first value is delivered on the subscriber's thread, before `subscribe`
 /// returns. An observer may call the store. It must be quick, since it delays the writer, must not wait for
 /// another thread that uses the store, and must not throw. Once a subscription has been cancelled, its
-/// observer is not running on another thread and will not be called again. A commit can be seen by streams of
-/// this very store object only.
+/// observer is not running on another thread and will not be called again. A store that hears of other
+/// processes delivers what they have committed as well, soon after it, on a thread of its own: a list that
+/// differs from the one before, and a row that reads otherwise than before.
 class VideoStore {
   public:
     virtual ~VideoStore() = default;
@@ -41,7 +43,15 @@ class VideoStore {
     /// In the storage's own order, without the rows whose type is unknown.
     virtual std::vector<LocalVideoRequest> getRequests(LocalVideoRequest::Status withStatus) = 0;
 
-    /// Makes every `processing` row `cancelled`, in one commit, leaving `updatedAt`. A failure is dropped.
+    /// Whether the request is `processing` in another living process. A store for one process says no.
+    virtual bool isRunElsewhere(const UUID&) { return false; }
+
+    /// Calls back, once at least, when another process has made the request `cancelled`, until the
+    /// subscription ends, in the manner of a stream. A store for one process never does.
+    virtual Subscription observeCancelElsewhere(const UUID&, std::function<void()>) { return {}; }
+
+    /// Makes every `processing` row `cancelled`, but for those that another living process runs, in one
+    /// commit, leaving `updatedAt`. A failure is dropped.
     virtual void resetPendingRequests() noexcept = 0;
 
     /// The request at subscription, and again after each commit that updated it, equal or not. Silent after

@@ -9,9 +9,9 @@ namespace corvanta {
 
 namespace {
 
-void tell(const WorkingContext::Observer& observer, const std::vector<RowKey>& updatedRows) {
+void tell(const WorkingContext::Observer& observer, const WorkingContext::Notice& notice) {
     try {
-        observer(updatedRows);
+        observer(notice);
     } catch (const std::exception& error) {
         fatalError((std::string("A stream's callback threw: ") + error.what()).c_str());
     }
@@ -36,11 +36,11 @@ Subscription WorkingContext::observe(Observer observer) {
     return Subscription(std::shared_ptr<Entry>(entry.get(), remove));
 }
 
-void WorkingContext::announceCommit(const std::vector<RowKey>& updatedRows) noexcept {
+void WorkingContext::announceCommit(const Notice& notice) noexcept {
     performSync([&] {
         for (const auto told = observers_; const auto& entry : told) {
             if (entry->active) {
-                tell(entry->observer, updatedRows);
+                tell(entry->observer, notice);
             }
         }
     });

@@ -20,7 +20,15 @@ using RowKey = std::int64_t;
 /// middle of a commit can use the store. Held by `shared_ptr`; subscriptions keep it alive.
 class WorkingContext : public std::enable_shared_from_this<WorkingContext> {
   public:
-    using Observer = std::function<void(const std::vector<RowKey>& updatedRows)>;
+    /// A commit, seen by observers.
+    struct Notice {
+        /// Committed by another process: it may have changed any row, and none is told.
+        bool isForeign = false;
+        /// The rows that were there before and have been given new values.
+        std::vector<RowKey> updatedRows;
+    };
+
+    using Observer = std::function<void(const Notice& notice)>;
 
     WorkingContext() = default;
     WorkingContext(const WorkingContext&) = delete;
@@ -38,10 +46,10 @@ class WorkingContext : public std::enable_shared_from_this<WorkingContext> {
     /// waits for a notice that is under way on another thread.
     Subscription observe(Observer observer);
 
-    /// Tells all observers, within the scope, which rows a commit has updated. Observers that come in the
-    /// course of it are not told, those that leave are not called any more. An observer that throws ends the
-    /// process: the commit that it hears of can't be taken back.
-    void announceCommit(const std::vector<RowKey>& updatedRows) noexcept;
+    /// Tells all observers, within the scope, of a commit. Observers that come in the course of it are not
+    /// told, those that leave are not called any more. An observer that throws ends the process: the commit
+    /// that it hears of can't be taken back.
+    void announceCommit(const Notice& notice) noexcept;
 
   private:
     struct Entry {

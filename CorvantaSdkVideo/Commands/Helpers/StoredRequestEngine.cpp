@@ -6,6 +6,7 @@
 #include <platform/FileManager.hpp>
 
 #include <algorithm>
+#include <atomic>
 #include <charconv>
 #include <exception>
 #include <iostream>
@@ -73,7 +74,10 @@ void StoredRequestEngine::cancel(const CorvantaSdkVideoRequest& request) {
     if (stored->status != Status::processing) {
         throw Error(Error::operationMustBeProcessingToBeCancelled);
     }
-    commandExecutor_->cancelCommandExecution(*sessionId);
+    // The session of another process is ended by that process, once it sees the row.
+    if (!store_->isRunElsewhere(request.id)) {
+        commandExecutor_->cancelCommandExecution(*sessionId);
+    }
     markCancelled(request.id);
 }
 
@@ -113,8 +117,16 @@ void StoredRequestEngine::validateOutput(const std::string& outputPath, const st
 }
 
 Task<> StoredRequestEngine::run(UUID id, std::string script) {
-    FFMPEGCommandExecutor::OnUpdateSessionId onUpdateSessionId = [weak = weak_from_this(),
-                                                                  id](std::int64_t sessionId) {
+    const auto running = std::make_shared<std::atomic<std::int64_t>>();
+    const Subscription cancelledElsewhere =
+        store_->observeCancelElsewhere(id, [executor = commandExecutor_, running] {
+            if (const std::int64_t session = *running) {
+                executor->cancelCommandExecution(session);
+            }
+        });
+    FFMPEGCommandExecutor::OnUpdateSessionId onUpdateSessionId = [weak = weak_from_this(), id,
+                                                                  running](std::int64_t sessionId) {
+        *running = sessionId;
         if (const auto self = weak.lock()) {
             self->updateRequestRequest(id, {Field::processId(std::to_string(sessionId))});
         }

@@ -5,7 +5,15 @@
 #include <CorvantaSdkVideo/Store/CoreData/ManagedObjectContext.hpp>
 #include <CorvantaSdkVideo/Store/CoreData/ManagedVideoRequest.hpp>
 
+#include <SQLiteCpp/Exception.h>
+#include <sqlite3.h>
+
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
+#include <system_error>
+
+#include <unistd.h>
 
 namespace corvanta {
 
@@ -46,13 +54,30 @@ std::string filePath(const URL& storeURL) {
     return std::filesystem::absolute(path).string();
 }
 
+// SQLite says no more of a file that it can't open than just that.
+std::string reasonOf(const std::exception& error, const URL& storeURL) {
+    std::string reason = error.what();
+    const auto* failure = dynamic_cast<const SQLite::Exception*>(&error);
+    if (failure != nullptr && failure->getErrorCode() == SQLITE_CANTOPEN) {
+        const std::string path = storeURL.path();
+        std::error_code ignored;
+        const bool isFolder = std::filesystem::is_directory(path, ignored);
+        if (isFolder || access(path.c_str(), R_OK | W_OK) != 0) {
+            reason += std::string(" (") + std::strerror(isFolder ? EISDIR : errno) + ')';
+        }
+    }
+    return reason;
+}
+
 } // namespace
 
-CoreDataCorvantaStore::CoreDataCorvantaStore(const URL& storeURL) {
+CoreDataCorvantaStore::CoreDataCorvantaStore(const URL& storeURL, Others others) : others_(others) {
     try {
         container_ = std::make_shared<PersistentContainer>(filePath(storeURL));
         context_ = std::make_shared<ManagedObjectContext>(container_);
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
+        Logger::logError(Event::initVideo,
+                         EventMessage::openStoreFailed(storeURL, reasonOf(error, storeURL)));
         throw Error(Error::failedToLoadPersistentContainer);
     }
 }
@@ -71,7 +96,7 @@ void CoreDataCorvantaStore::updateRequest(const UUID& withId, const UpdateReques
     Logger::addLog(Event::updateRequest, EventMessage::updateRequest(withId));
     context_->performSync([&] {
         if (const auto key = ManagedVideoRequest::keyOf(withId, *context_)) {
-            ManagedVideoRequest::update(*key, data, *context_);
+            ManagedVideoRequest::update(withId, data, *context_);
             context_->save();
         }
     });
@@ -80,7 +105,7 @@ void CoreDataCorvantaStore::updateRequest(const UUID& withId, const UpdateReques
 void CoreDataCorvantaStore::deleteRequest(const UUID& withId) {
     context_->performSync([&] {
         if (const auto key = ManagedVideoRequest::keyOf(withId, *context_)) {
-            ManagedVideoRequest::remove(*key, *context_);
+            ManagedVideoRequest::remove(withId, *context_);
             context_->save();
         }
     });
@@ -98,8 +123,7 @@ List CoreDataCorvantaStore::getRequests(LocalVideoRequest::Status withStatus) {
 void CoreDataCorvantaStore::resetPendingRequests() noexcept {
     context_->performSync([&] {
         try {
-            ManagedVideoRequest::replaceStatus(LocalVideoRequest::Status::processing,
-                                               LocalVideoRequest::Status::cancelled, *context_);
+            ManagedVideoRequest::cancelAbandoned(*context_, true);
             context_->save();
         } catch (const std::exception&) {
             // The rows stay cancelled in the context, and are so on disk after the next commit.
@@ -107,20 +131,65 @@ void CoreDataCorvantaStore::resetPendingRequests() noexcept {
     });
 }
 
+bool CoreDataCorvantaStore::isRunElsewhere(const UUID& id) {
+    return context_->performSync([&] { return ManagedVideoRequest::isRunElsewhere(id, *context_); });
+}
+
+Subscription CoreDataCorvantaStore::observeCancelElsewhere(const UUID& id, std::function<void()> onCancel) {
+    listen();
+    return context_->observe([id, onCancel = std::move(onCancel),
+                              context = context_.get()](const WorkingContext::Notice& notice) {
+        const auto row = notice.isForeign ? ManagedVideoRequest::getRequestBy(id, *context) : std::nullopt;
+        if (row && row->status == LocalVideoRequest::Status::cancelled) {
+            onCancel();
+        }
+    });
+}
+
 Stream<LocalVideoRequest> CoreDataCorvantaStore::streamVideo(const UUID& with) {
     const RowKey key = context_->performSync([&] { return fetchManagedUpload(with, *context_); });
-    return streamRow(context_, key, [context = context_.get(), key] {
-        return ManagedVideoRequest::getRequestBy(key, *context);
+    listen();
+    return streamRow(context_, key, [context = context_.get(), key, with] {
+        // Another process may have deleted the row and given its number to another one.
+        auto row = ManagedVideoRequest::getRequestBy(key, *context);
+        return row && row->id == with ? std::move(row) : std::nullopt;
     });
 }
 
 Stream<List> CoreDataCorvantaStore::streamVideos() {
+    listen();
     return streamList(context_, [context = context_.get()] { return retrieveRequests(*context); });
 }
 
 Stream<List> CoreDataCorvantaStore::streamVideos(CorvantaSdkVideoRequestStatus withStatus) {
+    listen();
     return streamList(
         context_, [context = context_.get(), withStatus] { return retrieveRequests(withStatus, *context); });
+}
+
+void CoreDataCorvantaStore::listen() {
+    context_->performSync([&] {
+        if (others_ == Others::heard && !watch_) {
+            try {
+                watch_.emplace(context_->peers().path(), [this] { hearOthers(); });
+            } catch (const std::system_error&) {
+                // No thread to be had. This process's own commits are heard without it.
+            }
+        }
+    });
+}
+
+void CoreDataCorvantaStore::hearOthers() noexcept {
+    context_->performSync([&] {
+        try {
+            context_->announceForeignCommits();
+            if (ManagedVideoRequest::cancelAbandoned(*context_, false)) {
+                context_->save();
+            }
+        } catch (const SQLite::Exception&) {
+            // The next news are heard.
+        }
+    });
 }
 
 } // namespace corvanta

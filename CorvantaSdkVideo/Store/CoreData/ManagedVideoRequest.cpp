@@ -6,6 +6,7 @@
 
 #include <SQLiteCpp/Column.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <limits>
@@ -49,6 +50,19 @@ void bindBytes(SQLite::Statement& statement, int place, const std::optional<std:
     }
 }
 
+void bindNumber(SQLite::Statement& statement, int place, const std::optional<std::int64_t>& number) {
+    if (number) {
+        statement.bind(place, *number);
+    } else {
+        statement.bind(place);
+    }
+}
+
+// The row that an update "RETURNING primaryKey" has met.
+std::optional<RowKey> updatedRow(SQLite::Statement& update) {
+    return update.executeStep() ? std::optional<RowKey>(update.getColumn(0).getInt64()) : std::nullopt;
+}
+
 std::string_view bytes(const SQLite::Column& column) {
     const auto* start = static_cast<const char*>(column.getBlob());
     return {start, static_cast<std::size_t>(column.getBytes())};
@@ -72,13 +86,13 @@ std::array<SQLite::Column, sizeof...(Number)> columnsOf(const SQLite::Statement&
     return {statement.getColumn(Number)...};
 }
 
-std::vector<LocalVideoRequest> readRecords(SQLite::Statement& joined) {
+std::vector<LocalVideoRequest> readRecords(SQLite::Statement& joined, FileBookmarkResolver& bookmarks) {
     if (!joined.executeStep()) {
         return {};
     }
     // A column gives the value of the row that the statement is at, so one of each serves all rows.
     const auto column = columnsOf(joined, std::make_integer_sequence<int, 14>());
-    RecordCollector records;
+    RecordCollector records(bookmarks);
     std::optional<RowKey> last;
     do {
         const RowKey key = column[0].getInt64();
@@ -103,7 +117,7 @@ std::vector<LocalVideoRequest> fetchRecords(ManagedObjectContext& context, const
     return context.fetch([&] {
         StatementUse joined(context.statement(sql));
         (joined->bind(1, parameter), ...);
-        return readRecords(*joined);
+        return readRecords(*joined, context.bookmarks());
     });
 }
 
@@ -116,6 +130,23 @@ std::vector<LocalVideoRequest> findByStatus(int rawValue, ManagedObjectContext& 
     return fetchRecords(context, sql, rawValue);
 }
 
+// The run has written another file than the one that was there when the request was stored.
+std::optional<std::string> presentOutputBookmark(const UUID& id, ManagedObjectContext& context) {
+    static const std::string sql =
+        "SELECT outputPath FROM ManagedVideoRequest WHERE id = ? ORDER BY primaryKey LIMIT 1";
+    try {
+        const auto output = context.fetch([&] {
+            StatementUse lookup(context.statement(sql));
+            lookup->bind(1, uuidString(id));
+            return lookup->executeStep() ? URL::parse(bytes(lookup->getColumn(0))) : std::nullopt;
+        });
+        return output ? makeFileBookmark(output->path()) : std::nullopt;
+    } catch (const SQLite::Exception&) {
+        // The update itself matters more.
+        return std::nullopt;
+    }
+}
+
 // A request to be inserted, in its stored form.
 struct NewRow {
     struct InputFile {
@@ -123,7 +154,6 @@ struct NewRow {
         std::optional<std::string> pathBookmark;
     };
 
-    RowKey primaryKey;
     std::string id;
     std::int64_t status;
     std::string outputPath;
@@ -135,14 +165,14 @@ struct NewRow {
     std::vector<InputFile> inputFiles;
 };
 
-void insertRow(const NewRow& row, ManagedObjectContext& context) {
+void insertRow(const NewRow& row, RowKey primaryKey, ManagedObjectContext& context) {
     static const std::string insertRequest =
         R"(INSERT INTO ManagedVideoRequest (primaryKey, id, status, outputPath, outputBookmark, type, rawData,
                                             createdAt, updatedAt) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?))";
     static const std::string insertFile =
         R"(INSERT INTO ManagedVideoRequestInputFile (request, "index", path, pathBookmark) VALUES (?, ?, ?, ?))";
     StatementUse request(context.statement(insertRequest));
-    request->bind(1, row.primaryKey);
+    request->bind(1, primaryKey);
     request->bind(2, row.id);
     request->bind(3, row.status);
     request->bind(4, row.outputPath);
@@ -156,7 +186,7 @@ void insertRow(const NewRow& row, ManagedObjectContext& context) {
     std::int64_t index = 0;
     for (const NewRow::InputFile& input : row.inputFiles) {
         StatementUse file(fileStatement);
-        file->bind(1, row.primaryKey);
+        file->bind(1, primaryKey);
         file->bind(2, index++);
         file->bind(3, input.path);
         bindBytes(*file, 4, input.pathBookmark);
@@ -164,48 +194,78 @@ void insertRow(const NewRow& row, ManagedObjectContext& context) {
     }
 }
 
-// New values of one row, one at least; what is absent is left alone.
+// New values of the first row of an id; what is absent is left alone.
 struct NewValues {
-    RowKey primaryKey;
+    std::string id;
+    std::int64_t updatedAt;
     std::optional<std::optional<std::string>> error;
     std::optional<std::int64_t> status;
+    /// Goes with the status.
+    std::optional<RowKey> owner;
     std::optional<std::optional<std::string>> processId;
-    std::optional<std::int64_t> updatedAt;
+    std::optional<std::string> outputBookmark;
 };
 
-void updateRow(const NewValues& values, ManagedObjectContext& context) {
-    std::string sql;
-    const auto assign = [&sql](bool present, const char* assignment) {
-        if (present) {
-            sql += sql.empty() ? "UPDATE ManagedVideoRequest SET " : ", ";
-            sql += assignment;
-        }
-    };
-    assign(values.error.has_value(), "error = ?1");
-    assign(values.status.has_value(), "status = ?2");
-    assign(values.processId.has_value(), "processId = ?3");
-    assign(values.updatedAt.has_value(), "updatedAt = ?4");
-    sql += " WHERE primaryKey = ?5";
+std::optional<RowKey> updateRow(const NewValues& values, ManagedObjectContext& context) {
+    std::string sql = "UPDATE ManagedVideoRequest SET updatedAt = ?1";
+    const auto assign = [&sql](bool present, const char* assignment) { sql += present ? assignment : ""; };
+    assign(values.error.has_value(), ", error = ?2");
+    assign(values.status.has_value(), ", status = ?3, owner = ?4");
+    assign(values.processId.has_value(), ", processId = ?5");
+    assign(values.outputBookmark.has_value(), ", outputBookmark = ?6");
+    sql += " WHERE primaryKey = (SELECT min(primaryKey) FROM ManagedVideoRequest WHERE id = ?7)"
+           " RETURNING primaryKey";
     StatementUse update(context.statement(sql));
+    update->bind(1, values.updatedAt);
     if (values.error) {
-        bindText(*update, 1, *values.error);
+        bindText(*update, 2, *values.error);
     }
     if (values.status) {
-        update->bind(2, *values.status);
+        update->bind(3, *values.status);
+        bindNumber(*update, 4, values.owner);
     }
     if (values.processId) {
-        bindText(*update, 3, *values.processId);
+        bindText(*update, 5, *values.processId);
     }
-    if (values.updatedAt) {
-        update->bind(4, *values.updatedAt);
+    if (values.outputBookmark) {
+        bindBytes(*update, 6, values.outputBookmark);
     }
-    update->bind(5, values.primaryKey);
-    update->exec();
+    update->bind(7, values.id);
+    return updatedRow(*update);
 }
 
-void addUpdate(NewValues values, ManagedObjectContext& context) {
-    const RowKey key = values.primaryKey;
-    context.add({[values = std::move(values)](ManagedObjectContext& in) { updateRow(values, in); }, key});
+// A row that is `processing`.
+struct RunningRow {
+    RowKey primaryKey;
+    std::optional<std::int64_t> owner;
+};
+
+// Only as long as it is as it was found: a process may have begun to run it.
+std::optional<RowKey> cancelRow(const RunningRow& row, ManagedObjectContext& context) {
+    static const std::string sql =
+        "UPDATE ManagedVideoRequest SET status = ?, owner = NULL WHERE primaryKey = ? AND status = ? AND "
+        "owner IS ? RETURNING primaryKey";
+    StatementUse update(context.statement(sql));
+    update->bind(1, static_cast<int>(LocalVideoRequest::Status::cancelled));
+    update->bind(2, row.primaryKey);
+    update->bind(3, static_cast<int>(LocalVideoRequest::Status::processing));
+    bindNumber(*update, 4, row.owner);
+    return updatedRow(*update);
+}
+
+std::vector<RunningRow> runningRows(ManagedObjectContext& context) {
+    static const std::string sql = "SELECT primaryKey, owner FROM ManagedVideoRequest WHERE status = ?";
+    return context.fetch([&] {
+        StatementUse lookup(context.statement(sql));
+        lookup->bind(1, static_cast<int>(LocalVideoRequest::Status::processing));
+        std::vector<RunningRow> rows;
+        while (lookup->executeStep()) {
+            const SQLite::Column owner = lookup->getColumn(1);
+            rows.push_back({lookup->getColumn(0).getInt64(),
+                            owner.isNull() ? std::nullopt : std::optional(owner.getInt64())});
+        }
+        return rows;
+    });
 }
 
 } // namespace
@@ -268,9 +328,21 @@ std::optional<RowKey> ManagedVideoRequest::keyOf(const UUID& id, ManagedObjectCo
     }
 }
 
+bool ManagedVideoRequest::isRunElsewhere(const UUID& id, ManagedObjectContext& context) {
+    const auto key = keyOf(id, context);
+    const PeerFile& peers = context.peers();
+    try {
+        return std::ranges::any_of(runningRows(context), [&](const RunningRow& row) {
+            return row.primaryKey == key && row.owner && row.owner != peers.mark() &&
+                   peers.isAlive(*row.owner);
+        });
+    } catch (const SQLite::Exception&) {
+        return false;
+    }
+}
+
 void ManagedVideoRequest::insertUpload(ManagedObjectContext& context, const LocalVideoRequest& request) {
     auto row = std::make_shared<NewRow>(NewRow{
-        context.makeKey(),
         uuidString(request.id),
         narrow(request.status),
         request.outputPath.absoluteString(),
@@ -288,12 +360,18 @@ void ManagedVideoRequest::insertUpload(ManagedObjectContext& context, const Loca
     for (const LocalVideoRequestFile& file : request.inputFiles) {
         row->inputFiles.push_back({file.path.absoluteString(), makeFileBookmark(file.path.path())});
     }
-    context.add({[row](ManagedObjectContext& in) { insertRow(*row, in); }, std::nullopt});
+    context.add([row, key = RowKey{0}](ManagedObjectContext& in) mutable -> std::optional<RowKey> {
+        key = in.freeKey(key);
+        insertRow(*row, key, in);
+        return std::nullopt;
+    });
 }
 
-void ManagedVideoRequest::update(RowKey key, const UpdateRequestData& data, ManagedObjectContext& context) {
+void ManagedVideoRequest::update(const UUID& id, const UpdateRequestData& data,
+                                 ManagedObjectContext& context) {
     NewValues values{};
-    values.primaryKey = key;
+    values.id = uuidString(id);
+    values.updatedAt = nanoseconds(std::chrono::system_clock::now());
     for (const UpdateRequestData::Field& field : data.fields) {
         switch (field.kind()) {
         case UpdateRequestData::Field::Case::error:
@@ -301,44 +379,44 @@ void ManagedVideoRequest::update(RowKey key, const UpdateRequestData& data, Mana
             break;
         case UpdateRequestData::Field::Case::status:
             values.status = narrow(field.newStatus());
+            values.owner.reset();
+            if (field.newStatus() == LocalVideoRequest::Status::processing) {
+                values.owner = context.peers().mark();
+            } else if (field.newStatus() == LocalVideoRequest::Status::completed) {
+                values.outputBookmark = presentOutputBookmark(id, context);
+            }
             break;
         case UpdateRequestData::Field::Case::processId:
             values.processId = field.text();
             break;
         }
     }
-    values.updatedAt = nanoseconds(std::chrono::system_clock::now());
-    addUpdate(std::move(values), context);
+    context.add([values = std::move(values)](ManagedObjectContext& in) { return updateRow(values, in); });
 }
 
-void ManagedVideoRequest::remove(RowKey key, ManagedObjectContext& context) {
-    static const std::string sql = "DELETE FROM ManagedVideoRequest WHERE primaryKey = ?";
-    const auto removeRow = [key](ManagedObjectContext& in) {
+void ManagedVideoRequest::remove(const UUID& id, ManagedObjectContext& context) {
+    static const std::string sql =
+        "DELETE FROM ManagedVideoRequest WHERE primaryKey = (SELECT min(primaryKey) FROM ManagedVideoRequest "
+        "WHERE id = ?)";
+    context.add([id = uuidString(id)](ManagedObjectContext& in) -> std::optional<RowKey> {
         StatementUse removal(in.statement(sql));
-        removal->bind(1, key);
+        removal->bind(1, id);
         removal->exec();
-    };
-    context.add({removeRow, std::nullopt});
+        return std::nullopt;
+    });
 }
 
-void ManagedVideoRequest::replaceStatus(LocalVideoRequest::Status status, LocalVideoRequest::Status by,
-                                        ManagedObjectContext& context) {
-    static const std::string sql = "SELECT primaryKey FROM ManagedVideoRequest WHERE status = ?";
-    const auto keys = context.fetch([&] {
-        StatementUse lookup(context.statement(sql));
-        lookup->bind(1, static_cast<int>(status));
-        std::vector<RowKey> found;
-        while (lookup->executeStep()) {
-            found.push_back(lookup->getColumn(0).getInt64());
+bool ManagedVideoRequest::cancelAbandoned(ManagedObjectContext& context, bool isStart) {
+    const PeerFile& peers = context.peers();
+    bool hasAny = false;
+    for (const RunningRow& row : runningRows(context)) {
+        const bool isAnothers = row.owner && row.owner != peers.mark();
+        if (isAnothers ? !peers.isAlive(*row.owner) : isStart) {
+            context.add([row](ManagedObjectContext& in) { return cancelRow(row, in); });
+            hasAny = true;
         }
-        return found;
-    });
-    for (const RowKey key : keys) {
-        NewValues values{};
-        values.primaryKey = key;
-        values.status = narrow(by);
-        addUpdate(std::move(values), context);
     }
+    return hasAny;
 }
 
 } // namespace corvanta

@@ -48,16 +48,22 @@ struct ManagedVideoRequest {
     static std::vector<LocalVideoRequest> findAll(ManagedObjectContext& context);
     /// The row itself, also one that has no record. Nothing for a failure.
     static std::optional<RowKey> keyOf(const UUID& id, ManagedObjectContext& context);
+    /// Whether the row is `processing` and another living process, or another store, is its owner. No for a
+    /// failure.
+    static bool isRunElsewhere(const UUID& id, ManagedObjectContext& context);
 
     /// The changes below stay pending until the context is saved.
 
     /// Makes the bookmarks of the paths. Stops the process for 32,768 input files or more.
     static void insertUpload(ManagedObjectContext& context, const LocalVideoRequest& request);
-    static void update(RowKey key, const UpdateRequestData& data, ManagedObjectContext& context);
-    static void remove(RowKey key, ManagedObjectContext& context);
-    /// Gives all rows of one status another, leaving their dates. Throws `SQLite::Exception`.
-    static void replaceStatus(LocalVideoRequest::Status status, LocalVideoRequest::Status by,
-                              ManagedObjectContext& context);
+    /// A row that becomes `processing` is this store's from then on, until it gets another status. One that
+    /// becomes `completed` gets the bookmark of the file that is at its output path now, if there is one.
+    static void update(const UUID& id, const UpdateRequestData& data, ManagedObjectContext& context);
+    static void remove(const UUID& id, ManagedObjectContext& context);
+    /// Makes those `processing` rows `cancelled` whose owner is a process that is gone, leaving their dates.
+    /// At the start, which nothing can have been run before, also those of this store and of nobody. Tells
+    /// whether there are any. Throws `SQLite::Exception`.
+    static bool cancelAbandoned(ManagedObjectContext& context, bool isStart);
 };
 
 } // namespace corvanta

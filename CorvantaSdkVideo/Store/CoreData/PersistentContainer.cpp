@@ -9,9 +9,9 @@ namespace corvanta {
 
 namespace {
 
-constexpr int modelVersion = 1;
+constexpr int modelVersion = 2;
 
-// A person's shell may hold the file for a moment.
+// Another process, or a person's shell, may hold the file for a moment.
 constexpr int busyTimeoutInMilliseconds = 5000;
 
 // The spill is off so that nothing is written before the commit: a read that sees pending changes then never
@@ -22,7 +22,7 @@ constexpr const char* settings = R"(
     PRAGMA cache_spill = OFF;
 )";
 
-constexpr const char* model = R"(
+constexpr const char* firstModel = R"(
     CREATE TABLE ManagedVideoRequest (
         primaryKey INTEGER PRIMARY KEY,
         id TEXT NOT NULL,
@@ -45,15 +45,45 @@ constexpr const char* model = R"(
         pathBookmark BLOB,
         PRIMARY KEY (request, "index")
     ) STRICT, WITHOUT ROWID;
-    PRAGMA user_version = 1;
+)";
+
+constexpr const char* addOwners = R"(
+    ALTER TABLE ManagedVideoRequest ADD COLUMN owner INTEGER;
+    PRAGMA user_version = 2;
 )";
 
 // Can be prepared only where all tables and columns are there.
 constexpr auto modelChecks = {
     "SELECT primaryKey, id, status, outputPath, outputBookmark, type, rawData, processId, error, createdAt, "
-    "updatedAt FROM ManagedVideoRequest",
+    "updatedAt, owner FROM ManagedVideoRequest",
     R"(SELECT request, "index", path, pathBookmark FROM ManagedVideoRequestInputFile)",
 };
+
+int versionOf(SQLite::Database& database) {
+    const int version = database.execAndGet("PRAGMA user_version");
+    if (version < 0 || version > modelVersion) {
+        throw SQLite::Exception("The file is of version " + std::to_string(version) + ", newer than " +
+                                std::to_string(modelVersion) + ", the newest that is known.");
+    }
+    if (version == 0 && database.execAndGet("SELECT count(*) FROM sqlite_schema").getInt() != 0) {
+        throw SQLite::Exception("The file belongs to another program.");
+    }
+    return version;
+}
+
+// A new file grows through all versions, so that it comes out as an old one does.
+void bringUpToDate(SQLite::Database& database) {
+    switch (versionOf(database)) {
+    case 0:
+        database.exec(firstModel);
+        [[fallthrough]];
+    case 1:
+        database.exec(addOwners);
+        [[fallthrough]];
+    default:
+        break;
+    }
+}
 
 } // namespace
 
@@ -61,12 +91,7 @@ PersistentContainer::PersistentContainer(const std::string& path)
     : database_(path, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE | SQLite::OPEN_NOMUTEX,
                 busyTimeoutInMilliseconds) {
     // Looked at before anything is changed: a file of somebody else's must stay as it is.
-    const int version = database_.execAndGet("PRAGMA user_version");
-    const bool isNew =
-        version == 0 && database_.execAndGet("SELECT count(*) FROM sqlite_schema").getInt() == 0;
-    if (!isNew && version != modelVersion) {
-        throw SQLite::Exception("The file is of another version or of another program.");
-    }
+    versionOf(database_);
     if (sqlite3_db_readonly(database_.getHandle(), "main") != 0) {
         throw SQLite::Exception("The file can't be written.", SQLITE_READONLY);
     }
@@ -74,15 +99,16 @@ PersistentContainer::PersistentContainer(const std::string& path)
         throw SQLite::Exception("The file can't keep a write-ahead log.");
     }
     database_.exec(settings);
-    // Also in a file that is there: the write lock shows whether its folder can be written.
+    // Also in a file that is up to date: the write lock shows whether its folder can be written. Others may
+    // open the file at the same time.
     SQLite::Transaction transaction(database_, SQLite::TransactionBehavior::IMMEDIATE);
-    if (isNew) {
-        database_.exec(model);
-    }
+    bringUpToDate(database_);
     for (const char* check : modelChecks) {
         SQLite::Statement(database_, check);
     }
     transaction.commit();
+    // SQLite's name of the file, so that all who reach it through a link meet.
+    peers_.emplace(std::string(sqlite3_db_filename(database_.getHandle(), "main")) + "-peers");
 }
 
 } // namespace corvanta

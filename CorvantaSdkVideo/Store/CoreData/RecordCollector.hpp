@@ -13,6 +13,9 @@ namespace corvanta {
 /// Makes records of the rows of one fetch, their bookmarks resolved.
 class RecordCollector {
   public:
+    /// Goes over the bookmarks in one pass of `resolver`, which must outlive the collector.
+    explicit RecordCollector(FileBookmarkResolver& resolver) : resolver_(resolver) { resolver_.beginPass(); }
+
     /// Begins the record of a row. A row whose status or type is unknown, or whose id or a path can't be read
     /// as such, gives none.
     void add(const ManagedVideoRequest& row);
@@ -24,7 +27,7 @@ class RecordCollector {
   private:
     std::optional<URL> readURL(std::string_view text);
 
-    FileBookmarkResolver resolver_;
+    FileBookmarkResolver& resolver_;
     // Of the last URL that was parsed.
     std::optional<URL> folder_;
     std::vector<LocalVideoRequest> records_;

@@ -109,6 +109,17 @@ TEST(EngineCancel, StopsARunFromWhateverObject) {
     }
 }
 
+TEST(EngineCancel, LeavesTheSessionsOfAnotherProcessToIt) {
+    EngineBench bench;
+    const LocalVideoRequest row = bench.insertRow(Type::merge);
+    // A store of its own stands for the other process.
+    CoreDataCorvantaStore other(URL::fromFilePath(bench.folders.file("store.sqlite")));
+    other.updateRequest(row.id, {{Field::status(Stored::processing), Field::processId("7")}});
+    bench.fetch(row.id)->cancel();
+    EXPECT_EQ(bench.takeNotes(), "cancelled -pid");
+    EXPECT_EQ(bench.rowOf(row.id), "cancelled -");
+}
+
 TEST(EngineCancel, FallsInTheGapsAroundARun) {
     for (const Type type : types) {
         SCOPED_TRACE(name(type));

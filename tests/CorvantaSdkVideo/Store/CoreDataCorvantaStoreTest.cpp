@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 
 #include <support/Failure.hpp>
+#include <support/RecordedLog.hpp>
 #include <support/UserFolders.hpp>
 
 #include <fstream>
@@ -66,7 +67,7 @@ TEST_F(CoreDataCorvantaStoreTest, KeepsRequestsInTablesThatAPersonCanRead) {
                          JOIN ManagedVideoRequest r ON r.primaryKey = f.request)"),
         ElementsAre(record.inputFiles[0].path.absoluteString() + "|0||1",
                     record.inputFiles[1].path.absoluteString() + "|1||1"));
-    EXPECT_THAT(query("PRAGMA user_version"), ElementsAre("1"));
+    EXPECT_THAT(query("PRAGMA user_version"), ElementsAre("2"));
     EXPECT_THAT(query("PRAGMA journal_mode"), ElementsAre("wal"));
     EXPECT_THAT(query("SELECT name FROM sqlite_schema WHERE type = 'index' AND sql NOT NULL"),
                 ElementsAre("ManagedVideoRequest_id", "ManagedVideoRequest_status"));
@@ -134,48 +135,114 @@ TEST_F(CoreDataCorvantaStoreTest, FollowsFilesThatMove) {
     EXPECT_THAT(store.getRequests(Status::idle), ElementsAre(expected));
     EXPECT_THAT(query("SELECT outputPath FROM ManagedVideoRequest"),
                 ElementsAre(record.outputPath.absoluteString()));
+
+    // A run writes another file than the one that was there at the insertion.
+    folders.make("out.mp4");
+    store.updateRequest(record.id, {{Field::status(Status::completed)}});
+    EXPECT_EQ(store.getRequest(record.id).value().outputPath, record.outputPath);
+    fs::rename(folders.file("out.mp4"), folders.file("kept.mp4"));
+    EXPECT_EQ(store.getRequest(record.id).value().outputPath.path(), folders.file("kept.mp4"));
+    store.updateRequest(record.id, {{Field::status(Status::completed)}});
+    EXPECT_EQ(store.getRequest(record.id).value().outputPath.path(), folders.file("kept.mp4"))
+        << "With no file at its place, the one that is known stays known.";
+}
+
+TEST_F(CoreDataCorvantaStoreTest, OpensWhatItsFirstVersionKept) {
+    fs::copy_file(std::string(KEPT_STORES) + "/version1.sqlite", path);
+    const auto rows = [this] {
+        return query("SELECT primaryKey, id, status, outputPath, type, ifnull(rawData, '-'), "
+                     "ifnull(processId, '-'), ifnull(error, '-'), createdAt, ifnull(owner, '-'), "
+                     "(SELECT group_concat(path || (pathBookmark IS NULL), ',') FROM "
+                     "ManagedVideoRequestInputFile WHERE request = primaryKey) FROM ManagedVideoRequest");
+    };
+    const std::string data = R"({"videoTracks":[],"audioTracks":[],"framesRate":"30"})";
+    const std::string first = "file:///tmp/videos/kept%20input.mp40";
+    const std::string both = first + ",file:///nowhere/b.mp41";
+    const auto row = [](const std::string& number, const std::string& status, const std::string& rest) {
+        return number + "|00000000-0000-4000-8000-00000000000" + number + "|" + status +
+               "|file:///nowhere/film%20" + number + ".mp4|" + rest;
+    };
+    const std::vector<std::string> kept = {
+        row("1", "0", "concat|-|7|-|1700000000000000001|-|" + both),
+        row("2", "1", "merge|" + data + "|-|broken|1700000000000000002|-|" + both),
+        row("3", "2", "encode|" + data + "|-|-|1700000000000000003|-|" + first),
+        row("4", "3", "concat|-|-|-|1700000000000000004|-|" + both),
+        row("5", "4", "merge|" + data + "|-|-|1700000000000000005|-|" + both),
+    };
+    {
+        CoreDataCorvantaStore store = open();
+        EXPECT_EQ(rows(), kept);
+        EXPECT_EQ(allRecords(store).size(), kept.size());
+        EXPECT_EQ(store.getRequests(Status::error).at(0).inputFiles.at(0).path.path(),
+                  "/tmp/videos/kept input.mp4");
+        store.resetPendingRequests();
+        EXPECT_EQ(store.getRequests(Status::cancelled).size(), 2U);
+    }
+    CoreDataCorvantaStore again = open();
+    again.insert(makeRecord());
+    EXPECT_EQ(allRecords(again).size(), 6U);
+    EXPECT_THAT(query("PRAGMA user_version"), ElementsAre("2"));
 }
 
 TEST_F(CoreDataCorvantaStoreTest, RefusesFilesThatAreNotItsOwnAndLeavesThemAlone) {
-    const std::function<void()> files[] = {
-        [&] { std::ofstream(path) << std::string(5000, 'x'); },
-        [&] { fs::create_directory(path); },
-        [&] {
-            SQLite::Database(path, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE).exec("CREATE TABLE a (b)");
-        },
-        [&] {
-            open().insert(makeRecord());
-            execute("PRAGMA user_version = 2");
-        },
-        [&] {
-            open().insert(makeRecord());
-            execute("ALTER TABLE ManagedVideoRequest DROP COLUMN rawData");
-        },
-        [&] {
-            open();
-            execute("DROP TABLE ManagedVideoRequestInputFile");
-        },
+    // Each with the reason that the log tells.
+    const std::pair<std::function<void()>, std::string> files[] = {
+        {[&] { std::ofstream(path) << std::string(5000, 'x'); }, "file is not a database"},
+        {[&] { fs::create_directory(path); }, "unable to open database file (Is a directory)"},
+        {[&] { fs::create_symlink("/no/such/folder/store", path); },
+         "unable to open database file (No such file or directory)"},
+        {[&] {
+             SQLite::Database(path, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE).exec("CREATE TABLE a (b)");
+         },
+         "The file belongs to another program."},
+        {[&] {
+             open().insert(makeRecord());
+             execute("PRAGMA user_version = 3");
+         },
+         "The file is of version 3, newer than 2, the newest that is known."},
+        {[&] {
+             open().insert(makeRecord());
+             execute("ALTER TABLE ManagedVideoRequest DROP COLUMN rawData");
+         },
+         "no such column: rawData"},
+        {[&] {
+             open();
+             execute("DROP TABLE ManagedVideoRequestInputFile");
+         },
+         "no such table: ManagedVideoRequestInputFile"},
+        {[&] {
+             fs::copy_file(std::string(KEPT_STORES) + "/version1.sqlite", path);
+             execute("DROP TABLE ManagedVideoRequestInputFile");
+         },
+         "no such table: ManagedVideoRequestInputFile"},
     };
     const auto contents = [&]() -> std::string {
         std::ifstream file(path, std::ios::binary);
         return fs::is_directory(path) ? "" : std::string(std::istreambuf_iterator<char>(file), {});
     };
     int number = 0;
-    const auto expectRefusal = [](const URL& url) {
+    RecordedLog log;
+    const auto expectRefusal = [&](const URL& url, const std::string& reason) {
+        log.take();
         EXPECT_EQ(failureOf([&] { CoreDataCorvantaStore store(url); }), "failedToLoadPersistentContainer");
+        EXPECT_THAT(log.take(),
+                    ElementsAre("error event_video_init: Open store failed. " + url.path() + ": " + reason));
     };
-    for (const auto& make : files) {
+    for (const auto& [make, reason] : files) {
         SCOPED_TRACE(number);
         path = folders.file(std::to_string(number++) + ".sqlite");
         make();
         const std::string before = contents();
-        expectRefusal(URL::fromFilePath(path));
+        expectRefusal(URL::fromFilePath(path), reason);
         EXPECT_EQ(contents(), before);
     }
     // A folder that nobody can write to, root included, and no file at all.
-    for (const char* nowhere : {"file:///proc/store.sqlite", "file:///", "file:///a%00b"}) {
+    for (const auto& [nowhere, reason] :
+         {std::pair("file:///proc/store.sqlite", "unable to open database file (No such file or directory)"),
+          {"file:///", "unable to open database file (Is a directory)"},
+          {"file:///a%00b", "The store's URL names no file."}}) {
         SCOPED_TRACE(nowhere);
-        expectRefusal(URL::parse(nowhere).value());
+        expectRefusal(URL::parse(nowhere).value(), reason);
     }
 }
 

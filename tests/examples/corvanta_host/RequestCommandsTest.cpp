@@ -1,5 +1,7 @@
 #include "examples/corvanta_host/HostRun.hpp"
 
+#include <CorvantaSdkVideo/Store/CoreData/CoreDataCorvantaStore.hpp>
+
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
@@ -154,6 +156,75 @@ TEST_F(RequestCommandsTest, FindTheRequestsOfAnotherProcess) {
     std::filesystem::rename(moving, file("moved.mp4"));
     EXPECT_EQ(requests("idle")[0]["inputs"][0], "file://" + file("moved.mp4"));
     EXPECT_EQ(run({"process", idle.id()}).output, file("joined.mp4\n"));
+}
+
+TEST_F(RequestCommandsTest, DeleteRequests) {
+    for (const char* name : {"no/a", "no/b", "c"}) {
+        run({"concat", file(name), clip_, clip_});
+    }
+    const std::string first = requests("error")[0]["id"];
+    const std::string complete = requests("complete")[0]["id"];
+    for (const auto& [arguments, errors] : std::vector<std::pair<std::vector<std::string>, std::string>>{
+             {{}, "--delete takes ids, --status or --finished"},
+             {{complete, "x"}, "\"x\" is no request id"},
+             {{complete, "01234567-89ab-4def-8123-456789abcdef"},
+              "there is no such request: 01234567-89ab-4def-8123-456789abcdef"},
+         }) {
+        std::vector<std::string> all = {"requests", "--delete"};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        EXPECT_THAT(run(all).errors, HasSubstr(errors));
+    }
+    EXPECT_EQ(json::parse(run({"--json", "requests", "--finished"}).output).size(), 3U);
+    EXPECT_THAT(run({"requests", "--delete", first}).output, testing::StartsWith(first));
+    EXPECT_EQ(requests("error").size(), 1U);
+    EXPECT_EQ(json::parse(run({"--json", "requests", "--delete", "--finished"}).output).size(), 2U);
+    EXPECT_EQ(run({"requests"}).output, "");
+    EXPECT_TRUE(std::filesystem::exists(file("c.mp4")));
+}
+
+TEST_F(RequestCommandsTest, ShareOneStore) {
+    // Many at once make the store.
+    std::vector<std::unique_ptr<Program>> starts;
+    for (int number = 0; number < 6; ++number) {
+        starts.push_back(
+            std::make_unique<Program>(CORVANTA_HOST, std::vector<std::string>{"requests"}, options_));
+    }
+    for (const auto& start : starts) {
+        EXPECT_EQ(start->wait(), 0) << start->errors();
+    }
+    Program watching(CORVANTA_HOST, {"watch"}, options_);
+    const auto shows = [&](const std::string& text) {
+        EXPECT_TRUE(eventually([&] { return watching.output().find(text) != std::string::npos; })) << text;
+    };
+    const std::string longClip = makeClip({.seconds = 20, .pictures = {{.width = 1280, .height = 720}}});
+    const std::vector<std::string> merge = {"merge", file("long"), longClip, longClip};
+    const auto startMerge = [&] {
+        auto host = std::make_unique<Program>(CORVANTA_HOST, merge, options_);
+        // Each look is a process that starts.
+        EXPECT_TRUE(eventually([&] {
+            const json running = requests("processing");
+            return running.size() == 1 && std::filesystem::exists(file("long.mp4"));
+        }));
+        return host;
+    };
+    const auto first = startMerge();
+    shows("merge processing");
+    const std::string id = requests("processing")[0]["id"];
+    EXPECT_THAT(run({"process", id}).errors, HasSubstr("operationStillsInProgress"));
+    EXPECT_THAT(run({"requests", "--delete", id}).errors, HasSubstr("operationStillsInProgress"));
+    CoreDataCorvantaStore store(URL::fromFilePath(file("data/corvanta-sdk-video/video-store.sqlite")));
+    store.updateRequest(*parseUUID(id),
+                        {{UpdateRequestData::Field::status(LocalVideoRequest::Status::cancelled)}});
+    EXPECT_EQ(first->wait(), 1) << "Its ffmpeg ends with the request.";
+    shows("1 requests: " + id + " merge cancelled");
+
+    std::filesystem::remove(file("long.mp4"));
+    const auto second = startMerge();
+    shows("2 requests: " + id + " merge cancelled, " + std::string(requests("processing")[0]["id"]) +
+          " merge processing");
+    second->signal(SIGKILL);
+    shows("2 requests: " + id + " merge cancelled, " + std::string(second->errors().substr(8, 36)) +
+          " merge cancelled");
 }
 
 TEST_F(RequestCommandsTest, StopOnInterrupts) {
