@@ -1,15 +1,14 @@
 #include <platform/SessionRunner.hpp>
 
+#include <platform/BlockedSignals.hpp>
 #include <platform/Errors.hpp>
 
 #include <algorithm>
-#include <csignal>
 #include <random>
 #include <string>
 #include <thread>
 #include <utility>
 
-#include <pthread.h>
 #include <sys/resource.h>
 
 namespace corvanta {
@@ -54,16 +53,11 @@ SessionRunner& SessionRunner::shared() {
 SessionRunner::SessionRunner()
     : lastId_(firstId()), lines_{RunLine(bearableRuns()), RunLine(bearableRuns())},
       work_(asio::make_work_guard(context_)) {
-    // The host's signal handlers have no business on these threads.
-    sigset_t all;
-    sigset_t previous;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &previous);
+    const BlockedSignals duringTheStart;
     constexpr int threads = 2;
     for (int thread = 0; thread < threads; ++thread) {
         std::thread([this] { runUntilTheProcessEnds(context_); }).detach();
     }
-    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
 }
 
 // Starting and cancelling a run only posts, so that the lock may be held.
