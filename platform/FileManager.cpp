@@ -1,8 +1,11 @@
 #include <platform/FileManager.hpp>
 
-#include <cerrno>
+#include <platform/FileDescriptor.hpp>
+
 #include <filesystem>
 #include <fstream>
+
+#include <fcntl.h>
 
 namespace corvanta::FileManager {
 
@@ -39,6 +42,14 @@ bool createFile(const std::string& path, std::string_view contents) {
     file.write(contents.data(), static_cast<std::streamsize>(contents.size()));
     file.close();
     return file.good();
+}
+
+bool createNewFile(const std::string& path) {
+    constexpr mode_t readableByAll = 0666;
+    return isName(path) &&
+           FileDescriptor(
+               open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, readableByAll))
+                   .get() >= 0;
 }
 
 void removeItem(const std::string& path) {

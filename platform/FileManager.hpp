@@ -19,6 +19,9 @@ bool isSameFile(const std::string& left, const std::string& right);
 /// Writes `contents` to `path`, replacing what is there. False if that failed, as with a pipe or a device.
 bool createFile(const std::string& path, std::string_view contents = {});
 
+/// Makes an empty file. False if that failed, as where anything is already, be it a link that leads nowhere.
+bool createNewFile(const std::string& path);
+
 /// Removes the file at `path`. Throws std::system_error if it is not there or can't be removed.
 void removeItem(const std::string& path);
 

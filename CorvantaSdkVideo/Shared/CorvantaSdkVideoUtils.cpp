@@ -11,7 +11,11 @@ URL CorvantaSdkVideoUtils::outputURL(std::string_view name, std::string_view fil
     return defaultFileLocation(name, fileExtension, SearchPathDirectory::documents);
 }
 
-void CorvantaSdkVideoUtils::createEmptyFile(const URL& atURL) { FileManager::createFile(atURL.path()); }
+// The name alone is taken: what it links to, or shares its contents with, is another's file.
+void CorvantaSdkVideoUtils::createEmptyFile(const URL& atURL) {
+    deleteFileIfExists(atURL);
+    FileManager::createNewFile(atURL.path());
+}
 
 void CorvantaSdkVideoUtils::deleteFileIfExists(const URL& atURL) {
     try {

@@ -13,11 +13,17 @@ namespace corvanta {
 
 namespace {
 
+// A relative path would mean another file to a process that runs elsewhere.
+URL absolute(const URL& file) {
+    const std::string path = file.path();
+    return path.starts_with('/') || path.find('\0') != path.npos ? file : URL::fromFilePath(path);
+}
+
 std::vector<LocalVideoRequestFile> indexed(const std::vector<URL>& files) {
     std::vector<LocalVideoRequestFile> inputFiles;
     inputFiles.reserve(files.size());
     for (const URL& file : files) {
-        inputFiles.push_back({file, static_cast<std::int64_t>(inputFiles.size())});
+        inputFiles.push_back({absolute(file), static_cast<std::int64_t>(inputFiles.size())});
     }
     return inputFiles;
 }
@@ -39,7 +45,7 @@ void saveRequest(const CorvantaSdkVideoRequest& request, const StoredOperation& 
     }
     const LocalVideoRequest record{.id = request.id,
                                    .status = LocalVideoRequest::Status::idle,
-                                   .outputPath = *outputURL,
+                                   .outputPath = absolute(*outputURL),
                                    .output = request.output,
                                    .type = operation.type,
                                    .error = std::nullopt,

@@ -45,11 +45,17 @@ TEST_F(BuildersTest, StoreWhatTheyBuildAndLeaveThePlaceEmpty) {
          {Case{Type::concat, Operation::concat, documents + "out.mov", true, three, {}},
           {Type::merge, Operation::merge, documents + "out.mp4", false, three, nothingChosen},
           {Type::encode, Operation::encode, documents + "out.mp4", true, {first}, nothingChosen}}) {
-        for (const bool hasOlderFile : {false, true}) {
-            SCOPED_TRACE(name(built.type));
-            if (hasOlderFile) {
+        for (const std::string older : {"", "file", "symbolic link", "dangling link", "hard link"}) {
+            SCOPED_TRACE(std::string(name(built.type)) + " " + older);
+            const std::string precious = folders.make("precious", "older");
+            if (older == "file") {
                 writeFile(built.path, "older");
+            } else if (older == "hard link") {
+                std::filesystem::create_hard_link(precious, built.path);
+            } else if (!older.empty()) {
+                std::filesystem::create_symlink(older == "dangling link" ? "/nowhere" : precious, built.path);
             }
+            const bool hasOlderFile = std::filesystem::exists(built.path);
             store->onInsert = [&](const LocalVideoRequest&) {
                 EXPECT_EQ(std::filesystem::exists(built.path), built.placeholder || hasOlderFile);
                 EXPECT_EQ(readFile(built.path), built.placeholder || !hasOlderFile ? "" : "older");
@@ -57,7 +63,8 @@ TEST_F(BuildersTest, StoreWhatTheyBuildAndLeaveThePlaceEmpty) {
             const auto before = std::chrono::system_clock::now();
             const RequestPointer request =
                 build(built.type, Descriptor::files("out"), {"a.mov", "b.mp4", "a.mov"});
-            EXPECT_FALSE(std::filesystem::exists(built.path));
+            EXPECT_FALSE(std::filesystem::is_symlink(built.path) || std::filesystem::exists(built.path));
+            EXPECT_EQ(readFile(precious), "older");
             const LocalVideoRequest row = stored(request->id);
             EXPECT_EQ(row.status, Stored::idle);
             EXPECT_EQ(row.outputPath.path(), built.path);
@@ -74,8 +81,11 @@ TEST_F(BuildersTest, StoreWhatTheyBuildAndLeaveThePlaceEmpty) {
             EXPECT_EQ(request->engine, engineOf(built.type));
         }
     }
-    // An output that is an input is left to the run, which refuses it.
     store->onInsert = [](const LocalVideoRequest&) {};
+    // Another process, in another folder, finds the same file.
+    const auto relative = stored(build(Type::merge, Descriptor::custom("a/rel"), {"a.mp4"})->id);
+    EXPECT_EQ(relative.outputPath.path(), (std::filesystem::current_path() / "a/rel.mp4").string());
+    // An output that is an input is left to the run, which refuses it.
     folders.make("a.mp4", "of value");
     for (const Type type : types) {
         build(type, Descriptor::custom(folders.file("a")), {"a.mp4", "b.mp4"});
