@@ -87,6 +87,14 @@ double AssetReader::duration() {
     return seconds;
 }
 
+std::optional<double> AssetReader::statedDuration() const {
+    const std::int64_t duration = context_->format().duration;
+    return duration == AV_NOPTS_VALUE ? std::nullopt
+                                      : std::optional(static_cast<double>(duration) / AV_TIME_BASE);
+}
+
+std::size_t AssetReader::trackCount() const { return context_->format().nb_streams; }
+
 std::optional<AffineTransform> AssetReader::firstVideoTrackTransform() {
     if (context_->firstTrack(AVMEDIA_TYPE_VIDEO) == nullptr) {
         context_->media.analyse();

@@ -2,6 +2,7 @@
 
 #include <platform/URL.hpp>
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
@@ -51,6 +52,12 @@ class AssetReader {
 
     /// Seconds. Throws PlatformError if the file states no duration and none can be found.
     double duration();
+
+    /// Seconds, as the file's head states it; nothing if it states none.
+    std::optional<double> statedDuration() const;
+
+    /// How many tracks of any kind the file's head states.
+    std::size_t trackCount() const;
 
     /// The display transform of the first video track, the identity if it carries none; nothing without such
     /// a track.

@@ -21,7 +21,7 @@ class CorvantaSdkVideoEditor {
     /// - The picture starts at the source's next key frame at or after `startPosition`; the sound starts at
     ///   `startPosition`, and until the key frame there is sound alone.
     /// - A source with B-frames loses its first group of pictures even when `startPosition` is 0. A clip of
-    ///   one group loses its picture altogether, and the edit still succeeds.
+    ///   one group loses its picture altogether: the edit leaves the sound, and fails if there is none.
     /// - A turn is recorded as a display matrix in mp4 and mov: 90 reads back as -90, 180 as -180, and 0
     ///   leaves no matrix. Matroska keeps none.
     /// - The turn is recorded in the opposite sense to how a probe states it: a phone's clip at -90 that is

@@ -3,6 +3,7 @@
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/ProbeOutput.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/WrittenOutput.hpp>
 #include <platform/AssetReader.hpp>
 #include <platform/Cancellation.hpp>
 #include <platform/FFmpegKit.hpp>
@@ -46,6 +47,9 @@ bool isProbeable(const URL& url) {
     return written && (*written == path || *written == "file:" + path || *written == "file://" + path) &&
            !hasUnwritableCharacter(*written) && !FileManager::isEndless(path);
 }
+
+// In place of the 0 that ffmpeg returned.
+constexpr int outputNotWhole = 1;
 
 struct Display {
     Orientation orientation = Orientation::portrait;
@@ -91,17 +95,23 @@ void FFMPEGCommandExecutorImplementation::cancelCommandExecution(std::int64_t se
 
 Task<> FFMPEGCommandExecutorImplementation::executeFFMPEGCommand(std::string command,
                                                                  OnUpdateSessionId onUpdateSessionId) {
-    StartSession start = [&command, &onUpdateSessionId](CompleteCallback onComplete) {
-        const auto session = FFmpegKit::executeAsync(
-            command, std::move(onComplete),
-            [](const Log& log) { std::cout << log.getMessage() + '\n'
-                                           << std::flush; }, nullptr);
+    const auto output = std::make_shared<WrittenOutput>(command);
+    StartSession start = [&command, &onUpdateSessionId, &output](CompleteCallback onComplete) {
+        const auto onLog = [output](const Log& log) {
+            output->hear(log.getMessage());
+            std::cout << log.getMessage() + '\n' << std::flush;
+        };
+        const auto session = FFmpegKit::executeAsync(command, std::move(onComplete), onLog, nullptr);
         if (onUpdateSessionId) {
             onUpdateSessionId(session->getSessionId());
         }
         return session;
     };
-    co_await run(std::move(start));
+    const SessionPointer session = co_await run(std::move(start));
+    if (!output->isWhole()) {
+        throw PlatformError(FFmpegKitConfig::sessionStateToString(session->getState()).value_or(""),
+                            outputNotWhole);
+    }
 }
 
 Task<ExecutionResult> FFMPEGCommandExecutorImplementation::executeFFMPEGProbeCommand(std::string arguments) {

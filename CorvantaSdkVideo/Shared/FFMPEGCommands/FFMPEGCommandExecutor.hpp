@@ -28,7 +28,8 @@ class FFMPEGCommandExecutor {
 
     /// Runs ffmpeg with a whole command text. `onUpdateSessionId` is called once, on the calling thread, as
     /// soon as the session has its id; it must not throw. Throws PlatformError (domain: the session state's
-    /// name, code: the return code) if the run didn't end with 0; a cancelled one is no exception to that.
+    /// name, code: the return code) if the run didn't end with 0, or with an output that is not whole (code:
+    /// 1); a cancelled one is no exception to that.
     virtual Task<> executeFFMPEGCommand(std::string command, OnUpdateSessionId onUpdateSessionId) = 0;
 
     /// Runs ffprobe with a whole arguments text. Throws PlatformError in the same way.

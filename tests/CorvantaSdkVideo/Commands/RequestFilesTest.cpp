@@ -171,6 +171,43 @@ TEST_F(RequestFilesTest, CancelsLongRunsAndLeavesAReadableFile) {
     FFmpegKitConfig::enableStatisticsCallback(nullptr);
 }
 
+// ffmpeg itself calls a run a success that finds the disk full where it ends the file.
+TEST_F(RequestFilesTest, AFileWithoutItsEndIsAFailure) {
+    const std::string clip = makeClip({.seconds = 0.5});
+    const std::string matroska = makeClip({.seconds = 0.5, .container = "mkv"});
+    const std::map<std::string, std::function<RequestPointer()>> runs = {
+        {"concatFailed",
+         [&] {
+             return concat({clip, clip});
+         }},
+        {"concatFailed of mkv",
+         [&] {
+             return concat({matroska, matroska});
+         }},
+        {"mergeFailed",
+         [&] {
+             return CorvantaSdkVideo->MergeBuilder(files({clip, clip}), place("out")).build();
+         }},
+        {"encodingFailed",
+         [&] { return CorvantaSdkVideo->EncodingBuilder(files({clip}).front(), place("out")).build(); }}};
+    for (const auto& [failure, build] : runs) {
+        const std::string output = runBlocking(build()->process()).videoURL.path();
+        const auto blocks = (fs::file_size(output) - 1) / 512;
+        const FakeProgram full("CORVANTA_FFMPEG",
+                               "trap '' XFSZ; ulimit -f " + std::to_string(blocks) + "; exec ffmpeg \"$@\"");
+        // Without its log, a Matroska file that lacks its index alone looks whole.
+        const bool isMatroska = fs::path(output).extension() == ".mkv";
+        for (const char* level : {"error", isMatroska ? "error" : "quiet"}) {
+            SCOPED_TRACE(failure + " " + level);
+            FFmpegKitConfig::setLogLevel(level);
+            const RequestPointer request = build();
+            EXPECT_EQ(failureOf(request), failure.substr(0, failure.find(' ')));
+            EXPECT_EQ(fetch(request->id)->status, Status::error);
+        }
+    }
+    FFmpegKitConfig::setLogLevel("error");
+}
+
 TEST_F(RequestFilesTest, EncodesAndMergesWhatWasChosen) {
     const std::string rich =
         makeClip({.seconds = 1, .pictures = {{}, {.source = "color=c=green"}}, .sounds = {{}, {}}});
