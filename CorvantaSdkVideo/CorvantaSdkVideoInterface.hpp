@@ -22,9 +22,8 @@
 namespace corvanta {
 
 /// What the module offers to its host. Safe from any thread. Every operation that can fail throws
-/// CorvantaSdkVideoError, `userNotAuthenticated` first of all, unless it says otherwise. Commands reach
-/// ffmpeg as one text without escapes: an output path with a double quote in it, and most inputs with one,
-/// fail with the operation's own error.
+/// CorvantaSdkVideoError, `userNotAuthenticated` first of all, unless it says otherwise. An output
+/// that is one of its inputs, under whatever name, fails with the operation's own error.
 class CorvantaSdkVideoInterface {
   public:
     virtual ~CorvantaSdkVideoInterface() = default;

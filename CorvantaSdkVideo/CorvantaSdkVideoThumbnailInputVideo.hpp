@@ -19,6 +19,13 @@ class CorvantaSdkVideoThumbnailInputVideo {
         : input_(std::move(input)), output_(std::move(output)), position_(positionMillis / 1000.0),
           width_(width), height_(height) {}
 
+    /// The same wish for another file.
+    CorvantaSdkVideoThumbnailInputVideo of(CorvantaSdkVideoFile file) const {
+        CorvantaSdkVideoThumbnailInputVideo other = *this;
+        other.input_ = std::move(file);
+        return other;
+    }
+
     const CorvantaSdkVideoFile& input() const { return input_; }
     const CorvantaSdkVideoFileDescriptor& output() const { return output_; }
     /// Seconds.

@@ -36,8 +36,7 @@ class CorvantaSdkVideoEditor {
     ///
     /// Throws `userNotAuthenticated`, `notFoundVideo` or `invalidFile` for the source, `invalidTrimRange`, or
     /// `trimFailed`, whose cause goes to the log. `trimFailed` without a run, and with the output untouched,
-    /// means that a path can't be written into a command (a double quote, a percent escape or a "{trimStart}"
-    /// in it), or that the output is the source itself.
+    /// means that the output is the source itself.
     virtual Task<CorvantaSdkVideoEditorResult> edit(CorvantaSdkVideoEditorInput video) = 0;
 
     /// Writes the frame `interval` seconds before the end of the file as a JPEG file in the documents

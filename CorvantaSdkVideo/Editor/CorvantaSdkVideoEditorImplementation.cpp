@@ -9,12 +9,6 @@
 #include <platform/Cancellation.hpp>
 #include <platform/UUID.hpp>
 
-#include <algorithm>
-#include <array>
-#include <filesystem>
-#include <string>
-#include <string_view>
-#include <system_error>
 #include <utility>
 
 namespace corvanta {
@@ -28,31 +22,6 @@ double durationOf(const URL& url) {
         return AssetReader(url).duration();
     } catch (const std::exception&) {
         throw Error(Error::invalidFile);
-    }
-}
-
-// The command's template is filled in from left to right, so that these would be replaced in the source's
-// path as well.
-bool holdsPlaceholder(std::string_view path) {
-    constexpr auto placeholders = std::to_array<std::string_view>(
-        {"{trimStart}", "{trimEnd}", "{rotationMetadata}", "{volumeCommand}", "{outputFile}"});
-    return std::ranges::any_of(placeholders, [path](std::string_view placeholder) {
-        return path.find(placeholder) != std::string_view::npos;
-    });
-}
-
-// ffmpeg itself notices this only if both are spelled alike; otherwise it empties the source.
-bool isSameFile(const std::string& input, const std::string& output) {
-    std::error_code absent;
-    return std::filesystem::equivalent(input, output, absent);
-}
-
-void requireWritable(const std::string& input, const std::string& output) {
-    if (!isWritableQuoted(input) || holdsPlaceholder(input)) {
-        throw std::system_error(std::make_error_code(std::errc::invalid_argument), input);
-    }
-    if (!isWritableQuoted(output) || isSameFile(input, output)) {
-        throw std::system_error(std::make_error_code(std::errc::invalid_argument), output);
     }
 }
 
@@ -73,12 +42,14 @@ CorvantaSdkVideoEditorImplementation::edit(CorvantaSdkVideoEditorInput video) {
     }
     videoValidator_.validateFileAt(video.videoURL);
     validateTrimRange(video.videoURL, video.startPosition, video.endPosition);
-    FFMPEGCommand command =
-        commandGenerator_.generateEditCommand(video.videoURL, video.startPosition, video.endPosition,
-                                              video.rotationAngle, video.volumen, video.outputURL);
     try {
-        requireWritable(video.videoURL.path(), video.outputURL.path());
+        CommandPaths paths;
+        const URL input = paths.input(video.videoURL, PathForm::quotedInTemplate);
+        const URL output = paths.output(video.outputURL, PathForm::quoted);
+        FFMPEGCommand command = commandGenerator_.generateEditCommand(
+            input, video.startPosition, video.endPosition, video.rotationAngle, video.volumen, output);
         co_await commandExecutor_->executeFFMPEGCommand(std::move(command.script));
+        paths.finish();
     } catch (const std::exception& error) {
         Logger::logError(Event::editVideo, EventMessage::editVideoFailed(error));
         if (isCancellation(error)) {
@@ -100,13 +71,12 @@ Task<URL> CorvantaSdkVideoEditorImplementation::getThumbnailForVideo(URL at, dou
     validateThumbnailPosition(at, interval);
     const URL output = CorvantaSdkVideoUtils::outputURL(uuidString(makeUUID()),
                                                         FileExtension(FileExtension::jpg).rawValue());
-    const std::string outputPath = output.path();
-    if (!isWritableQuoted(at.path()) || !isWritableQuoted(outputPath) || !isPlainImageName(outputPath)) {
-        throw Error(Error::trimFailed);
-    }
-    FFMPEGCommand command =
-        commandGenerator_.generateThumbnailForTrim(at, interval, width, height, outputPath);
     try {
+        CommandPaths paths;
+        const URL video = paths.input(at, PathForm::quoted);
+        const URL image = paths.temporary(output, PathForm::quotedImage);
+        FFMPEGCommand command =
+            commandGenerator_.generateThumbnailForTrim(video, interval, width, height, image.path());
         co_await commandExecutor_->executeFFMPEGCommand(std::move(command.script));
     } catch (const std::exception& error) {
         if (isCancellation(error)) {

@@ -6,9 +6,10 @@
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
 #include <platform/AssetReader.hpp>
-#include <platform/FileManager.hpp>
+#include <platform/Cancellation.hpp>
 
 #include <string>
+#include <system_error>
 #include <utility>
 
 namespace corvanta {
@@ -54,18 +55,24 @@ Task<> CorvantaFileProcessor::mergeVideoWithAudio(URL videoURL, URL audioURL, UR
     if (!AssetReader(audioURL).hasAudioTrack()) {
         throw CorvantaSdkVideoError(CorvantaSdkVideoError::unableToProcessOutput);
     }
-    // Writing over the very video would destroy it.
-    if (FileManager::isSameFile(videoURL.path(), outputURL.path()) || !isWritableQuoted(videoURL.path()) ||
-        !isWritableQuoted(audioURL.path()) || !isWritableQuoted(outputURL.path())) {
-        const PlatformError error("FFMPEGCommand", 1);
+    CommandPaths paths;
+    std::string command;
+    try {
+        const URL video = paths.input(videoURL, PathForm::quoted);
+        const URL audio = paths.input(audioURL, PathForm::quoted);
+        command = exportCommand(format, video, audio, paths.output(outputURL, PathForm::quoted));
+    } catch (const std::system_error& error) {
         Logger::logError(Event::mergeVideoAndAudioFailed, EventMessage::mergeVideoAndAudioFailed(error));
         throw CorvantaSdkVideoError(CorvantaSdkVideoError::unableToProcessOutput);
     }
     CorvantaSdkVideoUtils::deleteFileIfExists(outputURL);
-    std::string command = exportCommand(format, videoURL, audioURL, outputURL);
     try {
         co_await commandExecutor_->executeFFMPEGCommand(std::move(command));
-    } catch (const PlatformError&) {
+        paths.finish();
+    } catch (const std::exception& error) {
+        if (isCancellation(error)) {
+            throw;
+        }
         // Callers learn of a failed export from the file.
     }
 }

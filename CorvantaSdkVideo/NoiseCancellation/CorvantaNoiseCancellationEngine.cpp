@@ -4,7 +4,6 @@
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/NoiseCancellation/CorvantaNoiseProcessor.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
-#include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
 #include <platform/AssetReader.hpp>
 #include <platform/AudioFile.hpp>
@@ -190,11 +189,11 @@ Task<> CorvantaNoiseCancellationEngine::clean(URL input, URL output, std::vector
 
 Task<URL> CorvantaNoiseCancellationEngine::extractAudioForFile(URL at) {
     const URL audio = CorvantaSdkVideoUtils::outputURL(uuidString(makeUUID()), "wav");
-    std::string command = commandGenerator_.generateExtractAudioCommandFor(at, audio);
     try {
-        if (!isWritableQuoted(at.path()) || !isWritableQuoted(audio.path())) {
-            throw Error(Error::unableToProcessInput);
-        }
+        CommandPaths paths;
+        const URL video = paths.input(at, PathForm::quoted);
+        const URL sound = paths.temporary(audio, PathForm::quoted);
+        std::string command = commandGenerator_.generateExtractAudioCommandFor(video, sound);
         co_await commandExecutor_->executeFFMPEGCommand(std::move(command));
     } catch (const std::exception& error) {
         // What a failed extraction has begun to write is of no use to anybody.

@@ -2,7 +2,6 @@
 
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
-#include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
 #include <platform/AssetReader.hpp>
 #include <platform/Cancellation.hpp>
@@ -20,14 +19,6 @@ using Error = CorvantaSdkVideoError;
 bool isValidPosition(double position, const URL& video) {
     const double duration = AssetReader(video).duration();
     return position >= 0 && position < duration;
-}
-
-// The command holds the input as the bare text of its URL, which only a "file" URL may have escapes in. The
-// input itself is no older thumbnail to be replaced.
-bool isWritable(const URL& input, const std::string& outputPath) {
-    const bool bareText = input.isFileURL() || input.absoluteString() == input.path();
-    return bareText && input.path().find('\0') == std::string::npos && isWritableQuoted(outputPath) &&
-           isPlainImageName(outputPath) && !FileManager::isSameFile(input.path(), outputPath);
 }
 
 void removeOlderThumbnail(const std::string& path) {
@@ -80,24 +71,30 @@ Task<CorvantaSdkVideoThumbnailResult> CorvantaSdkVideoThumbnailGeneratorImplemen
     if (!output) {
         throw Error(Error::notFoundVideo);
     }
-    const std::string outputPath = output->path();
-    const bool writable = isWritable(input, outputPath);
-    // What can't succeed doesn't cost an older thumbnail.
-    if (writable) {
-        removeOlderThumbnail(outputPath);
-    }
-    std::string command = commandGenerator_.generateThumbnailGenerationCommandFor(video, *output);
-    try {
-        if (!writable) {
-            throw std::system_error(std::make_error_code(std::errc::invalid_argument), outputPath);
-        }
-        co_await run(commandExecutor_, std::move(command), outputPath);
-    } catch (const std::exception& error) {
+    const auto failed = [&input](const std::exception& error) {
         Logger::logError(Event::createThumbnail, EventMessage::createThumbnailFailed(input, error));
         if (isCancellation(error)) {
             throw;
         }
-        throw Error(Error::thumbnailGenerationFailed);
+        return Error(Error::thumbnailGenerationFailed);
+    };
+    CommandPaths paths;
+    URL written;
+    std::string command;
+    try {
+        const CorvantaSdkVideoFile file(paths.input(input, PathForm::bareURL));
+        written = paths.output(*output, PathForm::quotedImage);
+        command = commandGenerator_.generateThumbnailGenerationCommandFor(video.of(file), written);
+    } catch (const std::system_error& error) {
+        // What can't succeed doesn't cost an older thumbnail.
+        throw failed(error);
+    }
+    removeOlderThumbnail(output->path());
+    try {
+        co_await run(commandExecutor_, std::move(command), written.path());
+        paths.finish();
+    } catch (const std::exception& error) {
+        throw failed(error);
     }
     co_return CorvantaSdkVideoThumbnailResult{*output};
 }

@@ -13,10 +13,9 @@ namespace corvanta {
 /// Changes the set of tracks of one video without encoding what is there. Durations are milliseconds, sizes
 /// pixels. An existing output is replaced.
 ///
-/// Inputs aren't validated: what ffmpeg refuses is thrown as the executor's PlatformError. So is, before
-/// anything runs, a path that a command text can't carry (one with a double quote, or with percent escapes in
-/// its plain form) and an output that is the input itself. Keeps no state between calls; two calls with one
-/// output race for the file. Must outlive its tasks.
+/// Inputs aren't validated: what ffmpeg refuses is thrown as the executor's PlatformError. Before anything
+/// runs, std::system_error is thrown for an output that is the input itself and for a path that names no
+/// file. Keeps no state between calls; two calls with one output race for the file. Must outlive its tasks.
 class TracksManager {
   public:
     explicit TracksManager(std::shared_ptr<FFMPEGCommandExecutor> commandExecutor =

@@ -1,8 +1,8 @@
 #include <CorvantaSdkVideo/Commands/Concat/CorvantaSdkVideoConcatEngine.hpp>
 
-#include <CorvantaSdkVideo/Commands/Concat/ConcatInputLinks.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
 #include <platform/OutputContainer.hpp>
 
 #include <system_error>
@@ -40,7 +40,7 @@ CorvantaSdkVideoConcatEngine::carryOut(std::shared_ptr<CorvantaSdkVideoRequest> 
     auto information = co_await videosInformationGenerator_.generateAssetsMetadata(videos);
     co_await inputValidator_.validateVideosForConcat(videos);
     try {
-        co_await join(request->id, videos, std::move(information), outputURL->path());
+        co_await join(request->id, std::move(information), *outputURL);
     } catch (const std::exception& error) {
         markFailed(request->id, error);
         throw Error(Error::concatFailed);
@@ -49,21 +49,21 @@ CorvantaSdkVideoConcatEngine::carryOut(std::shared_ptr<CorvantaSdkVideoRequest> 
     co_return CorvantaSdkVideoRequestResult{*outputURL};
 }
 
-Task<> CorvantaSdkVideoConcatEngine::join(UUID id, std::vector<URL> videos,
-                                          std::vector<CorvantaSdkVideoInformation> information,
-                                          std::string outputPath) {
-    const ConcatInputLinks links(std::move(information));
-    const URL listURL = CorvantaSdkVideoUtils::outputURL(uuidString(makeUUID()), "txt");
-    const FFMPEGCommand command =
-        commandGenerator_.generateConcatCommandFor(links.inputs(), listURL, outputPath);
-    markProcessing(id);
-    validateOutput(outputPath, videos);
-    // The output's extension is the first input's, whatever that is called; and the command holds the list
-    // file's path as a bare word.
-    if (!isSingleFileOutput(outputPath) || !isBarePath(listURL.path())) {
-        throw std::system_error(std::make_error_code(std::errc::invalid_argument), listURL.path());
+Task<> CorvantaSdkVideoConcatEngine::join(UUID id, std::vector<CorvantaSdkVideoInformation> information,
+                                          URL outputURL) {
+    // The output's extension is the first input's, whatever that is called.
+    if (!isSingleFileOutput(outputURL.path())) {
+        throw std::system_error(std::make_error_code(std::errc::invalid_argument), outputURL.path());
     }
+    CommandPaths paths;
+    const auto inputs = paths.inputs(std::move(information), PathForm::listed);
+    const URL output = paths.output(outputURL, PathForm::quoted);
+    const URL list =
+        paths.temporary(CorvantaSdkVideoUtils::outputURL(uuidString(makeUUID()), "txt"), PathForm::listFile);
+    const FFMPEGCommand command = commandGenerator_.generateConcatCommandFor(inputs, list, output.path());
+    markProcessing(id);
     co_await run(id, command.script);
+    paths.finish();
     for (const std::string& path : command.inputFilesListFilePaths) {
         commandGenerator_.deleteInputFilesListFile(path);
     }

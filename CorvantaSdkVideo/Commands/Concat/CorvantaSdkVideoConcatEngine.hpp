@@ -12,7 +12,7 @@ namespace corvanta {
 
 /// Joins videos of like format by stream copy, through a list file that lies in the documents directory
 /// during the run. After a failure or a cancel the list file and a partial output stay. An input whose path a
-/// list file can't hold (one with a blank or a quote) is read through a symbolic link beside the list file.
+/// list file can't hold (one with a blank or a quote) is read through a symbolic link.
 class CorvantaSdkVideoConcatEngine : public StoredRequestEngine {
   public:
     /// Pixels. Nothing is checked against it: copied streams keep the size that they have.
@@ -30,8 +30,7 @@ class CorvantaSdkVideoConcatEngine : public StoredRequestEngine {
     /// Failures before the run leave the row as it was; a failed run throws `concatFailed`.
     Task<CorvantaSdkVideoRequestResult> carryOut(std::shared_ptr<CorvantaSdkVideoRequest> request) override;
 
-    Task<> join(UUID id, std::vector<URL> videos, std::vector<CorvantaSdkVideoInformation> information,
-                std::string outputPath);
+    Task<> join(UUID id, std::vector<CorvantaSdkVideoInformation> information, URL outputURL);
 
     FFMPEGCommandGenerator commandGenerator_;
     ConcatInputValidator inputValidator_;

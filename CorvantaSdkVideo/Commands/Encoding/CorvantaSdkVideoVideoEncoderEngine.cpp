@@ -3,6 +3,7 @@
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
 
 #include <utility>
 
@@ -68,13 +69,16 @@ CorvantaSdkVideoVideoEncoderEngine::carryOut(std::shared_ptr<CorvantaSdkVideoReq
 Task<> CorvantaSdkVideoVideoEncoderEngine::encode(UUID id, VideoEncodingData data, URL outputURL) {
     std::vector<CorvantaSdkVideoInformation> information;
     information.push_back(co_await commandExecutor().getMediaInformation(data.inputFileURL));
+    CommandPaths paths;
+    const auto inputs = paths.inputs(std::move(information), PathForm::quotedURL);
+    const URL output = paths.output(outputURL, PathForm::quoted);
     FFMPEGCommand command =
-        commandGenerator_.generateCommand(information, data.width, data.height, mergeTracks(data.videoTracks),
-                                          mergeTracks(data.audioTracks), data.framesRate, outputURL.path());
+        commandGenerator_.generateCommand(inputs, data.width, data.height, mergeTracks(data.videoTracks),
+                                          mergeTracks(data.audioTracks), data.framesRate, output.path());
     markProcessing(id);
-    validateOutput(outputURL.path(), {data.inputFileURL});
     CorvantaSdkVideoUtils::deleteFileIfExists(outputURL);
     co_await run(id, std::move(command.script));
+    paths.finish();
 }
 
 } // namespace corvanta

@@ -1,16 +1,12 @@
 #include <CorvantaSdkVideo/Commands/Helpers/StoredRequestEngine.hpp>
 
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
-#include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
 #include <platform/Cancellation.hpp>
-#include <platform/FileManager.hpp>
 
-#include <algorithm>
 #include <atomic>
 #include <charconv>
 #include <exception>
 #include <iostream>
-#include <system_error>
 #include <utility>
 
 namespace corvanta {
@@ -105,14 +101,6 @@ void StoredRequestEngine::updateRequestRequest(const UUID& id, Fields withFields
         store_->updateRequest(id, UpdateRequestData{{withFields.begin(), withFields.end()}});
     } catch (const std::exception& error) {
         std::cout << std::string("Request update failed with error ") + error.what() + '\n' << std::flush;
-    }
-}
-
-void StoredRequestEngine::validateOutput(const std::string& outputPath, const std::vector<URL>& inputs) {
-    const bool isInput = std::ranges::any_of(
-        inputs, [&](const URL& input) { return FileManager::isSameFile(input.path(), outputPath); });
-    if (isInput || !isWritableQuoted(outputPath)) {
-        throw std::system_error(std::make_error_code(std::errc::invalid_argument), outputPath);
     }
 }
 

@@ -38,10 +38,6 @@ class StoredRequestEngine : public CorvantaSdkVideoRequestEngine,
     /// Best effort: a failure is printed, so that it doesn't stop a run.
     void updateRequestRequest(const UUID& id, Fields withFields) const;
 
-    /// Throws std::system_error for an output that is one of the inputs, or whose path no command can hold: a
-    /// run would destroy the one, or write another file.
-    static void validateOutput(const std::string& outputPath, const std::vector<URL>& inputs);
-
     /// Runs a script; the session's id goes to the row as soon as there is one. Throws the executor's error.
     Task<> run(UUID id, std::string script);
 

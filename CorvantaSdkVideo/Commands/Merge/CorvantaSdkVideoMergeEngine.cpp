@@ -2,6 +2,7 @@
 
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
 
 #include <utility>
 
@@ -39,18 +40,13 @@ CorvantaSdkVideoMergeEngine::carryOut(std::shared_ptr<CorvantaSdkVideoRequest> r
     videosValidator_.validateVideosExistence(data.videos, 2);
     validateResolution(data.width);
     validateResolution(data.height);
-    const auto information = co_await videosInformationGenerator_.generateAssetsMetadata(data.videos);
+    auto information = co_await videosInformationGenerator_.generateAssetsMetadata(data.videos);
     const auto outputURL = request->output.url(FileExtension(FileExtension::mp4).rawValue());
     if (!outputURL) {
         throw Error(Error::unableToProcessOutput);
     }
-    const FFMPEGCommand command =
-        commandGenerator_.generateCommand(information, data.width, data.height, data.videoTracks,
-                                          data.audioTracks, data.framesRate, outputURL->path());
-    markProcessing(request->id);
     try {
-        validateOutput(outputURL->path(), data.videos);
-        co_await run(request->id, command.script);
+        co_await merge(request->id, data, std::move(information), *outputURL);
     } catch (const std::exception& error) {
         Logger::logError(Event::mergeRequest, EventMessage::mergeRequestFailed(error));
         markFailed(request->id, error);
@@ -58,6 +54,19 @@ CorvantaSdkVideoMergeEngine::carryOut(std::shared_ptr<CorvantaSdkVideoRequest> r
     }
     markComplete(request->id);
     co_return CorvantaSdkVideoRequestResult{*outputURL};
+}
+
+Task<> CorvantaSdkVideoMergeEngine::merge(UUID id, VideoMergeData data,
+                                          std::vector<CorvantaSdkVideoInformation> information,
+                                          URL outputURL) {
+    CommandPaths paths;
+    const auto inputs = paths.inputs(std::move(information), PathForm::quotedURL);
+    const URL output = paths.output(outputURL, PathForm::quoted);
+    const FFMPEGCommand command = commandGenerator_.generateCommand(
+        inputs, data.width, data.height, data.videoTracks, data.audioTracks, data.framesRate, output.path());
+    markProcessing(id);
+    co_await run(id, command.script);
+    paths.finish();
 }
 
 } // namespace corvanta

@@ -50,15 +50,6 @@ std::string ffmpegFormatted(std::string_view path) {
     return '"' + removingPercentEncoding(path).value_or(std::string(path)) + '"';
 }
 
-bool hasUnwritableCharacter(std::string_view text) {
-    constexpr std::string_view unwritable("\"\0", 2);
-    return text.find_first_of(unwritable) != std::string_view::npos;
-}
-
-bool isQuotable(std::string_view path) {
-    return !hasUnwritableCharacter(path) && removingPercentEncoding(path).value_or(std::string(path)) == path;
-}
-
 std::string ffmpegFormatted(std::int64_t angle) {
     switch (angle) {
     case 90:

@@ -8,15 +8,9 @@
 namespace corvanta {
 
 /// A path between double quotes, its percent escapes decoded if it decodes as a whole. This is all the
-/// escaping that command texts know: a path with a double quote in it, or one that decoding changes, can't be
-/// written.
+/// escaping that command texts know: see `CommandPaths` for a path with a double quote in it, or one that
+/// decoding changes.
 std::string ffmpegFormatted(std::string_view path);
-
-/// Whether a text holds a double quote or a NUL byte, which nothing in a command text can protect.
-bool hasUnwritableCharacter(std::string_view text);
-
-/// Whether `ffmpegFormatted(path)` reaches ffmpeg as that very path.
-bool isQuotable(std::string_view path);
 
 /// The value of the rotate metadata for an angle in degrees. The sense is inverted: 90 gives "270".
 std::string ffmpegFormatted(std::int64_t angle);

@@ -5,8 +5,8 @@
 
 namespace corvanta {
 
-/// A command for ffmpeg. Every path in it went through fixed texts without escaping: a double quote in a path
-/// breaks them, so whoever runs a command checks its paths with `isWritableQuoted` first.
+/// A command for ffmpeg. Every path in it went through fixed texts without escaping: whoever runs a command
+/// has its paths from `CommandPaths`.
 struct FFMPEGCommand {
     /// The command line, without the program's name.
     std::string script;

@@ -2,6 +2,7 @@
 
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/ProbeOutput.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/WrittenOutput.hpp>
 #include <platform/AssetReader.hpp>
@@ -37,15 +38,6 @@ Task<SessionPointer> run(StartSession start) {
                             returnCode ? returnCode->getValue() : ReturnCode::notStarted);
     }
     co_return session;
-}
-
-// Whether ffprobe, given the URL's text between double quotes, opens the file at the URL's path and nothing
-// else.
-bool isProbeable(const URL& url) {
-    const auto written = removingPercentEncoding(url.absoluteString());
-    const std::string path = url.path();
-    return written && (*written == path || *written == "file:" + path || *written == "file://" + path) &&
-           !hasUnwritableCharacter(*written) && !FileManager::isEndless(path);
 }
 
 // In place of the 0 that ffmpeg returned.
@@ -124,13 +116,15 @@ Task<ExecutionResult> FFMPEGCommandExecutorImplementation::executeFFMPEGProbeCom
 }
 
 Task<CorvantaSdkVideoInformation> FFMPEGCommandExecutorImplementation::getMediaInformation(URL url) {
-    if (!isProbeable(url)) {
-        throw CorvantaSdkVideoError(CorvantaSdkVideoError::getInformationFailed);
-    }
-    std::string arguments = "-i " + ffmpegFormatted(url.absoluteString()) +
-                            " -v quiet -print_format json -show_format -show_streams -hide_banner";
+    CommandPaths paths;
     std::optional<ExecutionResult> result;
     try {
+        const URL file = paths.input(url, PathForm::quotedURL);
+        if (FileManager::isEndless(url.path())) {
+            throw CorvantaSdkVideoError(CorvantaSdkVideoError::getInformationFailed);
+        }
+        std::string arguments = "-i " + ffmpegFormatted(file.absoluteString()) +
+                                " -v quiet -print_format json -show_format -show_streams -hide_banner";
         result = co_await executeFFMPEGProbeCommand(std::move(arguments));
     } catch (const std::exception& error) {
         if (isCancellation(error)) {

@@ -110,12 +110,9 @@ std::vector<Situation> situations() {
          refused("FAILED"),
          {"unableToProcessOutput", "idle -", "PROBES"},
          unplaced},
-        {"a place that a command can't name",
-         [](Scene& scene) { scene.location += " \"quoted\""; },
-         {"FAILED", "error -", "PROBES, processing -pid, error -pid"}},
         {"a place that is an input",
          [](Scene& scene) { scene.location = scene.folders.file("a"); },
-         {"FAILED", "error -", "PROBES, processing -pid, error -pid"}},
+         {"FAILED", "error -", "PROBES, error -pid"}},
         {"one input", [](Scene& scene) { scene.videos.pop_back(); }, notEnough, notEnough, done},
         {"an input that is not there, and too small a size",
          [](Scene& scene) {

@@ -106,19 +106,6 @@ TEST_F(ThumbnailTest, OlderThumbnailsAndTheCommand) {
     EXPECT_TRUE(std::filesystem::exists(directory_.path() / "full.jpg" / "below"));
 }
 
-TEST_F(ThumbnailTest, AnOutputThatIsTheInputCostsNothing) {
-    const std::string clip = makeClip({});
-    const std::string picture = directory_.file("picture.jpg");
-    runTool("ffmpeg", {"-v", "error", "-i", clip, "-vframes", "1", picture});
-    const std::string contents = readFile(picture);
-    std::filesystem::create_symlink(picture, directory_.path() / "link.jpg");
-    for (const char* name : {"picture", "link"}) {
-        EXPECT_EQ(generate(picture, directory_.file(name), 0), "thumbnailGenerationFailed");
-        EXPECT_EQ(readFile(directory_.file("link.jpg")), contents);
-    }
-    EXPECT_THAT(executor_->scripts, IsEmpty());
-}
-
 TEST(RealThumbnailTest, FramesOfRealClips) {
     const RecordedLog log;
     FFmpegKitConfig::setLogLevel("quiet");

@@ -122,58 +122,5 @@ TEST_F(TracksManagerTest, PassesOnWhatFFmpegRefusesAndLeavesTheTemporaryFile) {
     EXPECT_EQ(errorOf(manager_.removeAudioTrack(clip, output)), "FAILED error 127");
 }
 
-TEST_F(TracksManagerTest, RefusesPathsThatACommandCannotCarry) {
-    const std::string clip = makeClip({});
-    const std::string plain = file("a b.mp4");
-    writeFile(plain, "kept");
-    const std::string notStarted = "FAILED error 127";
-    const auto expectRefused = [&](const URL& input, const URL& output) {
-        SCOPED_TRACE(input.absoluteString() + " to " + output.absoluteString());
-        EXPECT_EQ(errorOf(manager_.addVideoTrack(input, output, 500, 64, 64)), notStarted);
-        EXPECT_EQ(errorOf(manager_.addAudioTrack(input, output, 500)), notStarted);
-        EXPECT_EQ(errorOf(manager_.removeVideoTrack(input, output)), notStarted);
-    };
-    const URL good = fileURL(file("good.mp4"));
-    const std::vector<URL> unwritable = {
-        fileURL(file("a%20b.mp4")),
-        fileURL(file("\" -y x.mp4")),
-        fileURL(file(std::string("a b.mp4\0x", 9))),
-        *URL::parse("-hide_banner"),
-        *URL::parse("file:pipe:1"),
-    };
-    for (const URL& url : unwritable) {
-        expectRefused(url, good);
-        expectRefused(fileURL(clip), url);
-    }
-    for (const URL& url : {unwritable[2], unwritable[3], unwritable[4], *URL::parse("a b.mp4"),
-                           *URL::parse("http://host/tmp/a.mp4")}) {
-        SCOPED_TRACE(url.absoluteString());
-        EXPECT_EQ(errorOf(manager_.removeAudioTrack(url, good)), notStarted);
-        EXPECT_EQ(errorOf(manager_.removeAudioTrack(fileURL(clip), url)), notStarted);
-    }
-    // ffmpeg would not know its input again under a second name.
-    const std::string input = file("input.mp4");
-    std::filesystem::copy_file(clip, input);
-    std::filesystem::create_hard_link(input, file("hard.mp4"));
-    std::filesystem::create_symlink(input, file("soft.mp4"));
-    for (const char* name : {"input.mp4", "hard.mp4", "soft.mp4", "./input.mp4"}) {
-        SCOPED_TRACE(name);
-        const URL again = fileURL(file(name));
-        expectRefused(fileURL(input), again);
-        EXPECT_EQ(errorOf(manager_.removeAudioTrack(fileURL(input), again)), notStarted);
-    }
-    EXPECT_EQ(readFile(input), readFile(clip));
-    EXPECT_THAT(temporaryFiles(), IsEmpty());
-
-    // As the text of a URL every name but one with a NUL can be carried.
-    for (const std::string name : {"a%20b.mp4", "\" -y 'x\\.mp4", "gr\xc3\xbc\xc3\x9f \xff e.mp4"}) {
-        SCOPED_TRACE(name);
-        std::filesystem::copy_file(clip, file(name));
-        runBlocking(manager_.removeAudioTrack(fileURL(file(name)), fileURL(file("o" + name))));
-        EXPECT_TRUE(std::filesystem::exists(file("o" + name)));
-    }
-    EXPECT_EQ(readFile(plain), "kept");
-}
-
 } // namespace
 } // namespace corvanta
