@@ -22,8 +22,9 @@
 namespace corvanta {
 
 /// What the module offers to its host. Safe from any thread. Every operation that can fail throws
-/// CorvantaSdkVideoError, `userNotAuthenticated` first of all, unless it says otherwise. An output
-/// that is one of its inputs, under whatever name, fails with the operation's own error.
+/// CorvantaSdkVideoError, `userNotAuthenticated` first of all, unless it says otherwise; one that is stopped
+/// by Asio's cancellation, Asio's `operation_aborted`. An output that is one of its inputs, under whatever
+/// name, fails with the operation's own error.
 class CorvantaSdkVideoInterface {
   public:
     virtual ~CorvantaSdkVideoInterface() = default;

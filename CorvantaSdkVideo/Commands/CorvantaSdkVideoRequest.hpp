@@ -61,11 +61,16 @@ class CorvantaSdkVideoRequest : public std::enable_shared_from_this<CorvantaSdkV
     /// request isn't stored, `operationStillsInProgress` if another object runs it,
     /// `operationAlreadyCompleted` if one has run it, the checks' errors, or `concatFailed`, `mergeFailed`,
     /// `encodingFailed`.
+    ///
+    /// Asio's cancellation, or a stop token's, stops it in any phase and leaves the stored request
+    /// `cancelled`: it throws what a failed run throws if ffmpeg ran, else Asio's `operation_aborted`. A run
+    /// whose event loop is destroyed is stopped and `cancelled` as well.
     Task<Result> process();
 
     /// Stops a run of this request, started from whatever object of the same id, also in another process,
     /// which ends its run as soon as it sees the change in the store. Throws `operationNotFound` if there is
-    /// no running command, `operationMustBeProcessingToBeCancelled` for a row left over by a dead process.
+    /// no running command, as during the checks before it, `operationMustBeProcessingToBeCancelled` for a row
+    /// left over by a dead process.
     void cancel();
 
   private:
