@@ -1,6 +1,6 @@
 #pragma once
 
-#include <CorvantaSdkVideo/CorvantaSdkVideo.hpp>
+#include <CorvantaSdkVideo/Commands/CorvantaSdkVideoMergeTracks.hpp>
 
 #include <string>
 
