@@ -1,5 +1,6 @@
 #include <platform/ChildProcess.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -10,7 +11,9 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/mman.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -57,6 +60,25 @@ Pipe makePipe() {
     return made;
 }
 
+FileDescriptor inputOf(const std::string& bytes) {
+    if (bytes.empty()) {
+        return checked(open("/dev/null", O_RDONLY | O_CLOEXEC), "/dev/null");
+    }
+    // In memory, whole before the program starts: nobody has to feed it, and nothing stays behind.
+    FileDescriptor input = checked(memfd_create("input", MFD_CLOEXEC), "memfd_create");
+    for (std::size_t written = 0; written < bytes.size();) {
+        const ssize_t count = write(input.get(), bytes.data() + written, bytes.size() - written);
+        if (count < 0 && errno != EINTR) {
+            fail(errno, "write");
+        }
+        written += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+    }
+    if (lseek(input.get(), 0, SEEK_SET) != 0) {
+        fail(errno, "lseek");
+    }
+    return input;
+}
+
 bool isProgram(const std::string& path) {
     struct stat status {};
     return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && access(path.c_str(), X_OK) == 0;
@@ -77,9 +99,33 @@ std::string findProgram(const std::string& program) {
     fail(ENOENT, program);
 }
 
+// Every input is a descriptor; the soft limit is for programs that call select, which these don't.
+void allowManyDescriptors() {
+    rlimit descriptors{};
+    if (getrlimit(RLIMIT_NOFILE, &descriptors) == 0) {
+        descriptors.rlim_cur = descriptors.rlim_max;
+        setrlimit(RLIMIT_NOFILE, &descriptors);
+    }
+}
+
+// Only down: a host's own limit holds, and what it could raise the child may not.
+bool lower(__rlimit_resource resource, const std::optional<std::uint64_t>& bytes) {
+    rlimit now{};
+    if (!bytes) {
+        return true;
+    }
+    if (getrlimit(resource, &now) != 0) {
+        return false;
+    }
+    const rlim_t limit = std::min<rlim_t>(*bytes, now.rlim_max);
+    const rlimit lowered{std::min(limit, now.rlim_cur), limit};
+    return setrlimit(resource, &lowered) == 0;
+}
+
 // Runs in the child, which may share the parent's memory: system calls only.
 [[noreturn]] void becomeProgram(const char* program, char* const* arguments,
-                                const std::array<int, 5>& descriptors, pid_t parent) {
+                                const std::array<int, 5>& descriptors, const RunLimits& limits,
+                                pid_t parent) {
     setpgid(0, 0);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != parent) {
@@ -95,8 +141,14 @@ std::string findProgram(const std::string& program) {
     for (int signal = 1; signal < NSIG; ++signal) {
         struct sigaction byDefault {};
         byDefault.sa_handler = SIG_DFL;
+        // Killed at its limit the program could neither tell the reason nor close the file.
+        if (signal == SIGXFSZ && limits.fileSize) {
+            byDefault.sa_handler = SIG_IGN;
+        }
         sigaction(signal, &byDefault, nullptr);
     }
+    allowManyDescriptors();
+    ready = ready && lower(RLIMIT_AS, limits.memory) && lower(RLIMIT_FSIZE, limits.fileSize);
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
@@ -122,7 +174,8 @@ int startError(const FileDescriptor& source) {
 
 } // namespace
 
-ChildProcess::ChildProcess(const std::string& program, const std::vector<std::string>& arguments) {
+ChildProcess::ChildProcess(const std::string& program, const std::vector<std::string>& arguments,
+                           const Options& options) {
     const std::string path = findProgram(program);
     std::vector<char*> argv{const_cast<char*>(program.c_str())};
     for (const std::string& argument : arguments) {
@@ -133,7 +186,7 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
     }
     argv.push_back(nullptr);
 
-    const FileDescriptor input = aboveTargets(checked(open("/dev/null", O_RDONLY | O_CLOEXEC), "/dev/null"));
+    const FileDescriptor input = aboveTargets(inputOf(options.input));
     Pipe output = makePipe();
     Pipe log = makePipe();
     Pipe statistics = makePipe();
@@ -145,7 +198,7 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
     const pid_t parent = getpid();
     const pid_t child = vfork();
     if (child == 0) {
-        becomeProgram(path.c_str(), argv.data(), descriptors, parent);
+        becomeProgram(path.c_str(), argv.data(), descriptors, options.limits, parent);
     }
     if (child < 0) {
         fail(errno, "vfork");

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <platform/FileDescriptor.hpp>
+#include <platform/RunLimits.hpp>
 
 #include <string>
 #include <vector>
@@ -14,10 +15,17 @@ namespace corvanta {
 /// The caller drains the three read ends and, once `exited` is readable, calls `reap`. One thread at a time.
 class ChildProcess {
   public:
-    /// Starts `program` (a path, or a name looked up in PATH) with `arguments` behind it. Its standard input
-    /// is empty; standard output, standard error and descriptor 3 are pipes to here. Throws std::system_error
-    /// if it can't.
-    ChildProcess(const std::string& program, const std::vector<std::string>& arguments);
+    struct Options {
+        /// What its standard input holds.
+        std::string input;
+        /// Its memory and the files that it writes; never more than the host's own.
+        RunLimits limits;
+    };
+
+    /// Starts `program` (a path, or a name looked up in PATH) with `arguments` behind it. Standard output,
+    /// standard error and descriptor 3 are pipes to here. Throws std::system_error if it can't.
+    ChildProcess(const std::string& program, const std::vector<std::string>& arguments,
+                 const Options& options);
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
     /// Kills the group and waits, if the child was not reaped.

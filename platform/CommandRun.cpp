@@ -2,10 +2,13 @@
 
 #include <boost/asio/post.hpp>
 
+#include <algorithm>
 #include <charconv>
 #include <chrono>
+#include <cmath>
 #include <csignal>
 #include <system_error>
+#include <utility>
 
 namespace corvanta {
 
@@ -55,7 +58,7 @@ void readNumber(std::string_view text, Number& number) {
 CommandRun::CommandRun(asio::io_context& context, std::shared_ptr<Session> session, CommandPlan plan,
                        Line line)
     : strand_(asio::make_strand(context)), session_(std::move(session)), plan_(std::move(plan)),
-      line_(std::move(line)), killTimer_(strand_), drainTimer_(strand_) {
+      line_(std::move(line)), killTimer_(strand_), drainTimer_(strand_), stallTimer_(strand_) {
     statistics_.sessionId = session_->getSessionId();
 }
 
@@ -74,8 +77,13 @@ void CommandRun::spawn() {
         end(SessionState::completed, ReturnCode::cancelled);
         return;
     }
+    ChildProcess::Options options{.input = plan_.input, .limits = plan_.limits};
+    if (options.limits.memory) {
+        const auto inputs = std::ranges::count(plan_.arguments, "-i");
+        options.limits.memory = addressSpaceFor(*options.limits.memory, static_cast<std::size_t>(inputs));
+    }
     try {
-        child_ = std::make_unique<ChildProcess>(plan_.program, plan_.arguments);
+        child_ = std::make_unique<ChildProcess>(plan_.program, plan_.arguments, options);
     } catch (const std::system_error& error) {
         if (isShortage(error.code()) && line_.putBack()) {
             return;
@@ -94,11 +102,13 @@ void CommandRun::spawn() {
     drain(child_->standardOutput, [this](std::string_view bytes) {
         if (plan_.keepOutput) {
             output_ += bytes.substr(0, Session::outputLimit - output_.size());
+            watchGrowth();
         }
     });
     drain(child_->standardError, [this](std::string_view bytes) { consumeLog(bytes); });
     drain(child_->progress, [this](std::string_view bytes) { consumeProgress(bytes); });
     waitForExit();
+    watchGrowth();
 }
 
 void CommandRun::drain(FileDescriptor& source, Consumer consumer) {
@@ -127,6 +137,7 @@ void CommandRun::waitForExit() {
     exited_->async_wait(Descriptor::wait_read, [self = shared_from_this()](const boost::system::error_code&) {
         self->exitStatus_ = self->child_->reap();
         self->killTimer_.cancel();
+        self->stallTimer_.cancel();
         self->drainTimer_.expires_after(drainAfterExit);
         self->drainTimer_.async_wait([self](const boost::system::error_code& error) {
             if (!error) {
@@ -143,7 +154,7 @@ void CommandRun::waitForExit() {
 
 // One SIGTERM lets ffmpeg close its file; a second one would make it give up at once.
 void CommandRun::terminate() {
-    if (child_ == nullptr || exitStatus_) {
+    if (child_ == nullptr || exitStatus_ || std::exchange(terminating_, true)) {
         return;
     }
     child_->signalGroup(SIGTERM);
@@ -155,11 +166,33 @@ void CommandRun::terminate() {
     });
 }
 
+// Waits anew for the output to stand still.
+void CommandRun::watchGrowth() {
+    if (!plan_.limits.stall || exitStatus_) {
+        return;
+    }
+    stallTimer_.expires_after(*plan_.limits.stall);
+    stallTimer_.async_wait([self = shared_from_this()](const boost::system::error_code& error) {
+        if (error || self->exitStatus_ || self->cancelled_ ||
+            self->stallTimer_.expiry() > std::chrono::steady_clock::now()) {
+            return;
+        }
+        self->stalled_ = true;
+        const auto seconds = std::chrono::duration<double>(*self->plan_.limits.stall).count();
+        if (self->plan_.onLog) {
+            self->plan_.onLog(
+                Log(self->session_->getSessionId(), "Stopped, since the output has not grown for " +
+                                                        std::to_string(std::llround(seconds)) + " s"));
+        }
+        self->terminate();
+    });
+}
+
 void CommandRun::endIfDone() {
     if (exitStatus_ && openDrains_ == 0) {
         drainTimer_.cancel();
         consumeLog("\n");
-        end(SessionState::completed, *exitStatus_);
+        end(SessionState::completed, stalled_ ? ReturnCode::stalled : *exitStatus_);
     }
 }
 
@@ -202,8 +235,19 @@ void CommandRun::consumeProgress(std::string_view bytes) {
             statistics_.timeMillis = microseconds / 1000;
         } else if (key == "speed") {
             readNumber(value, statistics_.speed);
-        } else if (key == "progress" && plan_.onStatistics) {
-            plan_.onStatistics(statistics_);
+        } else if (key == "total_size") {
+            readNumber(value, outputBytes_);
+        } else if (key == "progress") {
+            const std::array now{outputBytes_, statistics_.frame, statistics_.timeMillis};
+            for (std::size_t index = 0; index < now.size(); ++index) {
+                if (now[index] > grown_[index]) {
+                    grown_[index] = now[index];
+                    watchGrowth();
+                }
+            }
+            if (plan_.onStatistics) {
+                plan_.onStatistics(statistics_);
+            }
         }
     });
 }

@@ -22,6 +22,9 @@ namespace corvanta {
 struct CommandPlan {
     std::string program;
     std::vector<std::string> arguments;
+    /// What the program reads from its standard input.
+    std::string input;
+    RunLimits limits;
     bool keepOutput = false;
     CompleteCallback onComplete;
     LogCallback onLog;
@@ -62,6 +65,7 @@ class CommandRun : public std::enable_shared_from_this<CommandRun> {
     void readMore(const std::shared_ptr<Drain>& drain);
     void waitForExit();
     void terminate();
+    void watchGrowth();
     void endIfDone();
     void end(SessionState state, int returnCode);
 
@@ -78,6 +82,9 @@ class CommandRun : public std::enable_shared_from_this<CommandRun> {
     std::optional<Descriptor> exited_;
     boost::asio::steady_timer killTimer_;
     boost::asio::steady_timer drainTimer_;
+    boost::asio::steady_timer stallTimer_;
+    bool stalled_ = false;
+    bool terminating_ = false;
     std::vector<std::weak_ptr<Drain>> drains_;
     std::size_t openDrains_ = 0;
     std::optional<int> exitStatus_;
@@ -86,6 +93,9 @@ class CommandRun : public std::enable_shared_from_this<CommandRun> {
     std::string logLine_;
     std::string progressLine_;
     Statistics statistics_;
+    std::int64_t outputBytes_ = 0;
+    // The most of bytes, frames and time that the output has had.
+    std::array<std::int64_t, 3> grown_{};
 };
 
 } // namespace corvanta

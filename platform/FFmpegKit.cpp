@@ -3,9 +3,12 @@
 #include <platform/CommandWords.hpp>
 #include <platform/MediaOpening.hpp>
 #include <platform/NeverDestroyed.hpp>
+#include <platform/SeekNearFrame.hpp>
 #include <platform/SessionRunner.hpp>
 
+#include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 namespace corvanta {
 
@@ -13,6 +16,7 @@ namespace {
 
 struct Settings {
     std::mutex mutex;
+    RunLimits limits;
     std::optional<std::string> logLevel;
     LogCallback onLog;
     StatisticsCallback onStatistics;
@@ -26,6 +30,18 @@ Settings& settings() {
 std::string programFor(const char* variable, const char* name) {
     const char* chosen = std::getenv(variable);
     return chosen != nullptr && *chosen != '\0' ? chosen : name;
+}
+
+// The kernel takes no argument of 128 KiB or more, which the graph of a merge of many files can be: it is
+// handed over as the standard input.
+void moveLongGraphToInput(CommandPlan& plan) {
+    constexpr std::size_t tooLong = std::size_t{128} << 10U;
+    const auto option = std::ranges::find(plan.arguments, "-filter_complex");
+    if (option == plan.arguments.end() || option + 1 == plan.arguments.end() || option[1].size() < tooLong) {
+        return;
+    }
+    option[0] = "-filter_complex_script";
+    plan.input = std::exchange(option[1], "pipe:0");
 }
 
 template <typename Value>
@@ -68,16 +84,18 @@ std::shared_ptr<Session> FFmpegKit::executeAsync(const std::string& command, Com
         const std::lock_guard lock(shared.mutex);
         plan.onLog = both(std::move(onLog), shared.onLog);
         plan.onStatistics = both(std::move(onStatistics), shared.onStatistics);
+        plan.limits = shared.limits;
         if (shared.logLevel) {
             plan.arguments.insert(plan.arguments.end(), {"-loglevel", *shared.logLevel});
         }
     }
-    if (plan.onStatistics) {
+    if (plan.onStatistics || plan.limits.stall) {
         plan.arguments.insert(plan.arguments.end(), {"-nostats", "-progress", "pipe:3"});
     }
-    for (std::string& word : withOpeningLimits(splitCommand(command))) {
+    for (std::string& word : withOpeningLimits(withSeekNearFrame(splitCommand(command)))) {
         plan.arguments.push_back(std::move(word));
     }
+    moveLongGraphToInput(plan);
     return SessionRunner::shared().run(SessionRunner::Program::ffmpeg, std::move(plan));
 }
 
@@ -90,6 +108,10 @@ std::shared_ptr<Session> FFprobeKit::executeAsync(const std::string& command, Co
     plan.program = programFor("CORVANTA_FFPROBE", "ffprobe");
     plan.arguments = withOpeningLimits(splitCommand(command));
     plan.keepOutput = true;
+    {
+        const std::lock_guard lock(settings().mutex);
+        plan.limits = settings().limits;
+    }
     plan.onComplete = std::move(onComplete);
     return SessionRunner::shared().run(SessionRunner::Program::ffprobe, std::move(plan));
 }
@@ -111,6 +133,11 @@ std::optional<std::string> FFmpegKitConfig::sessionStateToString(SessionState st
 void FFmpegKitConfig::setMaximumRuns(std::size_t ffmpeg, std::size_t ffprobe) {
     SessionRunner::shared().setLimit(SessionRunner::Program::ffmpeg, ffmpeg);
     SessionRunner::shared().setLimit(SessionRunner::Program::ffprobe, ffprobe);
+}
+
+void FFmpegKitConfig::setRunLimits(const RunLimits& limits) {
+    const std::lock_guard lock(settings().mutex);
+    settings().limits = limits;
 }
 
 void FFmpegKitConfig::setLogLevel(std::optional<std::string> level) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <platform/RunLimits.hpp>
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -35,6 +37,8 @@ class ReturnCode {
     static constexpr std::int32_t cancelled = 255;
     /// What a session ends with whose program could not be started.
     static constexpr std::int32_t notStarted = 127;
+    /// What a run ends with that was stopped because its output did not grow (RunLimits::stall).
+    static constexpr std::int32_t stalled = 124;
 
     explicit ReturnCode(std::int32_t value) : value_(value) {}
 
@@ -136,6 +140,9 @@ class FFmpegKitConfig {
     /// sessions wait in line, `created`, and start in order; a cancelled one leaves the line at once. Counts
     /// also for those that wait.
     static void setMaximumRuns(std::size_t ffmpeg, std::size_t ffprobe);
+
+    /// What each run may take; at first there is no limit. See recommendedRunLimits().
+    static void setRunLimits(const RunLimits& limits);
 
     /// One of ffmpeg's names ("quiet", "error", "warning", "info", "debug"); absent leaves ffmpeg's own
     /// default.

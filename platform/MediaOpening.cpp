@@ -125,6 +125,18 @@ void OpenMedia::analyse() {
     }
 }
 
+bool OpenMedia::seek(std::int64_t seconds) {
+    const std::int64_t start = format_->start_time == AV_NOPTS_VALUE ? 0 : format_->start_time;
+    std::int64_t time = 0;
+    if (__builtin_mul_overflow(seconds, std::int64_t{AV_TIME_BASE}, &time) ||
+        __builtin_add_overflow(time, start, &time)) {
+        return false;
+    }
+    reading_ = false;
+    restartClock();
+    return avformat_seek_file(format_.get(), -1, INT64_MIN, time, time, 0) >= 0;
+}
+
 bool OpenMedia::read(AVPacket& packet) {
     if (!std::exchange(reading_, true)) {
         restartClock();

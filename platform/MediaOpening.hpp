@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <stop_token>
 #include <string>
@@ -25,9 +26,10 @@ constexpr bool isPossibleDuration(double seconds) {
 /// The containers that the file at `path` may be, as ffmpeg's option "format_whitelist" takes them.
 std::string allowedContainers(std::string_view path);
 
-/// The arguments of an ffmpeg or ffprobe run with the limits of opening before each "-i". An input whose
-/// container the command names itself keeps that one: "-f lavfi" reads no file, and "-f concat" reads a list
-/// of the caller's own, whose files are limited in their turn (nested lists are not: probe the files first).
+/// The arguments of an ffmpeg or ffprobe run with the limits of opening before each "-i". Two more containers
+/// are allowed where the command names them: "-f lavfi", which reads no file, and "-f concat", a list of the
+/// caller's own. The list's files are limited in their turn, but could be such lists themselves: probe them
+/// before.
 std::vector<std::string> withOpeningLimits(std::vector<std::string> arguments);
 
 /// A file that is open for reading in process. One thread at a time.
@@ -53,6 +55,10 @@ class OpenMedia {
 
     /// Reads some packets, for what the header doesn't tell; does so once. Throws PlatformError.
     void analyse();
+
+    /// Goes on at the last place at or before `seconds` after the file's start at which decoding can begin.
+    /// False if there is no way to it, or time is up.
+    bool seek(std::int64_t seconds);
 
     /// The next packet; false at the end. Throws PlatformError when time is up.
     bool read(AVPacket& packet);

@@ -95,6 +95,8 @@ int main(int argumentCount, char** arguments) {
         return fail("There is no file " + files[0].toStdString());
     }
     FFmpegKitConfig::setLogLevel("error");
+    // Files come from anywhere.
+    FFmpegKitConfig::setRunLimits(recommendedRunLimits());
     SharedCorvantaSdkCommonKt::sdk_common().setLog(std::make_shared<ErrorLog>());
     SharedCorvantaSdkCommonKt::sdk_common().setAuth(
         std::make_shared<SharedCorvantaSdkFixedAuth>(!parser.isSet(loggedOut)));

@@ -33,6 +33,8 @@ int main(int argumentCount, char** arguments) {
         return app.exit(error) == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
     }
 
+    // Files come from anywhere.
+    FFmpegKitConfig::setRunLimits(recommendedRunLimits());
     SharedCorvantaSdkCommonKt::sdk_common().setAuth(std::make_shared<SharedCorvantaSdkFixedAuth>(!loggedOut));
     Console console(options);
     try {

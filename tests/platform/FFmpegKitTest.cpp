@@ -90,6 +90,77 @@ TEST(FFmpegKitTest, ChildrenGetAnEmptyInputTheirOwnGroupAndNothingOfTheHosts) {
                             "SigBlk:\t0000000000000000\nSigIgn:\t0000000000000000\nno descriptor\n");
 }
 
+TEST(FFmpegKitTest, LimitsOfARun) {
+    constexpr std::uint64_t megabyte = 1U << 20U;
+    const TemporaryDirectory directory;
+    const std::string output = directory.file("out.avi");
+    FFmpegKitConfig::setRunLimits({.memory = 2048 * megabyte, .fileSize = megabyte});
+    const SessionProbe large("-f lavfi -i testsrc2=duration=5 -c:v rawvideo \"" + output + '"');
+    EXPECT_EQ(large.wait(), 1);
+    EXPECT_THAT(large.lines(), testing::Contains(testing::HasSubstr("File too large")));
+    EXPECT_EQ(std::filesystem::file_size(output), megabyte);
+    {
+        const FakeProgram fake(ffprobeVariable, "ulimit -v");
+        const SessionProbe run("-i a -i b", Tool::ffprobe);
+        ASSERT_EQ(run.wait(), 0);
+        EXPECT_EQ(run.output(), std::to_string(addressSpaceFor(2048 * megabyte, 2) / 1024) + '\n');
+    }
+    FFmpegKitConfig::setRunLimits({.memory = 64 * megabyte});
+    EXPECT_NE(SessionProbe("-f lavfi -i testsrc2=duration=5 -f null -").wait(), 0);
+
+    FFmpegKitConfig::setRunLimits({.stall = std::chrono::seconds(2)});
+    for (const auto& [step, returnCode] : {std::pair(1, 0), {0, ReturnCode::stalled}}) {
+        const FakeProgram fake(ffmpegVariable,
+                               "n=1; i=0; while [ $i != 60 ]; do i=$((i+1)); n=$((n+" + std::to_string(step) +
+                                   ")); sleep 0.05\n"
+                                   "printf \"total_size=$n\\nprogress=continue\\n\" >&3; done\n");
+        const SessionProbe run("");
+        EXPECT_EQ(run.wait(), returnCode);
+        EXPECT_EQ(run.lines().empty(), returnCode == 0);
+    }
+    const FakeProgram silent(ffprobeVariable, "exec sleep 600");
+    EXPECT_EQ(SessionProbe("", Tool::ffprobe).wait(), ReturnCode::stalled);
+    FFmpegKitConfig::setRunLimits({});
+}
+
+TEST(FFmpegKitTest, LateFramesAreThoseThatWouldBeDecodedUpTo) {
+    const TemporaryDirectory directory;
+    const std::string openGroups = "-c:v libx264 -preset ultrafast -bf 3 -b_strategy 0 "
+                                   "-x264-params open-gop=1:keyint=100:scenecut=0 -pix_fmt yuv420p";
+    for (const auto& [container, codecs] :
+         {std::pair("mp4", openGroups),
+          {"mkv", openGroups + " -output_ts_offset 7.3"},
+          {"mov", openGroups + " -ss 1.3"},
+          {"mp4", "-vf select='gt(random(1),0.4)' -vsync vfr -c:v mpeg4 -g 90 -bf 2 -output_ts_offset 3.1"},
+          {"ts", openGroups}}) {
+        const std::string clip =
+            makeClip({.seconds = 14, .sounds = {}, .container = container, .codecs = codecs});
+        for (const std::string position : {"7.96", "8.0", "11.333"}) {
+            const std::string taken = directory.file("taken.jpg");
+            const std::string expected = directory.file("expected.jpg");
+            ASSERT_EQ(SessionProbe("-i \"" + clip + "\" -ss " + position + " -vframes 1 -y \"" + taken + '"')
+                          .wait(),
+                      0);
+            runTool("ffmpeg", {"-i", clip, "-ss", position, "-vframes", "1", "-y", expected});
+            EXPECT_TRUE(readFile(taken) == readFile(expected)) << clip << " " << position;
+        }
+    }
+    const FakeProgram fake(ffmpegVariable, "echo \"$3 $4\" >&2; shift 10; echo \"$*\" >&2");
+    const SessionProbe run("-i " + makeClip({.seconds = 14}) + " -ss 11.333 -vframes 1 out.jpg");
+    ASSERT_EQ(run.wait(), 0);
+    EXPECT_THAT(run.lines(), ElementsAre("-ss 9", "-ss 2.333 -vframes 1 out.jpg"));
+}
+
+TEST(FFmpegKitTest, GraphsTooLongForAnArgumentComeAsInput) {
+    const FakeProgram fake(ffmpegVariable, "echo \"$3 $4 $5\" >&2; wc -c >&2");
+    for (const auto& [length, lines] : {std::pair(131071, std::vector<std::string>{"0"}),
+                                        {131072, {"-filter_complex_script pipe:0 end", "131072"}}}) {
+        const SessionProbe run("-filter_complex " + std::string(length, 'x') + " end");
+        ASSERT_EQ(run.wait(), 0);
+        EXPECT_THAT(run.lines(), testing::IsSupersetOf(lines));
+    }
+}
+
 TEST(FFmpegKitTest, LinesOfTheLog) {
     const FakeProgram fake(ffmpegVariable, "printf 'one\\ntwo\\rthree\\n\\n\\r\\nfour' >&2\necho out\n"
                                            "head -c 200000 /dev/zero | tr '\\0' x >&2\n");
