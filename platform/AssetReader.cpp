@@ -3,6 +3,7 @@
 #include <platform/Errors.hpp>
 #include <platform/MediaOpening.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <span>
@@ -22,6 +23,8 @@ PlatformError failure(int code) { return {"AssetReader", code}; }
 struct FreePacket {
     void operator()(AVPacket* packet) const { av_packet_free(&packet); }
 };
+
+bool isCover(const AVStream& stream) { return (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0; }
 
 const AVStream* chosenSound(const AVFormatContext& format) {
     const auto rank = [](const AVStream& track) {
@@ -55,13 +58,14 @@ struct AssetReader::Context {
 
     AVFormatContext& format() const { return media.format(); }
 
+    std::span<AVStream* const> streams() const { return {format().streams, format().nb_streams}; }
+
+    // A cover is no track.
     const AVStream* firstTrack(AVMediaType type) const {
-        for (const AVStream* track : std::span(format().streams, format().nb_streams)) {
-            if (track->codecpar->codec_type == type) {
-                return track;
-            }
-        }
-        return nullptr;
+        const auto found = std::ranges::find_if(streams(), [type](const AVStream* stream) {
+            return stream->codecpar->codec_type == type && !isCover(*stream);
+        });
+        return found != streams().end() ? *found : nullptr;
     }
 
     // Most containers tell what is wanted in their header; the others need some packets read.
@@ -117,10 +121,13 @@ std::optional<AffineTransform> AssetReader::firstVideoTrackTransform() {
 std::optional<VideoTrackFormat> AssetReader::firstVideoTrackFormat() {
     context_->media.analyse();
     const AVStream* track = context_->firstTrack(AVMEDIA_TYPE_VIDEO);
-    if (track == nullptr || (track->disposition & AV_DISPOSITION_ATTACHED_PIC) != 0) {
+    if (track == nullptr) {
         return std::nullopt;
     }
     VideoTrackFormat format;
+    format.position = std::ranges::count_if(
+        context_->streams().first(static_cast<std::size_t>(track->index)),
+        [](const AVStream* stream) { return stream->codecpar->codec_type == AVMEDIA_TYPE_VIDEO; });
     format.codec = avcodec_get_name(track->codecpar->codec_id);
     format.baseRate = {track->r_frame_rate.num, track->r_frame_rate.den};
     format.averageRate = {track->avg_frame_rate.num, track->avg_frame_rate.den};

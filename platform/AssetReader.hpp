@@ -21,6 +21,8 @@ struct AffineTransform {
 
 /// How a video track is coded.
 struct VideoTrackFormat {
+    /// Among the file's video streams, as ffmpeg counts them: cover images are counted too.
+    std::ptrdiff_t position = 0;
     /// ffmpeg's name of the codec.
     std::string codec;
     /// Whether the track runs at exactly this rate, in frames a second, by its base rate and on average.
@@ -41,7 +43,8 @@ struct VideoTrackFormat {
     }
 };
 
-/// Reads what a media file says of itself, in process and without decoding. One thread at a time.
+/// Reads what a media file says of itself, in process and without decoding. A cover image is no video track.
+/// One thread at a time.
 class AssetReader {
   public:
     /// Opens the file at `url`'s path. Throws PlatformError if it can't be opened or is no media file.
@@ -63,8 +66,7 @@ class AssetReader {
     /// a track.
     std::optional<AffineTransform> firstVideoTrackTransform();
 
-    /// Nothing without a video track; a cover image is none. Throws PlatformError if the tracks can't be
-    /// read.
+    /// Nothing without a video track. Throws PlatformError if the tracks can't be read.
     std::optional<VideoTrackFormat> firstVideoTrackFormat();
 
     /// Throws PlatformError if the tracks can't be read.

@@ -33,7 +33,8 @@ bool canBeCopied(const VideoTrackFormat& format) {
 std::string exportCommand(const VideoTrackFormat& format, const URL& video, const URL& audio,
                           const URL& output) {
     const std::string inputs = "-i " + ffmpegFormatted(video.path()) + " -i " +
-                               ffmpegFormatted(audio.path()) + " -map 0:v:0 -map 1:a:0";
+                               ffmpegFormatted(audio.path()) +
+                               " -map 0:v:" + std::to_string(format.position) + " -map 1:a:0";
     const std::string sound = " -c:a aac -b:a 96k -f mp4 " + ffmpegFormatted(output.path());
     if (canBeCopied(format)) {
         return "-y " + inputs + " -c:v copy" + sound;

@@ -58,6 +58,12 @@ std::vector<std::string> argumentsFor(const Clip& clip) {
         }
     }
     append(options, wordsOf(clip.codecs));
+    if (clip.cover) {
+        const std::string position = std::to_string(clip.pictures.size());
+        append(inputs, {"-f", "lavfi", "-i", "color=c=green:size=300x400:rate=1:duration=1"});
+        append(options, {"-map", std::to_string(input++), "-c:v:" + position, "mjpeg",
+                         "-disposition:v:" + position, "attached_pic"});
+    }
     append(inputs, options);
     return inputs;
 }

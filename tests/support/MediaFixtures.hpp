@@ -39,6 +39,8 @@ struct Clip {
     /// Output options, separated by blanks.
     std::string codecs =
         "-c:v libx264 -preset ultrafast -crf 16 -bf 0 -g 30 -pix_fmt yuv420p -c:a aac -b:a 96k";
+    /// Whether an upright cover image stands behind the streams.
+    bool cover = false;
     /// Degrees of the display matrix as ffprobe states them: a phone held upright writes -90.
     int rotation = 0;
 };

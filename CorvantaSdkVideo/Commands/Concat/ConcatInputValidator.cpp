@@ -4,6 +4,8 @@
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <platform/Cancellation.hpp>
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace corvanta {
@@ -12,11 +14,22 @@ namespace {
 
 using Reason = CorvantaSdkVideoError::InvalidInputFilesReason;
 
+// A join goes by the places of streams in their files. Covers behind all tracks move none of them.
+std::vector<std::int64_t> coversAmongTracks(const CorvantaSdkVideoInformation& video) {
+    const auto hasTrackBehind = [&](std::int64_t cover) {
+        const auto isBehind = [cover](const auto& track) { return track.index > cover; };
+        return std::ranges::any_of(video.videos, isBehind) || std::ranges::any_of(video.audios, isBehind);
+    };
+    std::vector<std::int64_t> covers;
+    std::ranges::copy_if(video.covers, std::back_inserter(covers), hasTrackBehind);
+    return covers;
+}
+
 void compare(const CorvantaSdkVideoInformation& reference, const CorvantaSdkVideoInformation& video) {
     if (video.format != reference.format) {
         throw CorvantaSdkVideoError(Reason::differentFormats);
     }
-    if (video.videos != reference.videos) {
+    if (video.videos != reference.videos || coversAmongTracks(video) != coversAmongTracks(reference)) {
         throw CorvantaSdkVideoError(Reason::differentVideoTracks);
     }
     if (video.audios != reference.audios) {

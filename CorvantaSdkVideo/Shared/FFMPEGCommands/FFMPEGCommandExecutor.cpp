@@ -139,9 +139,11 @@ Task<CorvantaSdkVideoInformation> FFMPEGCommandExecutorImplementation::getMediaI
     const auto transform = probe->videos.empty() ? AffineTransform{} : preferredTransformForStoredFile(url);
     const Display display = displayOf(probe->videos, transform);
     const std::int64_t durationMillis = millisecondsFromSeconds(probe->duration);
-    co_return CorvantaSdkVideoInformation(std::move(url), probe->size, durationMillis,
-                                          std::move(probe->format), std::move(probe->videos),
-                                          std::move(probe->audios), display.orientation, display.size);
+    CorvantaSdkVideoInformation information(std::move(url), probe->size, durationMillis,
+                                            std::move(probe->format), std::move(probe->videos),
+                                            std::move(probe->audios), display.orientation, display.size);
+    information.covers = std::move(probe->covers);
+    co_return information;
 }
 
 } // namespace corvanta

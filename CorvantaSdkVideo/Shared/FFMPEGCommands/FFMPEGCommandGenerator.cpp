@@ -6,6 +6,7 @@
 #include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/replace.hpp>
 
+#include <algorithm>
 #include <system_error>
 
 namespace corvanta {
@@ -27,6 +28,28 @@ std::string createConcatCommandInputFile(const std::vector<CorvantaSdkVideoInfor
     std::string path = inputFileURL.path();
     FileManager::createFile(path, list);
     return path;
+}
+
+// Joined files have lost their marks of covers, and ffmpeg would copy the largest picture of all. Then what
+// it takes of the tracks by itself is named: the largest picture, the sound with the most channels and the
+// first subtitles.
+std::string mapsBesideCovers(const std::vector<CorvantaSdkVideoInformation>& videosInfo) {
+    if (videosInfo.empty() || videosInfo.front().covers.empty()) {
+        return "";
+    }
+    const CorvantaSdkVideoInformation& first = videosInfo.front();
+    std::string maps;
+    if (const auto largest = std::ranges::max_element(
+            first.videos, {}, [](const auto& track) { return track.width * track.height; });
+        largest != first.videos.end()) {
+        maps += "-map 0:" + std::to_string(largest->index) + " ";
+    }
+    if (const auto fullest =
+            std::ranges::max_element(first.audios, {}, &CorvantaSdkVideoAudioTrackInformation::channels);
+        fullest != first.audios.end()) {
+        maps += "-map 0:" + std::to_string(fullest->index) + " ";
+    }
+    return maps + "-map 0:s:0? ";
 }
 
 } // namespace
@@ -51,7 +74,8 @@ FFMPEGCommand
 FFMPEGCommandGenerator::generateConcatCommandFor(const std::vector<CorvantaSdkVideoInformation>& videosInfo,
                                                  const URL& inputPath, const std::string& outputPath) const {
     const std::string listPath = createConcatCommandInputFile(videosInfo, inputPath);
-    std::string script = "-y -f concat -safe 0 -i {inputFilesListsPath} -c copy {output}";
+    std::string script = "-y -f concat -safe 0 -i {inputFilesListsPath} {maps}-c copy {output}";
+    boost::replace_all(script, "{maps}", mapsBesideCovers(videosInfo));
     boost::replace_all(script, "{inputFilesListsPath}", listPath);
     boost::replace_all(script, "{output}", ffmpegFormatted(outputPath));
     return {std::move(script), {listPath}};

@@ -17,8 +17,16 @@ constexpr std::string_view soundFormat = "aformat=sample_fmts=fltp:sample_rates=
 
 // The graph addresses a stream by its position among the streams of its kind, not by its index in the file.
 template <typename Stream>
-std::string position(const Stream& stream, const std::vector<Stream>& streams) {
-    return std::to_string(std::ranges::find(streams, stream.index, &Stream::index) - streams.begin());
+std::ptrdiff_t position(const Stream& stream, const std::vector<Stream>& streams) {
+    return std::ranges::find(streams, stream.index, &Stream::index) - streams.begin();
+}
+
+// Covers are no tracks, but ffmpeg counts them among the video streams.
+std::string videoPosition(const CorvantaSdkVideoTrackInformation& stream,
+                          const CorvantaSdkVideoInformation& info) {
+    const auto coversBefore =
+        std::ranges::count_if(info.covers, [&](std::int64_t cover) { return cover < stream.index; });
+    return std::to_string(position(stream, info.videos) + coversBefore);
 }
 
 // Fits the picture into the target and centres it on black; -2 makes the other side even.
@@ -83,7 +91,7 @@ class FilterGraph {
         addSegments(
             track.tracks,
             [&](const auto& info, const auto& stream) {
-                addFilter("[" + inputs_.at(info.path) + ":v:" + position(stream, info.videos) + "]" + fit,
+                addFilter("[" + inputs_.at(info.path) + ":v:" + videoPosition(stream, info) + "]" + fit,
                           segments.next());
             },
             [&](const std::string& duration) {
@@ -99,7 +107,8 @@ class FilterGraph {
         addSegments(
             track.tracks,
             [&](const auto& info, const auto& stream) {
-                addFilter("[" + inputs_.at(info.path) + ":a:" + position(stream, info.audios) + "]" + format,
+                addFilter("[" + inputs_.at(info.path) +
+                              ":a:" + std::to_string(position(stream, info.audios)) + "]" + format,
                           segments.next());
             },
             [&](const std::string& duration) {

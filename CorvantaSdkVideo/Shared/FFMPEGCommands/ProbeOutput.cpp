@@ -95,10 +95,26 @@ std::int64_t rotation(const nlohmann::json& stream) {
     return degrees;
 }
 
+bool isCover(const nlohmann::json& stream) {
+    const nlohmann::json* disposition = member(stream, "disposition");
+    return text(stream, "codec_type") == "video" && disposition != nullptr && disposition->is_object() &&
+           integer(*disposition, "attached_pic") != 0;
+}
+
+std::vector<std::int64_t> coverIndexes(const nlohmann::json& streams) {
+    std::vector<std::int64_t> indexes;
+    for (const nlohmann::json& stream : streams) {
+        if (isCover(stream)) {
+            indexes.push_back(integer(stream, "index"));
+        }
+    }
+    return indexes;
+}
+
 std::vector<CorvantaSdkVideoTrackInformation> mapVideoTracks(const nlohmann::json& streams) {
     std::vector<CorvantaSdkVideoTrackInformation> tracks;
     for (const nlohmann::json& stream : streams) {
-        if (text(stream, "codec_type") == "video") {
+        if (text(stream, "codec_type") == "video" && !isCover(stream)) {
             tracks.emplace_back(integer(stream, "index"), integer(stream, "width"), integer(stream, "height"),
                                 text(stream, "codec_name"), text(stream, "codec_tag_string"),
                                 text(stream, "pix_fmt"), toInteger(text(stream, "bit_rate", "0")),
@@ -148,6 +164,7 @@ std::optional<ProbeOutput> parseProbeOutput(std::string_view output) {
     parsed.format = text(*format, "format_name");
     parsed.videos = mapVideoTracks(*streams);
     parsed.audios = mapAudioTracks(*streams);
+    parsed.covers = coverIndexes(*streams);
     return parsed;
 }
 

@@ -18,6 +18,8 @@ struct ProbeOutput {
     std::string format;
     std::vector<CorvantaSdkVideoTrackInformation> videos;
     std::vector<CorvantaSdkVideoAudioTrackInformation> audios;
+    /// Stream indexes of attached pictures.
+    std::vector<std::int64_t> covers;
 };
 
 /// Reads the output of "-print_format json -show_format -show_streams". Nothing if it is no JSON or lacks its

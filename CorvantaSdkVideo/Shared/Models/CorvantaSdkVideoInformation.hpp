@@ -82,6 +82,8 @@ struct CorvantaSdkVideoInformation {
     /// In stream order.
     std::vector<CorvantaSdkVideoTrackInformation> videos;
     std::vector<CorvantaSdkVideoAudioTrackInformation> audios;
+    /// Stream indexes of attached pictures, such as the cover of a song: they are no video tracks.
+    std::vector<std::int64_t> covers = {};
     URL url;
     Orientation orientation;
     /// As displayed.

@@ -69,6 +69,12 @@ TEST_F(ComparisonTest, NamesTheFirstDifferenceWhereverItIs) {
              i.audios[0].index = i.audios[0].bitRate = i.audios[0].durationMillis = 7;
          },
          ""},
+        {"covers behind the tracks",
+         [](Information& i) {
+             i.covers = {2, 3};
+         },
+         ""},
+        {"a cover among the tracks", [](Information& i) { i.covers = {0}; }, videoTracks},
         {"format", [](Information& i) { i.format = "matroska,webm"; }, formats},
         {"width", [](Information& i) { i.videos[0].width = 1918; }, videoTracks},
         {"height", [](Information& i) { i.videos[0].height = 1078; }, videoTracks},

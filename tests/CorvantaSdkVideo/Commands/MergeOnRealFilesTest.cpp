@@ -224,6 +224,10 @@ Clip turned(Clip clip, int rotation) {
     clip.rotation = rotation;
     return clip;
 }
+Clip covered(Clip clip) {
+    clip.cover = true;
+    return clip;
+}
 Clip silent(Clip clip) {
     clip.sounds.clear();
     return clip;
@@ -253,6 +257,7 @@ std::vector<Case> cases() {
     return {
         {"landscape with portrait",
          {with(bars(400), 320, 240), with(shades(700), 120, 320), with(blue(1000), 320, 140)}},
+        {"covers", {covered(bars(400)), covered(blind(shades(700)))}},
         {"phone clips",
          {with(turned(bars(400), -90), 320, 240), with(turned(shades(700), 90), 320, 180),
           with(turned(bars(1000), 180), 320, 240)}},

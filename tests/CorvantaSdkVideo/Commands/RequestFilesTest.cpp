@@ -65,8 +65,12 @@ class RequestFilesTest : public ::testing::Test {
     const RecordedLog log_;
 };
 
+// Mp4 files carry a cover that is larger than their picture.
 Clip coloured(const std::string& colour, double seconds, const std::string& container) {
-    return {.seconds = seconds, .pictures = {{.source = "color=c=" + colour}}, .container = container};
+    return {.seconds = seconds,
+            .pictures = {{.source = "color=c=" + colour}},
+            .container = container,
+            .cover = container == "mp4"};
 }
 
 TEST_F(RequestFilesTest, JoinsLikeClips) {

@@ -77,7 +77,14 @@ std::vector<GoldenCase> goldenCases() {
     const auto blind = file("/v/blind.mp4", 900, {}, {audio(0, 900)});
     const auto rich = file("/v/rich.mp4", 4000, {video(0, 320, 240, 4000), video(3, 64, 36, 4000)},
                            {audio(1, 4000), audio(5, 4000)});
+    auto covered = file("/v/covered.mp4", 4000, {video(1, 320, 240, 4000), video(3, 64, 36, 4000)}, {});
+    covered.covers = {0, 2, 4};
     return {
+        {"covers, which ffmpeg counts",
+         {.files = {covered}},
+         R"(-y -i "file:///v/covered.mp4" -filter_complex "[0:v:1]FIT(320,240)[v0-0];[v0-0]concat=n=1:v=1:a=0[v0];)"
+         "[0:v:3]FIT(64,36)[v1-0];[v1-0]concat=n=1:v=1:a=0[v1]"
+         R"(" -map "[v0]" VIDEO(30) -map "[v1]" VIDEO(30) -preset medium  "/tmp/out.mp4")"},
         {"a short sound and a file without any",
          {.files = {file("/v/a.mp4", 5000, {video(0, 1920, 1080, 5000)}, {audio(1, 4900)}),
                     file("/v/b.mp4", 3000, {video(0, 1280, 720, 3000)}, {})}},

@@ -20,13 +20,16 @@ TEST(ProbeOutputTest, AWholeRecord) {
             {"index": 1, "codec_type": "data", "duration": "nan"},
             {"index": 2, "codec_type": "audio", "codec_name": "aac", "codec_tag_string": "mp4a", "sample_fmt": "fltp",
              "bit_rate": "+96000", "sample_rate": "48000", "channels": 2, "channel_layout": "stereo", "duration": "-1.9999"},
-            {"index": 3, "codec_type": "video", "width": 10, "height": 20, "side_data_list": [{"rotation": 270}]}],
+            {"index": 4, "codec_type": "video", "width": 90, "disposition": {"attached_pic": 1}},
+            {"index": 3, "codec_type": "video", "width": 10, "height": 20, "side_data_list": [{"rotation": 270}],
+             "disposition": {"attached_pic": 0}}],
         "format": {"size": "104362", "duration": "1.0019999", "format_name": "mov,mp4"}})");
     ASSERT_TRUE(probe);
     EXPECT_EQ(probe->size, 104362);
     EXPECT_EQ(probe->duration, 1.0019999);
     EXPECT_EQ(probe->format, "mov,mp4");
     ASSERT_EQ(probe->videos.size(), 2U);
+    EXPECT_EQ(probe->covers, std::vector<std::int64_t>{4});
     const auto& video = probe->videos[0];
     EXPECT_EQ(video, CorvantaSdkVideoTrackInformation(9, 1920, 1080, "h264", "avc1", "yuv420p", 1,
                                                       "30000/1001", -90, 1));
@@ -63,7 +66,8 @@ TEST(ProbeOutputTest, ValuesOfOtherTypesCountAsAbsent) {
                               "18446744073709551615"}) {
         SCOPED_TRACE(value);
         std::string members = R"("codec_type": "video")";
-        for (const char* key : {"index", "width", "height", "duration", "bit_rate", "side_data_list"}) {
+        for (const char* key :
+             {"index", "width", "height", "duration", "bit_rate", "side_data_list", "disposition"}) {
             members += std::string(", \"") + key + "\": " + value;
         }
         const auto probe =

@@ -70,7 +70,8 @@ TEST(ProbeTest, ShapeOnScreen) {
           {"90", {.rotation = 90}, 90, {120, 160}, Orientation::portrait},
           {"180", {.rotation = 180}, -180, {160, 120}, Orientation::landscape},
           {"the last track counts", {.pictures = {Picture{}, upright}}, 0, {120, 160}, Orientation::portrait},
-          {"without sound", {.sounds = {}}, 0, {160, 120}, Orientation::landscape}}) {
+          {"without sound", {.sounds = {}}, 0, {160, 120}, Orientation::landscape},
+          {"with an upright cover", {.cover = true}, 0, {160, 120}, Orientation::landscape}}) {
         SCOPED_TRACE(expected.name);
         const std::string path = makeClip(expected.clip);
         const auto information = probed(path);
@@ -98,6 +99,10 @@ TEST(ProbeTest, ShapeOnScreen) {
     EXPECT_EQ(sound.rotation(), 0);
     EXPECT_EQ(sound.videoCodec(), "");
     EXPECT_EQ(sound.frameRate(), CorvantaSdkVideoFrameRate::unknown);
+    EXPECT_EQ(
+        probed(makeClip({.pictures = {}, .container = "mp3", .codecs = "-c:a libmp3lame", .cover = true}))
+            .videos.size(),
+        0U);
     ASSERT_EQ(sound.audios.size(), 2U);
     EXPECT_EQ(sound.audios[1].channelLayout, "mono");
     // Matroska states no duration for a stream.
