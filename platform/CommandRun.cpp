@@ -1,6 +1,10 @@
 #include <platform/CommandRun.hpp>
 
+#include <platform/BlockedSignals.hpp>
+#include <platform/NeverDestroyed.hpp>
+
 #include <boost/asio/post.hpp>
+#include <boost/asio/thread_pool.hpp>
 
 #include <algorithm>
 #include <charconv>
@@ -8,6 +12,7 @@
 #include <cmath>
 #include <csignal>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 namespace corvanta {
@@ -47,6 +52,18 @@ bool isShortage(const std::error_code& error) {
            error == std::errc::resource_unavailable_try_again || error == std::errc::not_enough_memory;
 }
 
+// A few threads of their own, so that a slow file holds up no other session's callbacks. The host's signal
+// handlers have no business on them.
+asio::thread_pool& probingThreads() {
+    static asio::thread_pool* const shared = [] {
+        const BlockedSignals blocked;
+        static NeverDestroyed<asio::thread_pool> threads(
+            std::clamp(std::thread::hardware_concurrency(), 1U, 4U));
+        return &*threads;
+    }();
+    return *shared;
+}
+
 template <typename Number>
 void readNumber(std::string_view text, Number& number) {
     text.remove_prefix(std::min(text.size(), text.find_first_not_of(' ')));
@@ -63,17 +80,45 @@ CommandRun::CommandRun(asio::io_context& context, std::shared_ptr<Session> sessi
 }
 
 void CommandRun::start() {
-    asio::post(strand_, [self = shared_from_this()] { self->spawn(); });
+    asio::post(strand_, [self = shared_from_this()] { self->begin(); });
 }
 
 void CommandRun::cancel() {
-    if (!cancelled_.exchange(true)) {
+    if (cancelled_.request_stop()) {
         asio::post(strand_, [self = shared_from_this()] { self->terminate(); });
     }
 }
 
+void CommandRun::begin() {
+    const auto answer = std::exchange(plan_.answer, nullptr);
+    if (answer == nullptr || cancelled_.stop_requested()) {
+        spawn();
+        return;
+    }
+    setRunning();
+    try {
+        asio::post(probingThreads(), [self = shared_from_this(), answer] {
+            asio::post(self->strand_, [self, output = answer(self->cancelled_.get_token())]() mutable {
+                self->answered(std::move(output));
+            });
+        });
+    } catch (const std::system_error&) {
+        // No thread could be started; perhaps a process can.
+        spawn();
+    }
+}
+
+void CommandRun::answered(std::optional<std::string> output) {
+    if (!output || cancelled_.stop_requested()) {
+        spawn();
+        return;
+    }
+    output_ = *std::move(output);
+    end(SessionState::completed, 0);
+}
+
 void CommandRun::spawn() {
-    if (cancelled_) {
+    if (cancelled_.stop_requested()) {
         end(SessionState::completed, ReturnCode::cancelled);
         return;
     }
@@ -95,10 +140,7 @@ void CommandRun::spawn() {
         end(SessionState::failed, ReturnCode::notStarted);
         return;
     }
-    {
-        const std::lock_guard lock(session_->mutex_);
-        session_->state_ = SessionState::running;
-    }
+    setRunning();
     drain(child_->standardOutput, [this](std::string_view bytes) {
         if (plan_.keepOutput) {
             output_ += bytes.substr(0, Session::outputLimit - output_.size());
@@ -109,6 +151,11 @@ void CommandRun::spawn() {
     drain(child_->progress, [this](std::string_view bytes) { consumeProgress(bytes); });
     waitForExit();
     watchGrowth();
+}
+
+void CommandRun::setRunning() {
+    const std::lock_guard lock(session_->mutex_);
+    session_->state_ = SessionState::running;
 }
 
 void CommandRun::drain(FileDescriptor& source, Consumer consumer) {

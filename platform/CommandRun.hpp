@@ -9,10 +9,10 @@
 #include <boost/asio/strand.hpp>
 
 #include <array>
-#include <atomic>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -25,13 +25,17 @@ struct CommandPlan {
     /// What the program reads from its standard input.
     std::string input;
     RunLimits limits;
+    /// What answers in the program's place, if it can; absent for most. Called on a thread where it may
+    /// block, and must not throw. Without an answer the program runs.
+    std::function<std::optional<std::string>(const std::stop_token&)> answer;
     bool keepOutput = false;
     CompleteCallback onComplete;
     LogCallback onLog;
     StatisticsCallback onStatistics;
 };
 
-/// The life of one session: starts the child, drains it, waits for its end, and tells so once.
+/// The life of one session: starts the child, drains it, waits for its end, and tells so once; or is done
+/// without a child.
 /// Everything but the constructor, `start` and `cancel` runs on the strand.
 class CommandRun : public std::enable_shared_from_this<CommandRun> {
   public:
@@ -60,7 +64,10 @@ class CommandRun : public std::enable_shared_from_this<CommandRun> {
         std::array<char, 16384> buffer{};
     };
 
+    void begin();
+    void answered(std::optional<std::string> output);
     void spawn();
+    void setRunning();
     void drain(FileDescriptor& source, Consumer consumer);
     void readMore(const std::shared_ptr<Drain>& drain);
     void waitForExit();
@@ -76,7 +83,7 @@ class CommandRun : public std::enable_shared_from_this<CommandRun> {
     std::shared_ptr<Session> session_;
     CommandPlan plan_;
     Line line_;
-    std::atomic<bool> cancelled_ = false;
+    std::stop_source cancelled_;
 
     std::unique_ptr<ChildProcess> child_;
     std::optional<Descriptor> exited_;

@@ -1,6 +1,7 @@
 #include <platform/FFmpegKit.hpp>
 
 #include <platform/CommandWords.hpp>
+#include <platform/InProcessProbe.hpp>
 #include <platform/MediaOpening.hpp>
 #include <platform/NeverDestroyed.hpp>
 #include <platform/SeekNearFrame.hpp>
@@ -20,6 +21,7 @@ struct Settings {
     std::optional<std::string> logLevel;
     LogCallback onLog;
     StatisticsCallback onStatistics;
+    bool probesInProcess = true;
 };
 
 Settings& settings() {
@@ -42,6 +44,15 @@ void moveLongGraphToInput(CommandPlan& plan) {
     }
     option[0] = "-filter_complex_script";
     plan.input = std::exchange(option[1], "pipe:0");
+}
+
+constexpr const char* ffprobeVariable = "CORVANTA_FFPROBE";
+
+// A host that names a program of its own wants that one's answers.
+bool isProbingInProcess() {
+    const char* chosen = std::getenv(ffprobeVariable);
+    const std::lock_guard lock(settings().mutex);
+    return settings().probesInProcess && (chosen == nullptr || *chosen == '\0');
 }
 
 template <typename Value>
@@ -105,8 +116,14 @@ void FFmpegKit::cancel() { SessionRunner::shared().cancelAll(); }
 
 std::shared_ptr<Session> FFprobeKit::executeAsync(const std::string& command, CompleteCallback onComplete) {
     CommandPlan plan;
-    plan.program = programFor("CORVANTA_FFPROBE", "ffprobe");
-    plan.arguments = withOpeningLimits(splitCommand(command));
+    plan.program = programFor(ffprobeVariable, "ffprobe");
+    std::vector<std::string> words = splitCommand(command);
+    if (auto file = fileOfPlainProbe(words); file && isProbingInProcess()) {
+        plan.answer = [asked = *std::move(file)](const std::stop_token& stop) {
+            return probeInProcess(asked, stop);
+        };
+    }
+    plan.arguments = withOpeningLimits(std::move(words));
     plan.keepOutput = true;
     {
         const std::lock_guard lock(settings().mutex);
@@ -138,6 +155,11 @@ void FFmpegKitConfig::setMaximumRuns(std::size_t ffmpeg, std::size_t ffprobe) {
 void FFmpegKitConfig::setRunLimits(const RunLimits& limits) {
     const std::lock_guard lock(settings().mutex);
     settings().limits = limits;
+}
+
+void FFmpegKitConfig::setProbingInProcess(bool isInProcess) {
+    const std::lock_guard lock(settings().mutex);
+    settings().probesInProcess = isInProcess;
 }
 
 void FFmpegKitConfig::setLogLevel(std::optional<std::string> level) {

@@ -144,6 +144,16 @@ class FFmpegKitConfig {
     /// What each run may take; at first there is no limit. See recommendedRunLimits().
     static void setRunLimits(const RunLimits& limits);
 
+    /// Whether the module's own question about a file ("-i FILE -v quiet -print_format json -show_format
+    /// -show_streams -hide_banner") is answered in this process, by the libraries that ffprobe consists of
+    /// and with what it would write; so it is at first. What can't be answered so within 5 s for opening and
+    /// again for reading, and every other command, is left to ffprobe, as are all if CORVANTA_FFPROBE is set.
+    /// RunLimits count for that program alone.
+    ///
+    /// A host that takes files from strangers turns it off: a fault in a decoder then ends a child alone.
+    /// What else is read of a file, such as its duration and its display matrix, is read here all the same.
+    static void setProbingInProcess(bool isInProcess);
+
     /// One of ffmpeg's names ("quiet", "error", "warning", "info", "debug"); absent leaves ffmpeg's own
     /// default.
     static void setLogLevel(std::optional<std::string> level);

@@ -98,6 +98,8 @@ OpenMedia::OpenMedia(const std::string& path, Options options) : options_(std::m
     Dictionary limits;
     limits.set("protocol_whitelist", allowedProtocols);
     limits.set("format_whitelist", allowedContainers(path));
+    // As ffprobe does, so that both tell the same of a transport stream.
+    limits.set("scan_all_pmts", "1");
     restartClock();
     // The protocol's name keeps a relative path with a colon from being read as another protocol.
     const int result = avformat_open_input(&format, ("file:" + path).c_str(), nullptr, limits.entries());
@@ -116,7 +118,18 @@ void OpenMedia::analyse() {
     analysed_ = true;
     reading_ = false;
     restartClock();
-    if (const int result = avformat_find_stream_info(format_.get(), nullptr); result < 0) {
+    std::vector<Dictionary> limits(format_->nb_streams);
+    std::vector<AVDictionary*> options;
+    for (Dictionary& limit : limits) {
+        limit.set("max_pixels", std::to_string(mostPixels));
+        options.push_back(*limit.entries());
+    }
+    const int result = avformat_find_stream_info(format_.get(), options.data());
+    // What of them was not taken.
+    for (std::size_t stream = 0; stream < limits.size(); ++stream) {
+        *limits[stream].entries() = options[stream];
+    }
+    if (result < 0) {
         throw failure(result);
     }
     // What was cut short looks like a file that ended there.

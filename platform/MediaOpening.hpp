@@ -53,8 +53,11 @@ class OpenMedia {
 
     AVFormatContext& format() const { return *format_; }
 
-    /// Reads some packets, for what the header doesn't tell; does so once. Throws PlatformError.
+    /// Reads some packets, for what the header doesn't tell; does so once. Throws PlatformError. Pictures of
+    /// more than `mostPixels` are not decoded, since their memory would be the host's: what only a decoder
+    /// tells of them stays unknown.
     void analyse();
+    static constexpr std::int64_t mostPixels = std::int64_t{8192} * 8192;
 
     /// Goes on at the last place at or before `seconds` after the file's start at which decoding can begin.
     /// False if there is no way to it, or time is up.

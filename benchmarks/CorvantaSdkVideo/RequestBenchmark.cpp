@@ -1,4 +1,4 @@
-#include "Cost.hpp"
+#include "BarePrograms.hpp"
 #include "support/MediaFixtures.hpp"
 #include "support/RecordedLog.hpp"
 
@@ -8,43 +8,15 @@
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <stdexcept>
 #include <vector>
-
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
 using namespace corvanta;
 using RequestPointer = std::shared_ptr<CorvantaSdkVideoRequest>;
-
-// By itself: started, its output thrown away, and waited for.
-void runBare(std::vector<std::string> words) {
-    std::vector<char*> arguments;
-    for (std::string& word : words) {
-        arguments.push_back(word.data());
-    }
-    arguments.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
-    pid_t child = 0;
-    const int error = posix_spawnp(&child, arguments.front(), &actions, nullptr, arguments.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    int status = 0;
-    if (error != 0 || waitpid(child, &status, 0) != child || status != 0) {
-        throw std::runtime_error(words.front() + " failed");
-    }
-}
 
 void runBareScript(const std::string& script) {
     std::vector<std::string> words = splitCommand(script);
@@ -52,46 +24,13 @@ void runBareScript(const std::string& script) {
     runBare(std::move(words));
 }
 
-void runBareProbe(const std::string& path) {
-    runBare({"ffprobe", "-i", path, "-v", "quiet", "-print_format", "json", "-show_format", "-show_streams",
-             "-hide_banner"});
-}
-
-double median(std::vector<Cost> costs, double Cost::*what) {
-    std::ranges::sort(costs, {}, what);
-    return costs[costs.size() / 2].*what;
-}
-
-// Both in turn, and each first in every other round, so that what else the machine does falls on both.
+// Measures a request's run beside the bare command.
 template <typename Bare, typename Build>
 void compare(benchmark::State& state, Bare bare, Build build) {
-    std::vector<Cost> ofBare;
-    std::vector<Cost> ofModule;
-    const auto runModule = [&build] {
+    compareInTurn(state, bare, [&build] {
         const RequestPointer request = build();
         runBlocking(request->process());
-    };
-    // What earlier work left for the disk to do is none of the next one's.
-    const auto measureBare = [&] {
-        sync();
-        ofBare.push_back(costOf(bare));
-    };
-    for (auto _ : state) {
-        const bool bareFirst = ofBare.size() % 2 == 0;
-        if (bareFirst) {
-            measureBare();
-        }
-        sync();
-        ofModule.push_back(costOf(runModule));
-        state.SetIterationTime(ofModule.back().wall);
-        if (!bareFirst) {
-            measureBare();
-        }
-    }
-    state.counters["bare_s"] = median(ofBare, &Cost::wall);
-    state.counters["module_s"] = median(ofModule, &Cost::wall);
-    state.counters["bare_processor_s"] = median(ofBare, &Cost::processor);
-    state.counters["module_processor_s"] = median(ofModule, &Cost::processor);
+    });
 }
 
 /// A store and outputs of its own, and somebody logged in.
@@ -118,7 +57,7 @@ struct Place {
     test::RecordedLog log;
 };
 
-// Goal: at most 1.05 times the bare command and its probes, of which every input has two.
+// Goal: at most 1.05 times the bare command.
 void concatOfTenLargeClips(benchmark::State& state) {
     const Place place;
     const std::string large = test::makeClip({.seconds = 1.9,
@@ -137,9 +76,6 @@ void concatOfTenLargeClips(benchmark::State& state) {
     compare(
         state,
         [&] {
-            for (int round = 0; round < 2; ++round) {
-                std::ranges::for_each(paths, runBareProbe);
-            }
             runBareScript("-y -f concat -safe 0 -i " + place.directory.file("list.txt") + " -c copy " +
                           place.directory.file("bare.mov"));
         },

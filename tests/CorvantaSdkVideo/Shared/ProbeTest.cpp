@@ -2,11 +2,16 @@
 #include "support/Processes.hpp"
 #include "support/RecordedLog.hpp"
 #include "support/ScriptedExecutor.hpp"
+#include "support/SessionProbe.hpp"
 
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/ProbeOutput.hpp>
 #include <CorvantaSdkVideo/Shared/VideosInformationGenerator.hpp>
 #include <platform/AssetReader.hpp>
+#include <platform/InProcessProbe.hpp>
 
+#include <boost/algorithm/string/join.hpp>
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 #include <sys/stat.h>
 
@@ -177,6 +182,118 @@ TEST(ProbeTest, WhatFfprobeMaySay) {
                               "echo '{\"format\": {\"duration\": \"nan\"}, \"streams\": []}'");
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_DEATH(probed("/etc/passwd"), "Fatal error: Double value cannot be converted to Int64");
+}
+
+const std::vector<std::string> plainWords = {"-v",           "quiet",         "-print_format", "json",
+                                             "-show_format", "-show_streams", "-hide_banner"};
+
+// What ffprobe itself says, without what only it knows of: options of decoders, and details of side data.
+std::optional<nlohmann::json> toldByFfprobe(const std::string& path) {
+    std::vector<std::string> arguments = {"-i", "file://" + path};
+    std::ranges::copy(plainWords, std::back_inserter(arguments));
+    Program program("ffprobe", arguments);
+    if (program.wait() != 0) {
+        return std::nullopt;
+    }
+    auto told = nlohmann::json::parse(program.output());
+    for (auto& stream : told["streams"]) {
+        for (const char* option : {"is_avc", "nal_length_size", "quarter_sample", "divx_packed"}) {
+            stream.erase(option);
+        }
+        for (auto& data : stream.contains("side_data_list") ? stream["side_data_list"] : stream["none"]) {
+            nlohmann::json kept;
+            for (const char* key : {"side_data_type", "rotation"}) {
+                if (data.contains(key)) {
+                    kept[key] = data[key];
+                }
+            }
+            data = kept;
+        }
+        stream.erase("none");
+    }
+    return told;
+}
+
+std::string withByteChanged(std::string bytes, std::size_t place) {
+    bytes[place % bytes.size()] ^= '\x55';
+    return bytes;
+}
+
+TEST(ProbeTest, AnswersInProcessAsFfprobeDoes) {
+    const std::string mpeg4 = "-c:v mpeg4 -c:a mp2";
+    const std::string x264 = "-c:v libx264 -preset ultrafast -bf 2 -pix_fmt yuv420p -c:a aac ";
+    const std::string odd = "\xff\xfe \"odd\" \\ \xc3\xbc \x01";
+    std::vector<std::string> paths = {
+        makeClip({}),
+        makeClip(
+            {.pictures = {{.rate = "30000/1001"}, {}}, .sounds = {{}, {.layout = "mono"}}, .rotation = 90}),
+        makeClip({.container = "mov", .codecs = x264 + "-timecode 01:02:03:04", .rotation = 180}),
+        makeClip({.container = "mkv", .codecs = x264}),
+        makeClip({.container = "ts", .codecs = x264}),
+        makeClip({.container = "avi", .codecs = mpeg4}),
+        makeClip({.container = "mpg", .codecs = mpeg4}),
+        makeClip({.container = "webm", .codecs = "-c:v libvpx -deadline realtime -c:a libopus"}),
+        makeClip({.codecs = x264 + "-movflags frag_keyframe+empty_moov"}),
+        makeClip({.codecs = x264 + "-vf select=lt(mod(n\\,7)\\,4) -vsync vfr"}),
+        makeClip({.container = "mov", .codecs = "-c:v rawvideo -pix_fmt uyvy422 -c:a pcm_s16le"}),
+        makeClip({.pictures = {}, .container = "mp3", .codecs = "-c:a libmp3lame", .cover = true})};
+    for (const char* container : {"wav", "flac", "ogg", "m4a"}) {
+        paths.push_back(makeClip({.pictures = {}, .container = container, .codecs = ""}));
+    }
+    const TemporaryDirectory directory;
+    for (std::size_t clip = 0; clip < 6; ++clip) {
+        const std::string bytes = readFile(paths[clip]);
+        const std::string extension = std::filesystem::path(paths[clip]).extension();
+        const std::string tagged = directory.file("tagged \xc3\xbc " + std::to_string(clip) + extension);
+        runTool("ffmpeg",
+                {"-v", "error", "-i", paths[clip], "-c", "copy", "-metadata", "title=" + odd, tagged});
+        paths.push_back(tagged);
+        for (const std::size_t place : {bytes.size() / 3, bytes.size() - 40}) {
+            const std::string name = directory.file(std::to_string(clip) + "-" + std::to_string(place));
+            writeFile(name + "-cut" + extension, bytes.substr(0, place));
+            writeFile(name + "-changed" + extension, withByteChanged(bytes, place));
+            paths.insert(paths.end(), {name + "-cut" + extension, name + "-changed" + extension});
+        }
+    }
+    std::size_t answered = 0;
+    for (const std::string& path : paths) {
+        SCOPED_TRACE(path);
+        const auto answer = probeInProcess("file://" + path, {});
+        const auto told = toldByFfprobe(path);
+        ASSERT_EQ(answer.has_value(), told.has_value());
+        if (answer) {
+            ++answered;
+            auto ours = nlohmann::json::parse(*answer);
+            EXPECT_EQ(ours, *told);
+        }
+    }
+    EXPECT_GT(answered, paths.size() / 2);
+    std::stop_source stopped;
+    stopped.request_stop();
+    EXPECT_FALSE(probeInProcess(paths.front(), stopped.get_token()));
+}
+
+TEST(ProbeTest, NeedsNoProgramForItsOwnQuestion) {
+    const TemporaryDirectory directory;
+    writeFile(directory.file("text"), "no media");
+    const auto question = [](const std::string& path) {
+        return "-i \"file://" + path + "\" " + boost::algorithm::join(plainWords, " ");
+    };
+    const std::string plain = question(makeClip({}));
+    const ScopedVariable nowhere("PATH", directory.path());
+    for (const auto& [command, inProcess, code] :
+         {std::tuple(plain, true, 0),
+          {plain + " -show_chapters", true, ReturnCode::notStarted},
+          {question(directory.file("text")), true, ReturnCode::notStarted},
+          {plain, false, ReturnCode::notStarted}}) {
+        FFmpegKitConfig::setProbingInProcess(inProcess);
+        const SessionProbe session(command, Tool::ffprobe);
+        EXPECT_EQ(session.wait(), code) << command;
+        EXPECT_EQ(session.state(), code == 0 ? SessionState::completed : SessionState::failed);
+        EXPECT_EQ(parseProbeOutput(session.output()).has_value(), code == 0);
+        EXPECT_EQ(session.completions(), 1);
+    }
+    FFmpegKitConfig::setProbingInProcess(true);
 }
 
 } // namespace
