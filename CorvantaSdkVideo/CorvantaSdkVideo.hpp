@@ -5,6 +5,7 @@
 #include <CorvantaSdkVideo/CI.hpp>
 #include <CorvantaSdkVideo/CorvantaSdkVideoInterface.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
+#include <platform/ConsoleSink.hpp>
 #include <platform/FFmpegKit.hpp>
 #include <platform/SharedCorvantaSdkCommon.hpp>
 #include <platform/Task.hpp>

@@ -18,8 +18,6 @@ namespace corvanta {
 
 namespace {
 
-PlatformError failure(int code) { return {"AssetReader", code}; }
-
 struct FreePacket {
     void operator()(AVPacket* packet) const { av_packet_free(&packet); }
 };
@@ -54,7 +52,7 @@ double skippedSeconds(const AVPacket& packet, const AVStream& track) {
 } // namespace
 
 struct AssetReader::Context {
-    explicit Context(const URL& url) : media(url.path()) {}
+    explicit Context(const URL& url) : path(url.path()), media(path) {}
 
     AVFormatContext& format() const { return media.format(); }
 
@@ -68,6 +66,7 @@ struct AssetReader::Context {
         return found != streams().end() ? *found : nullptr;
     }
 
+    const std::string path;
     // Most containers tell what is wanted in their header; the others need some packets read.
     OpenMedia media;
 };
@@ -86,7 +85,8 @@ double AssetReader::duration() {
     const double seconds = static_cast<double>(format.duration) / AV_TIME_BASE;
     // What stands for "unknown" is beyond that as well.
     if (!isPossibleDuration(seconds)) {
-        throw failure(AVERROR_INVALIDDATA);
+        throw PlatformError("AssetReader", AVERROR_INVALIDDATA,
+                            context_->path + ": its duration is not known");
     }
     return seconds;
 }

@@ -133,9 +133,13 @@ void CommandRun::spawn() {
         if (isShortage(error.code()) && line_.putBack()) {
             return;
         }
+        const std::string failure = plan_.program + " could not be started: " + error.what();
+        {
+            const std::lock_guard lock(session_->mutex_);
+            session_->failure_ = failure;
+        }
         if (plan_.onLog) {
-            plan_.onLog(
-                Log(session_->getSessionId(), plan_.program + " could not be started: " + error.what()));
+            plan_.onLog(Log(session_->getSessionId(), failure));
         }
         end(SessionState::failed, ReturnCode::notStarted);
         return;
@@ -220,7 +224,7 @@ void CommandRun::watchGrowth() {
     }
     stallTimer_.expires_after(*plan_.limits.stall);
     stallTimer_.async_wait([self = shared_from_this()](const boost::system::error_code& error) {
-        if (error || self->exitStatus_ || self->cancelled_ ||
+        if (error || self->exitStatus_ || self->cancelled_.stop_requested() ||
             self->stallTimer_.expiry() > std::chrono::steady_clock::now()) {
             return;
         }

@@ -14,8 +14,9 @@ std::string describe(const std::string& domain, int code) {
 
 } // namespace
 
-PlatformError::PlatformError(std::string domain, int code)
-    : domain_(std::move(domain)), code_(code), text_(domain_ + " error " + std::to_string(code)) {}
+PlatformError::PlatformError(std::string domain, int code, std::string details)
+    : CodedError(std::move(details)), domain_(std::move(domain)), code_(code),
+      text_(domain_ + " error " + std::to_string(code)) {}
 
 std::string localizedDescription(const std::exception& error) {
     if (const auto* coded = dynamic_cast<const CodedError*>(&error)) {
@@ -25,6 +26,11 @@ std::string localizedDescription(const std::exception& error) {
         return describe(system->code().category().name(), system->code().value());
     }
     return error.what();
+}
+
+std::string detailsOf(const std::exception& error) {
+    const auto* coded = dynamic_cast<const CodedError*>(&error);
+    return coded != nullptr && !coded->details().empty() ? coded->details() : error.what();
 }
 
 void fatalError(const char* message) {

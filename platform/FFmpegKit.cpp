@@ -84,6 +84,11 @@ std::optional<std::string> Session::getOutput() const {
     return output_;
 }
 
+std::optional<std::string> Session::getFailure() const {
+    const std::lock_guard lock(mutex_);
+    return failure_;
+}
+
 std::shared_ptr<Session> FFmpegKit::executeAsync(const std::string& command, CompleteCallback onComplete,
                                                  LogCallback onLog, StatisticsCallback onStatistics) {
     CommandPlan plan;

@@ -67,6 +67,9 @@ class Session {
     /// ffmpeg.
     std::optional<std::string> getOutput() const;
 
+    /// Why the program could not be started; absent unless the session is `failed`.
+    std::optional<std::string> getFailure() const;
+
     static constexpr std::size_t outputLimit = std::size_t{64} << 20U;
 
   private:
@@ -77,6 +80,7 @@ class Session {
     SessionState state_ = SessionState::created;
     std::optional<ReturnCode> returnCode_;
     std::optional<std::string> output_;
+    std::optional<std::string> failure_;
 };
 
 /// One line of ffmpeg's log.

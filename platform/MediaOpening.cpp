@@ -3,6 +3,7 @@
 #include <platform/Errors.hpp>
 #include <platform/FileManager.hpp>
 
+#include <array>
 #include <utility>
 
 extern "C" {
@@ -26,7 +27,12 @@ constexpr const char* selfContained =
     "wav,w64,caf,aiff,au,mp3,aac,loas,ac3,eac3,flac,amr,amrnb,amrwb,ape,dts,dtshd,truehd,mlp,tta,wv,mpc,mpc8,"
     "tak,voc,qcp,oma,dsf,xwma,gif,apng,png_pipe,jpeg_pipe,bmp_pipe,webp_pipe,tiff_pipe,jpegxl_pipe";
 
-PlatformError failure(int code) { return {"AssetReader", code}; }
+PlatformError failure(int code, const std::string& path) {
+    std::array<char, AV_ERROR_MAX_STRING_SIZE> text{};
+    av_strerror(code, text.data(), text.size());
+    const char* reason = code == AVERROR_EXIT ? "reading it took too long, or was stopped" : text.data();
+    return {"AssetReader", code, path + ": " + reason};
+}
 
 // A refused file is told by an error; the library's own lines on the host's standard error would only repeat
 // it. A host that has set a level of its own keeps it.
@@ -85,14 +91,14 @@ std::vector<std::string> withOpeningLimits(std::vector<std::string> arguments) {
 
 void OpenMedia::Close::operator()(AVFormatContext* format) const { avformat_close_input(&format); }
 
-OpenMedia::OpenMedia(const std::string& path, Options options) : options_(std::move(options)) {
+OpenMedia::OpenMedia(const std::string& path, Options options) : path_(path), options_(std::move(options)) {
     quietenLibrary();
     if (!FileManager::fileExists(path) || FileManager::isEndless(path)) {
-        throw failure(AVERROR(ENOENT));
+        throw failure(AVERROR(ENOENT), path_);
     }
     AVFormatContext* format = avformat_alloc_context();
     if (format == nullptr) {
-        throw failure(AVERROR(ENOMEM));
+        throw failure(AVERROR(ENOMEM), path_);
     }
     format->interrupt_callback = {&OpenMedia::isOver, this};
     Dictionary limits;
@@ -104,7 +110,7 @@ OpenMedia::OpenMedia(const std::string& path, Options options) : options_(std::m
     // The protocol's name keeps a relative path with a colon from being read as another protocol.
     const int result = avformat_open_input(&format, ("file:" + path).c_str(), nullptr, limits.entries());
     if (result < 0) {
-        throw failure(result);
+        throw failure(result, path_);
     }
     format_.reset(format);
 }
@@ -130,11 +136,11 @@ void OpenMedia::analyse() {
         *limits[stream].entries() = options[stream];
     }
     if (result < 0) {
-        throw failure(result);
+        throw failure(result, path_);
     }
     // What was cut short looks like a file that ended there.
     if (isOver(this) != 0) {
-        throw failure(AVERROR_EXIT);
+        throw failure(AVERROR_EXIT, path_);
     }
 }
 
@@ -156,7 +162,7 @@ bool OpenMedia::read(AVPacket& packet) {
     }
     const bool found = av_read_frame(format_.get(), &packet) >= 0;
     if (!found && isOver(this) != 0) {
-        throw failure(AVERROR_EXIT);
+        throw failure(AVERROR_EXIT, path_);
     }
     return found;
 }

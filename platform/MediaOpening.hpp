@@ -74,6 +74,7 @@ class OpenMedia {
     static int isOver(void* opening);
     void restartClock();
 
+    std::string path_;
     Options options_;
     std::chrono::steady_clock::time_point deadline_;
     std::unique_ptr<AVFormatContext, Close> format_;

@@ -42,7 +42,8 @@ class SpdlogSink : public SharedCorvantaSdkLogSink {
         }
         const auto level =
             record.severity == SharedCorvantaSdkLogSeverity::error ? spdlog::level::err : spdlog::level::info;
-        spdlog::log(level, "[video {}] {}: {}", record.moduleVersion, record.tag, record.message);
+        spdlog::log(level, "[video {}] {}: {}{}{}", record.moduleVersion, record.tag, record.message,
+                    record.details.empty() ? "" : " ", record.details);
     }
 };
 

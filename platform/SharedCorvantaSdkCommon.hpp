@@ -19,6 +19,8 @@ struct SharedCorvantaSdkLog {
     SharedCorvantaSdkLogSeverity severity;
     SharedCorvantaSdkLogModule module;
     std::string moduleVersion;
+    /// Of a failure: what it was about, in words. Often empty.
+    std::string details = {};
 };
 
 /// Who is logged in. Implementations are called from any thread.

@@ -169,7 +169,7 @@ Stream<RequestPointer> CorvantaSdkVideoRequestBuilder::streamVideoRequest(const 
 
 void CorvantaSdkVideoRequestBuilder::validateAuthentication() const {
     if (!credentialsManager_->isUserAuthenticated()) {
-        throw CorvantaSdkVideoError(CorvantaSdkVideoError::userNotAuthenticated);
+        throw CorvantaSdkVideoError(CorvantaSdkVideoError::userNotAuthenticated, "nobody is logged in");
     }
 }
 

@@ -36,7 +36,8 @@ class CorvantaSdkVideoRequestHandler {
     std::optional<Result> begin() {
         const std::lock_guard lock(mutex_);
         if (isProcessing_) {
-            throw CorvantaSdkVideoError(CorvantaSdkVideoError::Case::operationStillsInProgress);
+            throw CorvantaSdkVideoError(CorvantaSdkVideoError::Case::operationStillsInProgress,
+                                        "this object has been run before; take a new one of that id");
         }
         if (!previousResult_) {
             isProcessing_ = true;

@@ -9,6 +9,8 @@
 #include <platform/Cancellation.hpp>
 #include <platform/UUID.hpp>
 
+#include <sstream>
+#include <string>
 #include <utility>
 
 namespace corvanta {
@@ -20,9 +22,15 @@ using Error = CorvantaSdkVideoError;
 double durationOf(const URL& url) {
     try {
         return AssetReader(url).duration();
-    } catch (const std::exception&) {
-        throw Error(Error::invalidFile);
+    } catch (const std::exception& error) {
+        throw Error(Error::invalidFile, detailsOf(error));
     }
+}
+
+std::string rangeDetails(double start, double end, double duration) {
+    std::ostringstream details;
+    details << start << " s to " << end << " s is no part of a video of " << duration << " s";
+    return details.str();
 }
 
 } // namespace
@@ -38,7 +46,7 @@ Task<CorvantaSdkVideoEditorResult>
 CorvantaSdkVideoEditorImplementation::edit(CorvantaSdkVideoEditorInput video) {
     Logger::addLog(Event::editVideo, EventMessage::editVideo(video.videoURL));
     if (!credentialsManager_->isUserAuthenticated()) {
-        throw Error(Error::userNotAuthenticated);
+        throw Error(Error::userNotAuthenticated, "nobody is logged in");
     }
     videoValidator_.validateFileAt(video.videoURL);
     validateTrimRange(video.videoURL, video.startPosition, video.endPosition);
@@ -55,7 +63,7 @@ CorvantaSdkVideoEditorImplementation::edit(CorvantaSdkVideoEditorInput video) {
         if (isCancellation(error)) {
             throw;
         }
-        throw Error(Error::trimFailed);
+        throw Error(Error::trimFailed, detailsOf(error));
     }
     CorvantaSdkVideoEditorResult result{video.outputURL};
     co_return result;
@@ -65,7 +73,7 @@ Task<URL> CorvantaSdkVideoEditorImplementation::getThumbnailForVideo(URL at, dou
                                                                      std::optional<std::int64_t> width,
                                                                      std::optional<std::int64_t> height) {
     if (!credentialsManager_->isUserAuthenticated()) {
-        throw Error(Error::userNotAuthenticated);
+        throw Error(Error::userNotAuthenticated, "nobody is logged in");
     }
     videoValidator_.validateFileAt(at);
     validateThumbnailPosition(at, interval);
@@ -82,7 +90,7 @@ Task<URL> CorvantaSdkVideoEditorImplementation::getThumbnailForVideo(URL at, dou
         if (isCancellation(error)) {
             throw;
         }
-        throw Error(Error::trimFailed);
+        throw Error(Error::trimFailed, detailsOf(error));
     }
     co_return output;
 }
@@ -91,14 +99,14 @@ void CorvantaSdkVideoEditorImplementation::validateTrimRange(const URL& url, dou
                                                              double trimEnd) const {
     const double duration = durationOf(url);
     if (!(trimStart >= 0 && trimEnd > trimStart && duration >= trimEnd)) {
-        throw Error(Error::invalidTrimRange);
+        throw Error(Error::invalidTrimRange, rangeDetails(trimStart, trimEnd, duration));
     }
 }
 
 void CorvantaSdkVideoEditorImplementation::validateThumbnailPosition(const URL& url, double interval) const {
     const double duration = durationOf(url);
     if (!(duration >= interval)) {
-        throw Error(Error::invalidTrimRange);
+        throw Error(Error::invalidTrimRange, rangeDetails(interval, duration, duration));
     }
 }
 

@@ -79,10 +79,12 @@ Task<> CorvantaSdkVideoEditorViewModel::runEdit(QPointer<ViewModel> model,
                                                 std::shared_ptr<CorvantaSdkVideoEditor> editor,
                                                 CorvantaSdkVideoEditorInput input, Handler handler) {
     std::optional<CorvantaSdkVideoEditorResult> result;
+    std::string details;
     try {
         result = co_await onEditorWorker(edited(std::move(editor), std::move(input)));
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
         // Whatever the cause was, the user reads one text.
+        details = detailsOf(error);
     }
     if (!model) {
         co_return;
@@ -90,7 +92,7 @@ Task<> CorvantaSdkVideoEditorViewModel::runEdit(QPointer<ViewModel> model,
     if (result) {
         model->end(*result, handler);
     } else {
-        model->error_ = CorvantaSdkVideoError(CorvantaSdkVideoError::trimFailed);
+        model->error_ = CorvantaSdkVideoError(CorvantaSdkVideoError::trimFailed, details);
     }
     if (model) {
         model->isTrimming_ = false;

@@ -1,6 +1,7 @@
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 
 #include <array>
+#include <utility>
 
 namespace corvanta {
 
@@ -54,11 +55,11 @@ constexpr int firstPlainCode = static_cast<int>(reasonNames.size());
 
 } // namespace
 
-CorvantaSdkVideoError::CorvantaSdkVideoError(Case plain)
-    : case_(plain), name_(caseNames.at(static_cast<std::size_t>(plain))) {}
+CorvantaSdkVideoError::CorvantaSdkVideoError(Case plain, std::string details)
+    : CodedError(std::move(details)), case_(plain), name_(caseNames.at(static_cast<std::size_t>(plain))) {}
 
-CorvantaSdkVideoError::CorvantaSdkVideoError(InvalidInputFilesReason reason)
-    : case_(Case::invalidInputFiles), reason_(reason), name_(caseNames[0]) {
+CorvantaSdkVideoError::CorvantaSdkVideoError(InvalidInputFilesReason reason, std::string details)
+    : CodedError(std::move(details)), case_(Case::invalidInputFiles), reason_(reason), name_(caseNames[0]) {
     name_ += '(';
     name_ += reasonNames.at(static_cast<std::size_t>(reason));
     name_ += ')';

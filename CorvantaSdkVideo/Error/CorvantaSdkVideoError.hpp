@@ -8,7 +8,8 @@
 
 namespace corvanta {
 
-/// Every failure that the module's own operations raise. A value: compare two with `==`.
+/// Every failure that the module's own operations raise. A value: compare two with `==`. `details()` tells
+/// which file, limit or line of ffmpeg's log it was about; a comparison doesn't look at them.
 class CorvantaSdkVideoError : public CodedError {
   public:
     enum class Case {
@@ -73,9 +74,9 @@ class CorvantaSdkVideoError : public CodedError {
     };
 
     /// A case without a reason: any but `invalidInputFiles`.
-    explicit CorvantaSdkVideoError(Case plain);
+    explicit CorvantaSdkVideoError(Case plain, std::string details = {});
     /// The case `invalidInputFiles` with its reason.
-    explicit CorvantaSdkVideoError(InvalidInputFilesReason reason);
+    explicit CorvantaSdkVideoError(InvalidInputFilesReason reason, std::string details = {});
 
     Case kind() const { return case_; }
     /// Present exactly for `invalidInputFiles`.

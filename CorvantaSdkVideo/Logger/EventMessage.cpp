@@ -27,7 +27,8 @@ EventMessage EventMessage::clearNoise(const URL& videoPath, const URL& resultPat
 
 EventMessage EventMessage::clearNoiseFailed(const URL& videoPath, const std::exception& error) {
     return EventMessage("Error clearing noise. " + videoPath.absoluteString() + ". " +
-                        localizedDescription(error));
+                            localizedDescription(error),
+                        detailsOf(error));
 }
 
 EventMessage EventMessage::compare(const std::vector<URL>& videoPaths) {
@@ -35,7 +36,7 @@ EventMessage EventMessage::compare(const std::vector<URL>& videoPaths) {
 }
 
 EventMessage EventMessage::compareFailed(const std::exception& error) {
-    return EventMessage("Error comparing videos. " + localizedDescription(error));
+    return EventMessage("Error comparing videos. " + localizedDescription(error), detailsOf(error));
 }
 
 EventMessage EventMessage::getInfo(const URL& videoPath) {
@@ -44,7 +45,8 @@ EventMessage EventMessage::getInfo(const URL& videoPath) {
 
 EventMessage EventMessage::getInfoFailed(const URL& videoPath, const std::exception& error) {
     return EventMessage("Error getting video info: " + videoPath.absoluteString() + ". " +
-                        localizedDescription(error));
+                            localizedDescription(error),
+                        detailsOf(error));
 }
 
 EventMessage EventMessage::createThumbnail(const URL& videoPath) {
@@ -53,7 +55,8 @@ EventMessage EventMessage::createThumbnail(const URL& videoPath) {
 
 EventMessage EventMessage::createThumbnailFailed(const URL& videoPath, const std::exception& error) {
     return EventMessage("Error creating thumbnail: " + videoPath.absoluteString() + ". " +
-                        localizedDescription(error));
+                            localizedDescription(error),
+                        detailsOf(error));
 }
 
 EventMessage EventMessage::editVideo(const URL& videoPath) {
@@ -61,7 +64,7 @@ EventMessage EventMessage::editVideo(const URL& videoPath) {
 }
 
 EventMessage EventMessage::editVideoFailed(const std::exception& error) {
-    return EventMessage("Error editing video. " + localizedDescription(error));
+    return EventMessage("Error editing video. " + localizedDescription(error), detailsOf(error));
 }
 
 EventMessage EventMessage::insertRequest(const UUID& id) {
@@ -98,19 +101,19 @@ EventMessage EventMessage::cancelRequest(const UUID& id) {
 }
 
 EventMessage EventMessage::mergeRequestFailed(const std::exception& error) {
-    return EventMessage("Merge requeset failed. " + localizedDescription(error));
+    return EventMessage("Merge requeset failed. " + localizedDescription(error), detailsOf(error));
 }
 
 EventMessage EventMessage::mergeVideoAndAudioFailed(const std::exception& error) {
-    return EventMessage("Merge video and audio failed. " + localizedDescription(error));
+    return EventMessage("Merge video and audio failed. " + localizedDescription(error), detailsOf(error));
 }
 
 EventMessage EventMessage::insertRequestFailed(const std::exception& error) {
-    return EventMessage("Insert request failed. " + localizedDescription(error));
+    return EventMessage("Insert request failed. " + localizedDescription(error), detailsOf(error));
 }
 
 EventMessage EventMessage::processRequestFailed(const std::exception& error) {
-    return EventMessage(std::string("Process request failed. ") + error.what());
+    return EventMessage(std::string("Process request failed. ") + error.what(), detailsOf(error));
 }
 
 EventMessage EventMessage::initVideoModule() { return EventMessage("Init video module"); }

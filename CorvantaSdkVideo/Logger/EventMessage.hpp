@@ -50,11 +50,15 @@ class EventMessage {
     static EventMessage notAuthenticated();
 
     const std::string& message() const { return text_; }
+    /// What the error that the text tells of was about; empty for a text without one.
+    const std::string& details() const { return details_; }
 
   private:
-    explicit EventMessage(std::string text) : text_(std::move(text)) {}
+    explicit EventMessage(std::string text, std::string details = {})
+        : text_(std::move(text)), details_(std::move(details)) {}
 
     std::string text_;
+    std::string details_;
 };
 
 } // namespace corvanta

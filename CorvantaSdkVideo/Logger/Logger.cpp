@@ -29,8 +29,13 @@ std::optional<std::string> readVersion() {
     if (!path) {
         return std::nullopt;
     }
-    std::ifstream file(*path, std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    std::string text;
+    try {
+        std::ifstream file(*path, std::ios::binary);
+        text.assign(std::istreambuf_iterator<char>(file), {});
+    } catch (const std::ios_base::failure&) {
+        // A folder of that name can be opened and not read.
+    }
     for (const std::string& line : split(text, "\r\n")) {
         const std::vector<std::string> parts = split(line, "=");
         if (parts.size() == 2 && parts[0] == "version") {
@@ -53,8 +58,9 @@ std::string moduleVersion() {
 
 void add(SharedCorvantaSdkLogSeverity severity, Event event, const EventMessage& eventMessage) noexcept {
     try {
-        const SharedCorvantaSdkLog record{std::string(name(event)), eventMessage.message(), severity,
-                                          SharedCorvantaSdkLogModule::video, moduleVersion()};
+        const SharedCorvantaSdkLog record{
+            std::string(name(event)),          eventMessage.message(), severity,
+            SharedCorvantaSdkLogModule::video, moduleVersion(),        eventMessage.details()};
         SharedCorvantaSdkCommonKt::sdk_common().log()->addLog(record);
     } catch (...) {
         // A record that can't be written must not fail the operation that it tells of.

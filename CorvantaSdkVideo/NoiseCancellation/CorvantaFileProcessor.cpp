@@ -22,7 +22,7 @@ VideoTrackFormat firstVideoTrack(const URL& video) {
     if (auto format = AssetReader(video).firstVideoTrackFormat()) {
         return *std::move(format);
     }
-    throw CorvantaSdkVideoError(CorvantaSdkVideoError::unableToProcessOutput);
+    throw CorvantaSdkVideoError(CorvantaSdkVideoError::unableToProcessOutput, video.path() + ": no picture");
 }
 
 bool canBeCopied(const VideoTrackFormat& format) {
@@ -54,7 +54,8 @@ CorvantaFileProcessor::CorvantaFileProcessor(std::shared_ptr<FFMPEGCommandExecut
 Task<> CorvantaFileProcessor::mergeVideoWithAudio(URL videoURL, URL audioURL, URL outputURL) const {
     const VideoTrackFormat format = firstVideoTrack(videoURL);
     if (!AssetReader(audioURL).hasAudioTrack()) {
-        throw CorvantaSdkVideoError(CorvantaSdkVideoError::unableToProcessOutput);
+        throw CorvantaSdkVideoError(CorvantaSdkVideoError::unableToProcessOutput,
+                                    audioURL.path() + ": no sound");
     }
     CommandPaths paths;
     std::string command;

@@ -58,7 +58,7 @@ class Cleaning {
           frame_(static_cast<std::size_t>(source_.sampleRate() / soundFramesPerSecond)),
           silence_(silenceBefore(video, source_.sampleRate())) {
         if (frame_ == 0 || source_.channels() != 1) {
-            throw Error(Error::unableToProcessFile);
+            throw Error(Error::unableToProcessFile, audio_.path() + ": no sound of one channel");
         }
         rendered_.samples = std::vector<float>(frame_);
         result_.samples = std::vector<float>(frame_);
@@ -138,7 +138,7 @@ CorvantaNoiseCancellationEngine::run(Self self, CorvantaSdkVideoFile file,
     const URL& input = file.url();
     const auto output = location.url(file.fileExtension());
     if (!output) {
-        throw Error(Error::unableToProcessOutput);
+        throw Error(Error::unableToProcessOutput, "the output location is no URL");
     }
     Logger::addLog(Event::clearNoise, EventMessage::clearNoise(input, *output));
     self->enterProcessing();
@@ -167,17 +167,17 @@ void CorvantaNoiseCancellationEngine::enterProcessing() {
     State before = state_;
     do {
         if (before == State::initial || before == State::unknown) {
-            throw Error(Error::configurationError);
+            throw Error(Error::configurationError, "the noise library could not be started");
         }
         if (before == State::processing) {
-            throw Error(Error::processingInProgress);
+            throw Error(Error::processingInProgress, "this engine cleans a file already");
         }
     } while (!state_.compare_exchange_weak(before, State::processing));
 }
 
 Task<> CorvantaNoiseCancellationEngine::clean(URL input, URL output, std::vector<URL>& processedFiles) {
     if (!credentialsManager_->isUserAuthenticated()) {
-        throw Error(Error::userNotAuthenticated);
+        throw Error(Error::userNotAuthenticated, "nobody is logged in");
     }
     videoValidator_.validateFileAt(input);
     const URL audio = co_await extractAudioForFile(input);
@@ -201,7 +201,7 @@ Task<URL> CorvantaNoiseCancellationEngine::extractAudioForFile(URL at) {
         if (isCancellation(error)) {
             throw;
         }
-        throw Error(Error::unableToProcessInput);
+        throw Error(Error::unableToProcessInput, detailsOf(error));
     }
     co_return audio;
 }
@@ -209,7 +209,7 @@ Task<URL> CorvantaNoiseCancellationEngine::extractAudioForFile(URL at) {
 Task<URL> CorvantaNoiseCancellationEngine::cleanAudio(URL fileURL, URL audioFileURL) {
     // The instance of an engine that has run is gone, and one that is there is another engine's.
     if (!ownsLibrary_) {
-        throw Error(Error::configurationError);
+        throw Error(Error::configurationError, "the noise library is another engine's");
     }
     struct Unfinished {
         const CorvantaFileProcessor& files;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <platform/URL.hpp>
 
 #include <cstddef>
@@ -23,6 +24,9 @@ class CorvantaSdkVideoFileValidator {
 
     /// Throws `invalidInputFiles` with `notEnoughVideos` or `inputContainsNonExistingFiles`.
     void validateVideosExistence(const std::vector<URL>& videos, std::size_t minVideosCount = 1) const;
+
+    /// `invalidResolution`, with what the side is and must be.
+    static CorvantaSdkVideoError tooSmall(double component);
 };
 
 } // namespace corvanta

@@ -16,7 +16,7 @@ VideosInformationGenerator::VideosInformationGenerator(
 Task<std::vector<CorvantaSdkVideoInformation>>
 VideosInformationGenerator::getVideosInformation(std::vector<URL> videos) const {
     if (!credentialsManager_->isUserAuthenticated()) {
-        throw CorvantaSdkVideoError(CorvantaSdkVideoError::userNotAuthenticated);
+        throw CorvantaSdkVideoError(CorvantaSdkVideoError::userNotAuthenticated, "nobody is logged in");
     }
     videosValidator_.validateVideosExistence(videos);
     co_return co_await generateAssetsMetadata(std::move(videos));

@@ -7,6 +7,8 @@
 #include <platform/Cancellation.hpp>
 #include <platform/FileManager.hpp>
 
+#include <sstream>
+#include <string>
 #include <system_error>
 #include <utility>
 
@@ -16,9 +18,13 @@ namespace {
 
 using Error = CorvantaSdkVideoError;
 
-bool isValidPosition(double position, const URL& video) {
+void validatePosition(double position, const URL& video) {
     const double duration = AssetReader(video).duration();
-    return position >= 0 && position < duration;
+    if (!(position >= 0 && position < duration)) {
+        std::ostringstream details;
+        details << position << " s is not within " << video.path() << ", which ends at " << duration << " s";
+        throw Error(Error::invalidPositionInVideo, details.str());
+    }
 }
 
 void removeOlderThumbnail(const std::string& path) {
@@ -27,8 +33,8 @@ void removeOlderThumbnail(const std::string& path) {
     }
     try {
         FileManager::removeItem(path);
-    } catch (const std::system_error&) {
-        throw Error(Error::unableToDeleteExistingThumbnail);
+    } catch (const std::system_error& error) {
+        throw Error(Error::unableToDeleteExistingThumbnail, error.what());
     }
 }
 
@@ -36,7 +42,7 @@ Task<> run(std::shared_ptr<FFMPEGCommandExecutor> executor, std::string command,
     co_await executor->executeFFMPEGCommand(std::move(command));
     // Past the last frame ffmpeg succeeds and writes nothing.
     if (!FileManager::fileExists(outputPath)) {
-        throw std::system_error(std::make_error_code(std::errc::no_such_file_or_directory), outputPath);
+        throw PlatformError("Thumbnail", 1, "there is no picture at this position");
     }
 }
 
@@ -53,30 +59,28 @@ Task<CorvantaSdkVideoThumbnailResult> CorvantaSdkVideoThumbnailGeneratorImplemen
     const URL input = video.input().url();
     Logger::addLog(Event::createThumbnail, EventMessage::createThumbnail(input));
     if (!credentialsManager_->isUserAuthenticated()) {
-        throw Error(Error::userNotAuthenticated);
+        throw Error(Error::userNotAuthenticated, "nobody is logged in");
     }
     if (!FileManager::fileExists(input.path())) {
-        throw Error(Error::notFoundVideo);
+        throw Error(Error::notFoundVideo, "there is no " + input.path());
     }
     if (video.width().value_or(0) < 0) {
-        throw Error(Error::invalidThumbnailWidth);
+        throw Error(Error::invalidThumbnailWidth, std::to_string(*video.width()) + " pixels");
     }
     if (video.height().value_or(0) < 0) {
-        throw Error(Error::invalidThumbnailHeight);
+        throw Error(Error::invalidThumbnailHeight, std::to_string(*video.height()) + " pixels");
     }
-    if (!isValidPosition(video.position(), input)) {
-        throw Error(Error::invalidPositionInVideo);
-    }
+    validatePosition(video.position(), input);
     const auto output = video.output().url(FileExtension(FileExtension::jpg).rawValue());
     if (!output) {
-        throw Error(Error::notFoundVideo);
+        throw Error(Error::notFoundVideo, "the output location is no URL");
     }
     const auto failed = [&input](const std::exception& error) {
         Logger::logError(Event::createThumbnail, EventMessage::createThumbnailFailed(input, error));
         if (isCancellation(error)) {
             throw;
         }
-        return Error(Error::thumbnailGenerationFailed);
+        return Error(Error::thumbnailGenerationFailed, detailsOf(error));
     };
     CommandPaths paths;
     URL written;

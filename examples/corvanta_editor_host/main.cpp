@@ -25,7 +25,7 @@ class ErrorLog : public SharedCorvantaSdkLogSink {
   public:
     void addLog(const SharedCorvantaSdkLog& record) override {
         if (record.severity == SharedCorvantaSdkLogSeverity::error) {
-            std::fprintf(stderr, "%s\n", record.message.c_str());
+            std::fprintf(stderr, "%s %s\n", record.message.c_str(), record.details.c_str());
         }
     }
 };
@@ -95,6 +95,7 @@ int main(int argumentCount, char** arguments) {
         return fail("There is no file " + files[0].toStdString());
     }
     FFmpegKitConfig::setLogLevel("error");
+    setConsoleSink(nullptr);
     // Files come from anywhere.
     FFmpegKitConfig::setRunLimits(recommendedRunLimits());
     SharedCorvantaSdkCommonKt::sdk_common().setLog(std::make_shared<ErrorLog>());

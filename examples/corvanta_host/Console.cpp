@@ -84,7 +84,9 @@ void Console::printLine(const nlohmann::ordered_json& value) {
 }
 
 void Console::fail(const std::exception& error) {
-    const std::string cause = causes_->text();
+    const auto* coded = dynamic_cast<const CodedError*>(&error);
+    const std::string cause =
+        coded != nullptr && !coded->details().empty() ? coded->details() : causes_->text();
     fmt::print(stderr, "corvanta_host: {}{}\n", error.what(), cause.empty() ? "" : ": " + cause);
 }
 

@@ -56,7 +56,7 @@ TEST(ErrorTest, NumbersNamesAndTexts) {
     }
     const Error few(Reason::notEnoughVideos);
     EXPECT_EQ(few.reason(), Reason::notEnoughVideos);
-    EXPECT_EQ(few, Error(Reason::notEnoughVideos));
+    EXPECT_EQ(few, Error(Reason::notEnoughVideos, "1 given"));
     EXPECT_NE(few, Error(Reason::differentFormats));
     EXPECT_NE(few, Error(Error::configurationError));
     EXPECT_FALSE(Error(Error::configurationError).reason());

@@ -1,5 +1,6 @@
 #include <CorvantaSdkVideo/Commands/Concat/ConcatInputValidator.hpp>
 
+#include <CorvantaSdkVideo/Commands/Concat/ConcatDifferences.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <platform/Cancellation.hpp>
@@ -27,13 +28,13 @@ std::vector<std::int64_t> coversAmongTracks(const CorvantaSdkVideoInformation& v
 
 void compare(const CorvantaSdkVideoInformation& reference, const CorvantaSdkVideoInformation& video) {
     if (video.format != reference.format) {
-        throw CorvantaSdkVideoError(Reason::differentFormats);
+        throw CorvantaSdkVideoError(Reason::differentFormats, formatDifference(reference, video));
     }
     if (video.videos != reference.videos || coversAmongTracks(video) != coversAmongTracks(reference)) {
-        throw CorvantaSdkVideoError(Reason::differentVideoTracks);
+        throw CorvantaSdkVideoError(Reason::differentVideoTracks, videoTracksDifference(reference, video));
     }
     if (video.audios != reference.audios) {
-        throw CorvantaSdkVideoError(Reason::differentAudioTracks);
+        throw CorvantaSdkVideoError(Reason::differentAudioTracks, audioTracksDifference(reference, video));
     }
 }
 
@@ -48,7 +49,7 @@ ConcatInputValidator::ConcatInputValidator(std::shared_ptr<FFMPEGCommandExecutor
 
 Task<bool> ConcatInputValidator::canProcessConcatWith(std::vector<URL> videos) const {
     if (!credentialsManager_->isUserAuthenticated()) {
-        throw CorvantaSdkVideoError(CorvantaSdkVideoError::userNotAuthenticated);
+        throw CorvantaSdkVideoError(CorvantaSdkVideoError::userNotAuthenticated, "nobody is logged in");
     }
     videosValidator_.validateVideosExistence(videos, 2);
     try {

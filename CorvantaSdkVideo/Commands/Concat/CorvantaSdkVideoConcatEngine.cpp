@@ -29,12 +29,12 @@ Task<CorvantaSdkVideoRequestResult>
 CorvantaSdkVideoConcatEngine::carryOut(std::shared_ptr<CorvantaSdkVideoRequest> request) {
     if (!request->concatData) {
         markUnusable(request->id);
-        throw Error(Error::concatFailed);
+        throw Error(Error::concatFailed, "the request tells of no videos");
     }
     const std::vector<URL> videos = request->concatData->videos;
     const auto outputURL = request->output.url(videos.empty() ? "mp4" : videos.front().pathExtension());
     if (!outputURL) {
-        throw Error(Error::concatFailed);
+        throw Error(Error::concatFailed, "the output location is no URL");
     }
     videosValidator_.validateVideosExistence(videos, 2);
     auto information = co_await videosInformationGenerator_.generateAssetsMetadata(videos);
@@ -43,7 +43,7 @@ CorvantaSdkVideoConcatEngine::carryOut(std::shared_ptr<CorvantaSdkVideoRequest> 
         co_await join(request->id, std::move(information), *outputURL);
     } catch (const std::exception& error) {
         markFailed(request->id, error);
-        throw Error(Error::concatFailed);
+        throw Error(Error::concatFailed, detailsOf(error));
     }
     markComplete(request->id);
     co_return CorvantaSdkVideoRequestResult{*outputURL};

@@ -45,12 +45,12 @@ Task<CorvantaSdkVideoRequestResult>
 CorvantaSdkVideoVideoEncoderEngine::carryOut(std::shared_ptr<CorvantaSdkVideoRequest> request) {
     if (!request->encodingData) {
         markUnusable(request->id);
-        throw Error(Error::encodingFailed);
+        throw Error(Error::encodingFailed, "the request tells of no encode");
     }
     const VideoEncodingData data = *request->encodingData;
     const auto outputURL = request->output.url(FileExtension(FileExtension::mp4).rawValue());
     if (!outputURL) {
-        throw Error(Error::unableToProcessOutput);
+        throw Error(Error::unableToProcessOutput, "the output location is no URL");
     }
     videoValidator_.validateFileAt(data.inputFileURL);
     videoValidator_.validateResolution(data.width);
@@ -60,7 +60,7 @@ CorvantaSdkVideoVideoEncoderEngine::carryOut(std::shared_ptr<CorvantaSdkVideoReq
     } catch (const std::exception& error) {
         Logger::logError(Event::processRequest, EventMessage::processRequestFailed(error));
         markFailed(request->id, error);
-        throw Error(Error::encodingFailed);
+        throw Error(Error::encodingFailed, detailsOf(error));
     }
     markComplete(request->id);
     co_return CorvantaSdkVideoRequestResult{*outputURL};

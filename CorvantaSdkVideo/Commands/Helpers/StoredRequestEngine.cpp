@@ -2,11 +2,11 @@
 
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <platform/Cancellation.hpp>
+#include <platform/ConsoleSink.hpp>
 
 #include <atomic>
 #include <charconv>
 #include <exception>
-#include <iostream>
 #include <utility>
 
 namespace corvanta {
@@ -65,10 +65,11 @@ void StoredRequestEngine::cancel(const CorvantaSdkVideoRequest& request) {
     const auto stored = storedRequest(request.id);
     const auto sessionId = stored ? sessionIdFrom(stored->processId) : std::nullopt;
     if (!sessionId) {
-        throw Error(Error::operationNotFound);
+        throw Error(Error::operationNotFound,
+                    stored ? "the request has no running command" : "no request of this id is stored");
     }
     if (stored->status != Status::processing) {
-        throw Error(Error::operationMustBeProcessingToBeCancelled);
+        throw Error(Error::operationMustBeProcessingToBeCancelled, "the request doesn't run");
     }
     // The session of another process is ended by that process, once it sees the row.
     if (!store_->isRunElsewhere(request.id)) {
@@ -79,20 +80,20 @@ void StoredRequestEngine::cancel(const CorvantaSdkVideoRequest& request) {
 
 void StoredRequestEngine::validateAuthentication() const {
     if (!credentialsManager_->isUserAuthenticated()) {
-        throw Error(Error::userNotAuthenticated);
+        throw Error(Error::userNotAuthenticated, "nobody is logged in");
     }
 }
 
 void StoredRequestEngine::validateRequestStatus(const CorvantaSdkVideoRequest& request) const {
     const auto stored = storedRequest(request.id);
     if (!stored) {
-        throw Error(Error::operationNotFound);
+        throw Error(Error::operationNotFound, "no request of this id is stored");
     }
     if (stored->status == Status::processing) {
-        throw Error(Error::operationStillsInProgress);
+        throw Error(Error::operationStillsInProgress, "the request is being processed");
     }
     if (stored->status == Status::completed) {
-        throw Error(Error::operationAlreadyCompleted);
+        throw Error(Error::operationAlreadyCompleted, "the request is complete");
     }
 }
 
@@ -100,7 +101,7 @@ void StoredRequestEngine::updateRequestRequest(const UUID& id, Fields withFields
     try {
         store_->updateRequest(id, UpdateRequestData{{withFields.begin(), withFields.end()}});
     } catch (const std::exception& error) {
-        std::cout << std::string("Request update failed with error ") + error.what() + '\n' << std::flush;
+        printToConsole(std::string("Request update failed with error ") + error.what());
     }
 }
 

@@ -15,7 +15,7 @@ using Error = CorvantaSdkVideoError;
 // What is no number is not large enough.
 void validateResolution(std::optional<double> component) {
     if (component && !(*component >= CorvantaSdkVideoMergeEngine::minimumSupportedResolutionDimension)) {
-        throw Error(Error::invalidResolution);
+        throw CorvantaSdkVideoFileValidator::tooSmall(*component);
     }
 }
 
@@ -34,7 +34,7 @@ Task<CorvantaSdkVideoRequestResult>
 CorvantaSdkVideoMergeEngine::carryOut(std::shared_ptr<CorvantaSdkVideoRequest> request) {
     if (!request->mergeData) {
         markUnusable(request->id);
-        throw Error(Error::mergeFailed);
+        throw Error(Error::mergeFailed, "the request tells of no merge");
     }
     const VideoMergeData data = *request->mergeData;
     videosValidator_.validateVideosExistence(data.videos, 2);
@@ -43,14 +43,14 @@ CorvantaSdkVideoMergeEngine::carryOut(std::shared_ptr<CorvantaSdkVideoRequest> r
     auto information = co_await videosInformationGenerator_.generateAssetsMetadata(data.videos);
     const auto outputURL = request->output.url(FileExtension(FileExtension::mp4).rawValue());
     if (!outputURL) {
-        throw Error(Error::unableToProcessOutput);
+        throw Error(Error::unableToProcessOutput, "the output location is no URL");
     }
     try {
         co_await merge(request->id, data, std::move(information), *outputURL);
     } catch (const std::exception& error) {
         Logger::logError(Event::mergeRequest, EventMessage::mergeRequestFailed(error));
         markFailed(request->id, error);
-        throw Error(Error::mergeFailed);
+        throw Error(Error::mergeFailed, detailsOf(error));
     }
     markComplete(request->id);
     co_return CorvantaSdkVideoRequestResult{*outputURL};

@@ -3,10 +3,12 @@
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/LogTail.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/ProbeOutput.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/WrittenOutput.hpp>
 #include <platform/AssetReader.hpp>
 #include <platform/Cancellation.hpp>
+#include <platform/ConsoleSink.hpp>
 #include <platform/FFmpegKit.hpp>
 #include <platform/FileManager.hpp>
 #include <platform/SessionWait.hpp>
@@ -15,7 +17,6 @@
 
 #include <cmath>
 #include <exception>
-#include <iostream>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -28,14 +29,22 @@ namespace {
 
 using SessionPointer = std::shared_ptr<Session>;
 
-// Throws unless the session that `start` starts ends with success.
-Task<SessionPointer> run(StartSession start) {
+// Throws unless the session that `start` starts ends with success; `tail` is what the program itself has
+// said.
+Task<SessionPointer> run(StartSession start, std::string program, std::shared_ptr<const LogTail> tail) {
     const SessionPointer session = co_await untilEnded(std::move(start));
     const auto returnCode = session->getReturnCode();
     if (!returnCode || !returnCode->isValueSuccess()) {
         throwIfCancelled(co_await asio::this_coro::cancellation_state);
-        throw PlatformError(FFmpegKitConfig::sessionStateToString(session->getState()).value_or(""),
-                            returnCode ? returnCode->getValue() : ReturnCode::notStarted);
+        const int code = returnCode ? returnCode->getValue() : ReturnCode::notStarted;
+        std::string details = session->getFailure().value_or(tail ? tail->text() : "");
+        if (details.empty()) {
+            details = program + (code == ReturnCode::cancelled
+                                     ? " was stopped"
+                                     : " returned " + std::to_string(code) + " and gave no reason");
+        }
+        throw PlatformError(FFmpegKitConfig::sessionStateToString(session->getState()).value_or(""), code,
+                            std::move(details));
     }
     co_return session;
 }
@@ -70,9 +79,23 @@ AffineTransform preferredTransformForStoredFile(const URL& url) {
         // A file that can't be loaded is told like one without the track.
     }
     if (!transform) {
-        throw CorvantaSdkVideoError(CorvantaSdkVideoError::missingVideoTrackToMerge);
+        throw CorvantaSdkVideoError(CorvantaSdkVideoError::missingVideoTrackToMerge,
+                                    url.path() + ": its video track can't be read");
     }
     return *transform;
+}
+
+// ffprobe is told to be quiet, so the file is opened here for the reason.
+std::string reasonForNoProbe(const URL& url, const std::exception& error) {
+    const auto* run = dynamic_cast<const PlatformError*>(&error);
+    if (run != nullptr && run->code() == 1) {
+        try {
+            AssetReader(url).duration();
+        } catch (const PlatformError& refusal) {
+            return refusal.details();
+        }
+    }
+    return url.path() + ": " + detailsOf(error);
 }
 
 } // namespace
@@ -88,10 +111,12 @@ void FFMPEGCommandExecutorImplementation::cancelCommandExecution(std::int64_t se
 Task<> FFMPEGCommandExecutorImplementation::executeFFMPEGCommand(std::string command,
                                                                  OnUpdateSessionId onUpdateSessionId) {
     const auto output = std::make_shared<WrittenOutput>(command);
-    StartSession start = [&command, &onUpdateSessionId, &output](CompleteCallback onComplete) {
-        const auto onLog = [output](const Log& log) {
+    const auto tail = std::make_shared<LogTail>();
+    StartSession start = [&command, &onUpdateSessionId, &output, &tail](CompleteCallback onComplete) {
+        const auto onLog = [output, tail](const Log& log) {
             output->hear(log.getMessage());
-            std::cout << log.getMessage() + '\n' << std::flush;
+            tail->add(log.getMessage());
+            printToConsole(log.getMessage());
         };
         const auto session = FFmpegKit::executeAsync(command, std::move(onComplete), onLog, nullptr);
         if (onUpdateSessionId) {
@@ -99,10 +124,11 @@ Task<> FFMPEGCommandExecutorImplementation::executeFFMPEGCommand(std::string com
         }
         return session;
     };
-    const SessionPointer session = co_await run(std::move(start));
+    const SessionPointer session = co_await run(std::move(start), "ffmpeg", tail);
     if (!output->isWhole()) {
+        const std::string said = tail->text();
         throw PlatformError(FFmpegKitConfig::sessionStateToString(session->getState()).value_or(""),
-                            outputNotWhole);
+                            outputNotWhole, "the output is not whole" + (said.empty() ? "" : ": " + said));
     }
 }
 
@@ -110,7 +136,7 @@ Task<ExecutionResult> FFMPEGCommandExecutorImplementation::executeFFMPEGProbeCom
     StartSession start = [&arguments](CompleteCallback onComplete) {
         return FFprobeKit::executeAsync(arguments, std::move(onComplete));
     };
-    const SessionPointer session = co_await run(std::move(start));
+    const SessionPointer session = co_await run(std::move(start), "ffprobe", nullptr);
     ExecutionResult result{session->getOutput().value_or("")};
     co_return result;
 }
@@ -118,10 +144,12 @@ Task<ExecutionResult> FFMPEGCommandExecutorImplementation::executeFFMPEGProbeCom
 Task<CorvantaSdkVideoInformation> FFMPEGCommandExecutorImplementation::getMediaInformation(URL url) {
     CommandPaths paths;
     std::optional<ExecutionResult> result;
+    std::string details = url.path() + ": ffprobe's answer can't be read";
     try {
         const URL file = paths.input(url, PathForm::quotedURL);
         if (FileManager::isEndless(url.path())) {
-            throw CorvantaSdkVideoError(CorvantaSdkVideoError::getInformationFailed);
+            throw CorvantaSdkVideoError(CorvantaSdkVideoError::getInformationFailed,
+                                        "reading it could wait for ever");
         }
         std::string arguments = "-i " + ffmpegFormatted(file.absoluteString()) +
                                 " -v quiet -print_format json -show_format -show_streams -hide_banner";
@@ -131,10 +159,11 @@ Task<CorvantaSdkVideoInformation> FFMPEGCommandExecutorImplementation::getMediaI
             throw;
         }
         // Whatever kept ffprobe from answering, the caller learns that there is no information.
+        details = reasonForNoProbe(url, error);
     }
     auto probe = result ? parseProbeOutput(result->output) : std::nullopt;
     if (!probe) {
-        throw CorvantaSdkVideoError(CorvantaSdkVideoError::getInformationFailed);
+        throw CorvantaSdkVideoError(CorvantaSdkVideoError::getInformationFailed, details);
     }
     const auto transform = probe->videos.empty() ? AffineTransform{} : preferredTransformForStoredFile(url);
     const Display display = displayOf(probe->videos, transform);

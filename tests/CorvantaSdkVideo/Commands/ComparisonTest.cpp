@@ -37,13 +37,22 @@ class ComparisonTest : public testing::Test, protected test::EngineBench {
         return !failure.empty() ? failure : answer ? "yes" : "no";
     }
 
-    std::string difference(std::vector<URL> videos) const {
-        return test::failureOf([&] { runBlocking(comparison.validateVideosForConcat(std::move(videos))); });
+    std::string difference(std::vector<URL> videos) {
+        details_.clear();
+        return test::failureOf([&] {
+            try {
+                runBlocking(comparison.validateVideosForConcat(std::move(videos)));
+            } catch (const CorvantaSdkVideoError& error) {
+                details_ = error.details();
+                throw;
+            }
+        });
     }
 
     const std::vector<URL> videos_ = {input("a.mp4"), input("b.mp4"), input("c.mp4")};
     std::size_t changed_ = 2;
     std::function<void(Information&)> change_ = [](Information&) {};
+    std::string details_;
 };
 
 TEST_F(ComparisonTest, NamesTheFirstDifferenceWhereverItIs) {
@@ -78,32 +87,37 @@ TEST_F(ComparisonTest, NamesTheFirstDifferenceWhereverItIs) {
         {"format", [](Information& i) { i.format = "matroska,webm"; }, formats},
         {"width", [](Information& i) { i.videos[0].width = 1918; }, videoTracks},
         {"height", [](Information& i) { i.videos[0].height = 1078; }, videoTracks},
-        {"turned width", [](Information& i) { i.videos[0].rotatedWidth = 1; }, videoTracks},
-        {"turned height", [](Information& i) { i.videos[0].rotatedHeight = 1; }, videoTracks},
+        {"displayed width of video track 0", [](Information& i) { i.videos[0].rotatedWidth = 1; },
+         videoTracks},
+        {"displayed height of video track 0", [](Information& i) { i.videos[0].rotatedHeight = 1; },
+         videoTracks},
         {"codec", [](Information& i) { i.videos[0].codec = "hevc"; }, videoTracks},
-        {"tag", [](Information& i) { i.videos[0].codecTag = "avc3"; }, videoTracks},
+        {"codec tag of video", [](Information& i) { i.videos[0].codecTag = "avc3"; }, videoTracks},
         {"pixel format", [](Information& i) { i.videos[0].pixelFormat = "yuv422p"; }, videoTracks},
-        {"rate", [](Information& i) { i.videos[0].frameRate = "60/2"; }, videoTracks},
+        {"frame rate", [](Information& i) { i.videos[0].frameRate = "60/2"; }, videoTracks},
         {"rotation", [](Information& i) { i.videos[0].rotation = 180; }, videoTracks},
-        {"no video", [](Information& i) { i.videos.clear(); }, videoTracks},
-        {"two videos", [](Information& i) { i.videos.push_back(i.videos[0]); }, videoTracks},
-        {"audio codec", [](Information& i) { i.audios[0].codec = "mp3"; }, audioTracks},
-        {"audio tag", [](Information& i) { i.audios[0].codecTag = "."; }, audioTracks},
+        {"number of video tracks is 0", [](Information& i) { i.videos.clear(); }, videoTracks},
+        {"number of video tracks is 2", [](Information& i) { i.videos.push_back(i.videos[0]); }, videoTracks},
+        {"codec of audio track 0", [](Information& i) { i.audios[0].codec = "mp3"; }, audioTracks},
+        {"codec tag of audio", [](Information& i) { i.audios[0].codecTag = "."; }, audioTracks},
         {"sample format", [](Information& i) { i.audios[0].sampleFormat = "s16"; }, audioTracks},
         {"sample rate", [](Information& i) { i.audios[0].sampleRate = 44'100; }, audioTracks},
-        {"channels", [](Information& i) { i.audios[0].channels = 1; }, audioTracks},
-        {"layout", [](Information& i) { i.audios[0].channelLayout = "mono"; }, audioTracks},
-        {"no audio", [](Information& i) { i.audios.clear(); }, audioTracks},
-        {"two audios", [](Information& i) { i.audios.push_back(i.audios[0]); }, audioTracks},
-        {"format, video, audio",
+        {"channel count", [](Information& i) { i.audios[0].channels = 1; }, audioTracks},
+        {"channel layout", [](Information& i) { i.audios[0].channelLayout = "mono"; }, audioTracks},
+        {"number of audio tracks is 0", [](Information& i) { i.audios.clear(); }, audioTracks},
+        {"number of audio tracks is 2", [](Information& i) { i.audios.push_back(i.audios[0]); }, audioTracks},
+        {"format is avi",
          [](Information& i) { i = {i.url, 0, 0, "avi", {}, {}, i.orientation, i.videoSize}; }, formats},
-        {"video, audio", [](Information& i) { i.videos.clear(), i.audios.clear(); }, videoTracks},
+        {"number of video tracks is 0", [](Information& i) { i.videos.clear(), i.audios.clear(); },
+         videoTracks},
     };
     for (const Case& change : cases) {
         SCOPED_TRACE(change.name);
         change_ = change.change;
         for (changed_ = 0; changed_ < videos_.size(); ++changed_) {
             EXPECT_EQ(difference(videos_), change.difference);
+            const std::string name = change.difference.empty() ? "" : change.name;
+            EXPECT_THAT(details_, testing::HasSubstr(name));
         }
     }
     changed_ = 0;

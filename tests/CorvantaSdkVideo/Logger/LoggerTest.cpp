@@ -27,7 +27,11 @@ TEST(LoggerDeathTest, VersionIsReadFromTheResource) {
                 const ScopedVariable resources("CORVANTA_RESOURCES", directory.path().string());
                 RecordedLog log;
                 Logger::addLog(Event::initVideo, EventMessage::initVideoModule());
-                bool good = log.version() == "unknown";
+                // It is a folder that can't be read, too.
+                std::filesystem::create_directory(directory.file("version.properties"));
+                Logger::addLog(Event::initVideo, EventMessage::initVideoModule());
+                bool good = log.version() == "unknown" && log.take().size() == 2;
+                std::filesystem::remove(directory.file("version.properties"));
                 writeFile(directory.file("version.properties"), text);
                 Logger::addLog(Event::initVideo, EventMessage::initVideoModule());
                 good = good && log.version() == version;

@@ -85,17 +85,17 @@ TEST(HostTest, FailuresAreOneLineWithTheCaseName) {
     const std::string text = directory.file("text.mp4");
     writeFile(text, "no media");
     for (const auto& [arguments, errors] : std::vector<std::pair<Words, std::string>>{
-             {{"info", "/no/such\nfile"}, "invalidInputFiles(inputContainsNonExistingFiles)"},
-             {{"info", text}, "getInformationFailed: Error getting video info: file://"},
-             {{"info", clip, "--logged-out"},
-              "userNotAuthenticated: Validate authentication failed: SDK not authenticated"},
-             {{"thumbnail", clip, output, "--width", "-1"}, "invalidThumbnailWidth"},
+             {{"info", "/no/such"},
+              "invalidInputFiles(inputContainsNonExistingFiles): there is no /no/such\n"},
+             {{"info", text},
+              "getInformationFailed: " + text + ": Invalid data found when processing input\n"},
+             {{"info", clip, "--logged-out"}, "userNotAuthenticated: nobody is logged in\n"},
+             {{"thumbnail", clip, output, "--width", "-1"}, "invalidThumbnailWidth: -1 pixels\n"},
              {{"thumbnail", clip, output, "--height=-1"}, "invalidThumbnailHeight"},
              {{"thumbnail", text, output, "--at", "0"}, "AssetReader error "},
-             {{"thumbnail", clip, directory.file("no/such/out"), "--at", "0"},
-              "thumbnailGenerationFailed: Error creating thumbnail"},
+             {{"thumbnail", clip, directory.file("no/such/out"), "--at", "0"}, "thumbnailGenerationFailed: "},
              {{"--json", "edit", directory.file("no/out"), clip, "--start", "0", "--end", "1"},
-              "trimFailed: Error editing video. "}}) {
+              "trimFailed: " + directory.file("no/out.mp4") + ": No such file or directory\n"}}) {
         const HostRun ended = runHost(arguments);
         EXPECT_EQ(ended.status, 1);
         EXPECT_EQ(ended.output, "");
