@@ -7,6 +7,7 @@
 #include <CorvantaSdkVideo/CorvantaSdkVideoFile.hpp>
 #include <CorvantaSdkVideo/CorvantaSdkVideoFileDescriptor.hpp>
 #include <CorvantaSdkVideo/CorvantaSdkVideoThumbnailInputVideo.hpp>
+#include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/NoiseCancellation/CorvantaSdkVideoNoiseCancellationEngine.hpp>
 #include <CorvantaSdkVideo/Shared/Models/CorvantaSdkVideoInformation.hpp>
 #include <CorvantaSdkVideo/Store/CoreData/CoreDataCorvantaStoreError.hpp>
@@ -56,6 +57,11 @@ class CorvantaSdkVideoInterface {
     /// Whether the files are alike enough for a concat. Too few or missing files are errors, different ones a
     /// "no".
     virtual Task<bool> canConcat(std::vector<CorvantaSdkVideoFile> input) = 0;
+
+    /// Why the answer is a "no": the first difference from the first file, or the file that can't be read, with
+    /// its `details()`. Nothing for a "yes".
+    virtual Task<std::optional<CorvantaSdkVideoError>>
+    obstacleToConcat(std::vector<CorvantaSdkVideoFile> input) = 0;
 
     /// Joins unlike videos by re-encoding them.
     virtual ::corvanta::MergeBuilder MergeBuilder(std::vector<CorvantaSdkVideoFile> input,

@@ -42,6 +42,13 @@ Task<bool> CorvantaSdkVideoInterfaceImp::canConcat(std::vector<CorvantaSdkVideoF
     co_return co_await concatInputValidator().canProcessConcatWith(std::move(videos));
 }
 
+Task<std::optional<CorvantaSdkVideoError>>
+CorvantaSdkVideoInterfaceImp::obstacleToConcat(std::vector<CorvantaSdkVideoFile> input) {
+    std::vector<URL> videos = urls(input);
+    Logger::addLog(Event::compareVideo, EventMessage::compare(videos));
+    co_return co_await concatInputValidator().obstacleToConcat(std::move(videos));
+}
+
 ::corvanta::MergeBuilder CorvantaSdkVideoInterfaceImp::MergeBuilder(std::vector<CorvantaSdkVideoFile> input,
                                                                     CorvantaSdkVideoFileDescriptor output) {
     Logger::addLog(Event::createMergeBuilder, EventMessage::createMergeBuilder());

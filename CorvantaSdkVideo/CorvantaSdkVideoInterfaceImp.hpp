@@ -25,6 +25,8 @@ class CorvantaSdkVideoInterfaceImp : public CorvantaSdkVideoInterface {
                       std::optional<std::int64_t> width, std::optional<std::int64_t> height) override;
 
     Task<bool> canConcat(std::vector<CorvantaSdkVideoFile> input) override;
+    Task<std::optional<CorvantaSdkVideoError>>
+    obstacleToConcat(std::vector<CorvantaSdkVideoFile> input) override;
 
     ::corvanta::MergeBuilder MergeBuilder(std::vector<CorvantaSdkVideoFile> input,
                                           CorvantaSdkVideoFileDescriptor output) override;

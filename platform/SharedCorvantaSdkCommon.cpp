@@ -2,6 +2,7 @@
 
 #include <platform/NeverDestroyed.hpp>
 
+#include <spdlog/sinks/stdout_color_sinks.h>
 #include <spdlog/spdlog.h>
 
 #include <shared_mutex>
@@ -42,9 +43,19 @@ class SpdlogSink : public SharedCorvantaSdkLogSink {
         }
         const auto level =
             record.severity == SharedCorvantaSdkLogSeverity::error ? spdlog::level::err : spdlog::level::info;
-        spdlog::log(level, "[video {}] {}: {}{}{}", record.moduleVersion, record.tag, record.message,
+        const auto shared = spdlog::default_logger();
+        if (!shared || !shared->should_log(level)) {
+            return;
+        }
+        // spdlog's own logger, which no host has named, writes to standard output, and that is the host's.
+        const auto& logger = shared->name().empty() ? standardError_ : shared;
+        logger->log(level, "[video {}] {}: {}{}{}", record.moduleVersion, record.tag, record.message,
                     record.details.empty() ? "" : " ", record.details);
     }
+
+  private:
+    const std::shared_ptr<spdlog::logger> standardError_ = std::make_shared<spdlog::logger>(
+        "corvanta-sdk-video", std::make_shared<spdlog::sinks::stderr_color_sink_mt>());
 };
 
 } // namespace

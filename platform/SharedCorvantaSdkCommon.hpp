@@ -56,7 +56,8 @@ class SharedCorvantaSdkLogSink {
 /// replaced by then.
 class SharedCorvantaSdkCommon {
   public:
-    /// At first nobody is logged in, and records go to spdlog's default logger.
+    /// At first nobody is logged in, and records go to spdlog's default logger if the host has set one with a
+    /// name, else to standard error at the level of spdlog's own.
     SharedCorvantaSdkCommon();
 
     std::shared_ptr<SharedCorvantaSdkAuth> auth() const;

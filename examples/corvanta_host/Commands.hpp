@@ -6,8 +6,6 @@
 #include <CorvantaSdkVideo/CorvantaSdkVideo.hpp>
 
 #include <functional>
-#include <string>
-#include <vector>
 
 /// What a chosen subcommand does; a thrown error is the program's failure.
 using Command = std::function<void(Console&)>;
@@ -25,9 +23,3 @@ void addWatchCommand(CLI::App& app, Command& chosen);
 void addProcessCommand(CLI::App& app, Command& chosen);
 void addCleanCommand(CLI::App& app, Command& chosen);
 void addTracksCommand(CLI::App& app, Command& chosen);
-
-/// The files of the command line, named as they stand.
-std::vector<corvanta::CorvantaSdkVideoFile> inputFiles(const std::vector<std::string>& paths);
-
-/// The output location, relative to the working directory, without extension.
-corvanta::CorvantaSdkVideoFileDescriptor outputLocation(const std::string& path);

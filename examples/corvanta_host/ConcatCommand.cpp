@@ -1,4 +1,7 @@
 #include "Commands.hpp"
+#include "FileArguments.hpp"
+#include "Inputs.hpp"
+#include "Output.hpp"
 #include "RequestRun.hpp"
 #include "Run.hpp"
 
@@ -10,24 +13,34 @@ using namespace corvanta;
 
 namespace {
 
-struct ConcatOptions {
-    std::string output;
-    std::vector<std::string> inputs;
-};
-
 void canConcat(Console& console, const std::vector<std::string>& inputs) {
-    const bool answer = runInterruptible(CorvantaSdkVideo->canConcat(inputFiles(inputs)));
+    const auto obstacle = runInterruptible(CorvantaSdkVideo->obstacleToConcat(inputFiles(inputs)));
     if (console.json()) {
-        console.print(nlohmann::ordered_json{{"canConcat", answer}});
+        console.print(nlohmann::ordered_json{{"canConcat", !obstacle}});
     } else {
-        console.print("{}\n", answer ? "yes" : "no");
+        console.print("{}\n", obstacle ? "no" : "yes");
     }
+    // Why not is told as a failure is.
+    if (obstacle) {
+        throw CorvantaSdkVideoError(*obstacle);
+    }
+}
+
+void concat(Console& console, const FileArguments& arguments) {
+    const Files files = arguments.files();
+    const auto inputs = inputFiles(files.inputs);
+    const Output output = outputFor(files, inputs.front().fileExtension());
+    requireReadable(inputs);
+    const auto builder = CorvantaSdkVideo->ConcatBuilder(inputs, output.location);
+    runRequest(console, builder.build(), output.path);
 }
 
 } // namespace
 
 void addCanConcatCommand(CLI::App& app, Command& chosen) {
-    auto* command = app.add_subcommand("can-concat", "Tell whether videos can be joined by stream copy");
+    auto* command = app.add_subcommand(
+        "can-concat",
+        "Tell whether videos can be joined by stream copy: yes, or no (exit status 1) and why not");
     const auto inputs = std::make_shared<std::vector<std::string>>();
     command->add_option("FILE", *inputs, "Video files")->required();
     command->callback(
@@ -36,14 +49,7 @@ void addCanConcatCommand(CLI::App& app, Command& chosen) {
 
 void addConcatCommand(CLI::App& app, Command& chosen) {
     auto* command = app.add_subcommand("concat", "Join like videos by stream copy");
-    const auto options = std::make_shared<ConcatOptions>();
-    command->add_option("OUT", options->output, "Where to write it, without extension")->required();
-    command->add_option("FILE", options->inputs, "Video files, in order")->required();
-    command->callback([&chosen, options] {
-        chosen = [options](Console& console) {
-            const auto builder =
-                CorvantaSdkVideo->ConcatBuilder(inputFiles(options->inputs), outputLocation(options->output));
-            runRequest(console, builder.build());
-        };
-    });
+    const FileArguments arguments(*command, true);
+    command->callback(
+        [&chosen, arguments] { chosen = [arguments](Console& console) { concat(console, arguments); }; });
 }

@@ -1,12 +1,18 @@
 #include "Commands.hpp"
+#include "Failures.hpp"
+#include "FileArguments.hpp"
+#include "Inputs.hpp"
+#include "Output.hpp"
 #include "Progress.hpp"
 #include "Run.hpp"
+#include "Values.hpp"
 
 #include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorImplementation.hpp>
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 
 using namespace corvanta;
@@ -14,45 +20,50 @@ using namespace corvanta;
 namespace {
 
 struct EditOptions {
-    std::string output;
-    std::string input;
-    double startSeconds = 0;
-    double endSeconds = 0;
+    explicit EditOptions(CLI::App& command) : arguments(command, false) {}
+
+    FileArguments arguments;
+    std::string start;
+    std::string end;
     std::int64_t rotationDegrees = 0;
     float volume = 1;
 };
 
 void edit(Console& console, const EditOptions& options) {
-    const auto output = outputLocation(options.output).url(FileExtension(FileExtension::mp4).rawValue());
-    if (!output) {
-        throw CorvantaSdkVideoError(CorvantaSdkVideoError::unableToProcessOutput);
+    const double start = secondsFrom("--start", options.start, 1);
+    const double end = secondsFrom("--end", options.end, 1);
+    if (options.rotationDegrees % 90 != 0 || std::abs(options.rotationDegrees) >= 360) {
+        throw UsageError(
+            fmt::format("--rotate takes quarter turns, 0, 90, 180 or 270, not {}", options.rotationDegrees));
     }
-    const double seconds = options.endSeconds - options.startSeconds;
-    const Progress progress(console, "Editing",
-                            static_cast<std::int64_t>(std::clamp(seconds, 0.0, 1e9) * 1000));
+    if (!(options.volume >= 0) || !std::isfinite(options.volume)) {
+        throw UsageError(fmt::format("--volume takes a factor from 0 up, not {}", options.volume));
+    }
+    const Files files = options.arguments.files();
+    const auto inputs = inputFiles(files.inputs);
+    const Output output = outputFor(files, "mp4");
+    UnfinishedOutput unfinished(output.path);
+    const Progress progress(console, "edit", std::llround(std::clamp(end - start, 0.0, 1e9) * 1000));
     CorvantaSdkVideoEditorImplementation editor;
-    const auto result = runInterruptible(
-        editor.edit({inputFiles({options.input}).front().url(), *output, options.startSeconds,
-                     options.endSeconds, options.rotationDegrees, options.volume}));
-    if (console.json()) {
-        console.print(nlohmann::ordered_json{{"editedVideoURL", result.editedVideoURL->absoluteString()}});
-    } else {
-        console.print("{}\n", result.editedVideoURL->path());
-    }
+    runInterruptible(editor.edit({inputs.front().url(), URL::fromFilePath(output.path), start, end,
+                                  options.rotationDegrees, options.volume}));
+    unfinished.keep();
+    console.printPath(output.path, {});
 }
 
 } // namespace
 
 void addEditCommand(CLI::App& app, Command& chosen) {
     auto* command = app.add_subcommand("edit", "Trim, turn and set the volume, without encoding the picture");
-    const auto options = std::make_shared<EditOptions>();
-    command->add_option("OUT", options->output, "Where to write the mp4 file, without extension")->required();
-    command->add_option("FILE", options->input, "Video file")->required();
-    command->add_option("--start", options->startSeconds, "Start of the kept range in seconds")->required();
-    command->add_option("--end", options->endSeconds, "End of the kept range in seconds")->required();
-    command->add_option("--rotate", options->rotationDegrees, "Turn to record, in degrees clockwise")
+    const auto options = std::make_shared<EditOptions>(*command);
+    command->add_option("--start", options->start, "Start of the kept range: seconds, or 0:01.5")->required();
+    command->add_option("--end", options->end, "End of the kept range")->required();
+    command
+        ->add_option("--rotate", options->rotationDegrees,
+                     "Turn to record, in quarters: 0, 90, 180 or 270 degrees clockwise")
         ->capture_default_str();
-    command->add_option("--volume", options->volume, "Factor for the sound")->capture_default_str();
+    command->add_option("--volume", options->volume, "Factor for the sound, 0 for silence")
+        ->capture_default_str();
     command->callback(
         [&chosen, options] { chosen = [options](Console& console) { edit(console, *options); }; });
 }

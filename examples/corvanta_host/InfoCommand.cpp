@@ -1,4 +1,6 @@
 #include "Commands.hpp"
+#include "Inputs.hpp"
+#include "Progress.hpp"
 #include "Run.hpp"
 
 #include <nlohmann/json.hpp>
@@ -45,7 +47,7 @@ template <typename Record>
 json toJsonList(const std::vector<Record>& records);
 
 json toJson(const CorvantaSdkVideoInformation& file) {
-    return {{"path", file.path},
+    return {{"path", file.url.path()},
             {"size", file.size},
             {"durationMillis", file.durationMillis},
             {"format", file.format},
@@ -96,8 +98,14 @@ void printTable(Console& console, const CorvantaSdkVideoInformation& file) {
     }
 }
 
+std::vector<CorvantaSdkVideoInformation> informationOf(Console& console,
+                                                       const std::vector<std::string>& paths) {
+    const Progress progress(console, "info", std::nullopt, paths.size());
+    return runInterruptible(CorvantaSdkVideo->getVideosInformation(inputFiles(paths)));
+}
+
 void info(Console& console, const std::vector<std::string>& paths) {
-    const auto files = runInterruptible(CorvantaSdkVideo->getVideosInformation(inputFiles(paths)));
+    const auto files = informationOf(console, paths);
     if (console.json()) {
         console.print(toJsonList(files));
         return;

@@ -1,6 +1,13 @@
 #include "Commands.hpp"
+#include "FileArguments.hpp"
+#include "Inputs.hpp"
+#include "Output.hpp"
+#include "PictureSize.hpp"
 #include "RequestRun.hpp"
+#include "Run.hpp"
+#include "TrackChecks.hpp"
 #include "TrackSelection.hpp"
+#include "Values.hpp"
 
 #include <memory>
 #include <optional>
@@ -10,97 +17,136 @@ using namespace corvanta;
 namespace {
 
 struct CommonOptions {
-    std::string output;
-    std::optional<double> width;
-    std::optional<double> height;
+    CommonOptions(CLI::App& command, bool severalFiles) : arguments(command, severalFiles) {
+        command.add_option("--width", size.width, "Width of the picture in pixels, even, from 128 on");
+        command.add_option(
+            "--height", size.height,
+            "Height; one side alone keeps the shape of the largest picture. Clips that were "
+            "taken upright (rotation -90 in `info`) need both, else they become small in a wide "
+            "frame");
+        command.add_option("--fps", rate, "Output frame rate")
+            ->check(CLI::IsMember({"24", "25", "30", "50", "60"}))
+            ->capture_default_str();
+    }
+
+    FileArguments arguments;
+    PictureSize size;
     std::string rate = "30";
+    std::vector<std::string> videoTracks;
 };
 
 struct MergeOptions : CommonOptions {
-    std::vector<std::string> inputs;
-    std::vector<std::string> videoTracks;
+    using CommonOptions::CommonOptions;
     std::vector<std::string> audioTracks;
 };
 
 struct EncodeOptions : CommonOptions {
-    std::string input;
-    std::vector<std::string> videoTracks;
+    using CommonOptions::CommonOptions;
     std::vector<std::int64_t> audioTracks;
 };
 
-void addCommonOptions(CLI::App& command, CommonOptions& options) {
-    command.add_option("--width", options.width, "Output width in pixels");
-    command.add_option("--height", options.height, "Output height in pixels");
-    command.add_option("--fps", options.rate, "Output frame rate")
-        ->check(CLI::IsMember({"24", "25", "30", "50", "60"}))
-        ->capture_default_str();
+using Information = std::vector<CorvantaSdkVideoInformation>;
+
+// What the run is about, once all that can be refused has been.
+struct Job {
+    std::vector<CorvantaSdkVideoFile> inputs;
+    Output output;
+    PictureSize size;
+};
+
+// Files are asked for what is in them only where the options need to know it.
+template <typename RequireTracks>
+Job prepared(Console& console, const CommonOptions& options, bool selectsTracks,
+             RequireTracks requireTracks) {
+    requireSide("--width", options.size.width);
+    requireSide("--height", options.size.height);
+    const Files files = options.arguments.files();
+    Job job{inputFiles(files.inputs), outputFor(files, "mp4"), options.size};
+    requireReadable(job.inputs);
+    const bool hasOneSide = options.size.width.has_value() != options.size.height.has_value();
+    if (selectsTracks || hasOneSide) {
+        const Information information = runInterruptible(CorvantaSdkVideo->getVideosInformation(job.inputs));
+        requireTracks(information);
+        if (!options.size.width || !options.size.height) {
+            requireSizes(information);
+        }
+        if (hasOneSide && !selectsTracks) {
+            job.size = completed(job.size, information);
+        }
+    }
+    if (!options.size.width && !options.size.height && !selectsTracks) {
+        hintAtUprightClips(console, urlsOf(job.inputs));
+    }
+    return job;
 }
 
 template <typename Builder>
-void setCommon(Builder& builder, const CommonOptions& options) {
-    builder.width = options.width;
-    builder.height = options.height;
+void runBuilder(Console& console, Builder& builder, const Job& job, const CommonOptions& options) {
+    builder.width = job.size.width;
+    builder.height = job.size.height;
     builder.framesRate = *CorvantaSdkVideoFrameRate::fromRawValue(options.rate);
+    runRequest(console, builder.build(), job.output.path);
 }
 
 void merge(Console& console, const MergeOptions& options) {
-    auto builder = CorvantaSdkVideo->MergeBuilder(inputFiles(options.inputs), outputLocation(options.output));
-    setCommon(builder, options);
+    std::vector<CorvantaSdkVideoMergeVideoTrack> videoTracks;
     for (const std::string& text : options.videoTracks) {
-        builder.videoTracks.push_back(videoTrackFrom(text));
+        videoTracks.push_back(videoTrackFrom(text));
     }
+    std::vector<CorvantaSdkVideoMergeAudioTrack> audioTracks;
     for (const std::string& text : options.audioTracks) {
-        builder.audioTracks.push_back(audioTrackFrom(text));
+        audioTracks.push_back(audioTrackFrom(text));
     }
-    runRequest(console, builder.build());
+    const Job job = prepared(
+        console, options, !videoTracks.empty() || !audioTracks.empty(),
+        [&](const Information& information) { requireStreams(videoTracks, audioTracks, information); });
+    auto builder = CorvantaSdkVideo->MergeBuilder(job.inputs, job.output.location);
+    builder.videoTracks = videoTracks;
+    builder.audioTracks = audioTracks;
+    runBuilder(console, builder, job, options);
 }
 
 void encode(Console& console, const EncodeOptions& options) {
-    auto builder = CorvantaSdkVideo->EncodingBuilder(inputFiles({options.input}).front(),
-                                                     outputLocation(options.output));
-    setCommon(builder, options);
+    std::vector<CorvantaSdkVideoEncodeVideoEntry> videoTracks;
     for (const std::string& text : options.videoTracks) {
-        builder.videoTracks.push_back(encodeEntryFrom(text));
+        videoTracks.push_back(encodeEntryFrom(text));
     }
+    const Job job = prepared(console, options, !videoTracks.empty() || !options.audioTracks.empty(),
+                             [&](const Information& information) {
+                                 requireStreams(videoTracks, options.audioTracks, information.front());
+                             });
+    auto builder = CorvantaSdkVideo->EncodingBuilder(job.inputs.front(), job.output.location);
+    builder.videoTracks = videoTracks;
     builder.audioTracks = options.audioTracks;
-    runRequest(console, builder.build());
+    runBuilder(console, builder, job, options);
+}
+
+template <typename Values>
+void addRepeated(CLI::App& command, const std::string& name, Values& values, const std::string& description) {
+    command.add_option(name, values, description + "; can be repeated")
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
 }
 
 } // namespace
 
 void addMergeCommand(CLI::App& app, Command& chosen) {
     auto* command = app.add_subcommand("merge", "Join unlike videos by re-encoding them");
-    const auto options = std::make_shared<MergeOptions>();
-    command->add_option("OUT", options->output, "Where to write it, without extension")->required();
-    command->add_option("FILE", options->inputs, "Video files, in order")->required();
-    addCommonOptions(*command, *options);
-    command
-        ->add_option("--video-track", options->videoTracks,
-                     "An output video track, FILE:STREAM,FILE:STREAM[@WxH]; can be repeated")
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-    command
-        ->add_option("--audio-track", options->audioTracks,
-                     "An output audio track, FILE:STREAM,FILE:STREAM; can be repeated")
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    const auto options = std::make_shared<MergeOptions>(*command, true);
+    addRepeated(*command, "--video-track", options->videoTracks,
+                "An output video track, FILE:STREAM,FILE:STREAM[@WxH], files counted from 0 and streams as "
+                "`info` numbers them");
+    addRepeated(*command, "--audio-track", options->audioTracks,
+                "An output audio track, FILE:STREAM,FILE:STREAM");
     command->callback(
         [&chosen, options] { chosen = [options](Console& console) { merge(console, *options); }; });
 }
 
 void addEncodeCommand(CLI::App& app, Command& chosen) {
     auto* command = app.add_subcommand("encode", "Re-encode one video");
-    const auto options = std::make_shared<EncodeOptions>();
-    command->add_option("OUT", options->output, "Where to write it, without extension")->required();
-    command->add_option("FILE", options->input, "Video file")->required();
-    addCommonOptions(*command, *options);
-    command
-        ->add_option("--video", options->videoTracks, "A video stream to keep, STREAM[@WxH]; can be repeated")
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-    command->add_option("--audio", options->audioTracks, "An audio stream to keep; can be repeated")
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    const auto options = std::make_shared<EncodeOptions>(*command, false);
+    addRepeated(*command, "--video", options->videoTracks, "A video stream to keep, STREAM[@WxH]");
+    addRepeated(*command, "--audio", options->audioTracks, "An audio stream to keep");
     command->callback(
         [&chosen, options] { chosen = [options](Console& console) { encode(console, *options); }; });
 }

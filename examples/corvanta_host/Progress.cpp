@@ -8,40 +8,76 @@
 #include <mutex>
 #include <utility>
 
+#include <sys/ioctl.h>
+#include <unistd.h>
+
 using namespace corvanta;
 using Clock = std::chrono::steady_clock;
 
 namespace {
 
-constexpr int barWidth = 30;
+constexpr int widestBar = 30;
+constexpr int narrowestBar = 5;
+constexpr int usualColumns = 80;
+
+// What an estimate from less would say changes by hours at each step.
+constexpr double leastShareForEstimate = 0.01;
+constexpr double leastSecondsForEstimate = 1;
+constexpr double longestEstimate = 100 * 3600.0;
 
 std::string clockTime(double seconds) {
     const auto whole = static_cast<std::int64_t>(std::llround(seconds));
-    return fmt::format("{}:{:02}", whole / 60, whole % 60);
+    return whole < 3600 ? fmt::format("{}:{:02}", whole / 60, whole % 60)
+                        : fmt::format("{}:{:02}:{:02}", whole / 3600, whole / 60 % 60, whole % 60);
 }
 
 double secondsSince(Clock::time_point start) {
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
+std::size_t columns() {
+    winsize size{};
+    const bool isKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    // The last column is left to the cursor.
+    return static_cast<std::size_t>(isKnown ? size.ws_col : usualColumns) - 1;
+}
+
+std::string timeLeft(double spent, double share) {
+    if (share < leastShareForEstimate || spent < leastSecondsForEstimate ||
+        spent / share - spent > longestEstimate) {
+        return "";
+    }
+    return fmt::format(" {} left", clockTime(spent / share - spent));
+}
+
+std::string bar(double share, int width) {
+    const int filled = static_cast<int>(share * width);
+    return fmt::format(" [{:=<{}}{: <{}}]", "", filled, "", width - filled);
+}
+
 } // namespace
 
-/// Shared with the statistics callback, which comes on another thread and may come late.
+/// Shared with the callbacks, which come on other threads and may come late.
 class Progress::Display {
   public:
-    Display(bool onTerminal, std::string label, std::optional<std::int64_t> totalMillis)
-        : onTerminal_(onTerminal), label_(std::move(label)), totalMillis_(totalMillis) {}
+    Display(const Console& console, std::string label, std::optional<std::int64_t> totalMillis,
+            std::size_t fileCount)
+        : onTerminal_(console.drawsProgress()), isSilent_(!onTerminal_ && !console.printsProgress()),
+          label_(std::move(label)), totalMillis_(totalMillis), fileCount_(fileCount) {}
 
     void show(const Statistics& statistics) {
         const std::lock_guard lock(mutex_);
-        // Plain lines go to logs, where a few are enough.
-        if (closed_ || (!onTerminal_ && secondsSince(lastLine_) < 5)) {
-            return;
+        if (isDue()) {
+            draw(describe(statistics));
         }
-        lastLine_ = Clock::now();
-        const std::string text = describe(statistics);
-        fmt::print(stderr, "{}", onTerminal_ ? "\r\x1b[K" + text : text + '\n');
-        drawn_ = true;
+    }
+
+    void showProbe() {
+        const std::lock_guard lock(mutex_);
+        const std::size_t file = probes_++ % std::max<std::size_t>(fileCount_, 1) + 1;
+        if (fileCount_ > 1 && isDue()) {
+            draw(fmt::format("{}: reading file {} of {}", label_, file, fileCount_));
+        }
     }
 
     void close() {
@@ -53,6 +89,16 @@ class Progress::Display {
     }
 
   private:
+    // Plain lines go to logs, where a few are enough.
+    bool isDue() const { return !closed_ && !isSilent_ && (onTerminal_ || secondsSince(lastLine_) >= 5); }
+
+    void draw(const std::string& text) {
+        lastLine_ = Clock::now();
+        fmt::print(stderr, "{}", onTerminal_ ? "\r\x1b[K" + text.substr(0, columns()) : text + '\n');
+        drawn_ = true;
+    }
+
+    // What finds no place in the line is left out: the bar first, then the speed.
     std::string describe(const Statistics& statistics) const {
         const double spent = secondsSince(start_);
         if (!totalMillis_ || *totalMillis_ <= 0) {
@@ -60,31 +106,41 @@ class Progress::Display {
         }
         const double share = std::clamp(
             static_cast<double>(statistics.timeMillis) / static_cast<double>(*totalMillis_), 0.0, 1.0);
-        const int filled = static_cast<int>(share * barWidth);
-        const std::string bar = fmt::format("[{:=<{}}{: <{}}]", "", filled, "", barWidth - filled);
-        const std::string left = share > 0 ? clockTime(spent / share - spent) : "?";
-        return fmt::format("{} {} {:3.0f} % {:.2f}x, {} left", label_, bar, share * 100, statistics.speed,
-                           left);
+        const std::string percent = fmt::format(" {:3.0f} %", share * 100);
+        const std::string speed = statistics.speed > 0 ? fmt::format(" {:.3g}x", statistics.speed) : "";
+        const std::string left = timeLeft(spent, share);
+        const std::size_t room = onTerminal_ ? columns() : usualColumns;
+        const std::size_t taken = label_.size() + percent.size() + speed.size() + left.size() + 3;
+        const int width = std::min(widestBar, static_cast<int>(room) - static_cast<int>(taken));
+        return label_ + (width >= narrowestBar ? bar(share, width) : "") + percent +
+               (taken - 3 <= room ? speed : "") + left;
     }
 
     const bool onTerminal_;
+    const bool isSilent_;
     const std::string label_;
     const std::optional<std::int64_t> totalMillis_;
+    const std::size_t fileCount_;
     const Clock::time_point start_ = Clock::now();
 
     std::mutex mutex_;
     Clock::time_point lastLine_ = Clock::now();
+    std::size_t probes_ = 0;
     bool drawn_ = false;
     bool closed_ = false;
 };
 
-Progress::Progress(const Console& console, std::string label, std::optional<std::int64_t> totalMillis)
-    : display_(std::make_shared<Display>(console.drawsProgress(), std::move(label), totalMillis)) {
+Progress::Progress(Console& console, std::string label, std::optional<std::int64_t> totalMillis,
+                   std::size_t fileCount)
+    : console_(console),
+      display_(std::make_shared<Display>(console, std::move(label), totalMillis, fileCount)) {
     FFmpegKitConfig::enableStatisticsCallback(
         [display = display_](const Statistics& statistics) { display->show(statistics); });
+    console.listenToProbes([display = display_] { display->showProbe(); });
 }
 
 Progress::~Progress() {
     FFmpegKitConfig::enableStatisticsCallback(nullptr);
+    console_.listenToProbes(nullptr);
     display_->close();
 }

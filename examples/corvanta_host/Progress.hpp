@@ -2,17 +2,21 @@
 
 #include "Console.hpp"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 
-/// Shows how far ffmpeg has come, as long as it lives: a bar with percent, speed and time left on a terminal,
-/// plain lines otherwise.
+/// Shows how far the module has come, as long as it lives: files that are probed, then a bar with percent,
+/// speed and time left, in one line of a terminal, as wide as that is; elsewhere plain lines, few enough for
+/// a log.
 class Progress {
   public:
-    /// Without `totalMillis` of output to come, only the time spent is shown.
-    Progress(const Console& console, std::string label, std::optional<std::int64_t> totalMillis);
+    /// Without `totalMillis` of output to come, only the time spent is shown. `fileCount` files are probed
+    /// first, once or more often.
+    Progress(Console& console, std::string label, std::optional<std::int64_t> totalMillis,
+             std::size_t fileCount = 1);
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
     ~Progress();
@@ -20,5 +24,6 @@ class Progress {
   private:
     class Display;
 
+    Console& console_;
     std::shared_ptr<Display> display_;
 };

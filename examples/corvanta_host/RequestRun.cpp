@@ -1,13 +1,12 @@
 #include "RequestRun.hpp"
 
+#include "Inputs.hpp"
+#include "Output.hpp"
 #include "Progress.hpp"
 #include "Run.hpp"
 
 #include <fmt/chrono.h>
 #include <nlohmann/json.hpp>
-
-#include <exception>
-#include <stdexcept>
 
 using namespace corvanta;
 using json = nlohmann::ordered_json;
@@ -24,41 +23,10 @@ std::vector<URL> inputsOf(const CorvantaSdkVideoRequest& request) {
     return request.encodingData ? std::vector<URL>{request.encodingData->inputFileURL} : std::vector<URL>{};
 }
 
-// The output is as long as all inputs together. Without their lengths there is no percentage; why they can't
-// be read is for the request to say. Ctrl-C here means the request as well.
-std::optional<std::int64_t> expectedMillis(const CorvantaSdkVideoRequest& request) {
-    std::vector<CorvantaSdkVideoFile> files;
-    for (const URL& url : inputsOf(request)) {
-        files.emplace_back(url);
-    }
-    bool interrupted = false;
-    std::optional<std::int64_t> total;
-    try {
-        const auto information =
-            runInterruptible(CorvantaSdkVideo->getVideosInformation(files), [&interrupted] {
-                interrupted = true;
-                FFmpegKit::cancel();
-            });
-        total = 0;
-        for (const CorvantaSdkVideoInformation& file : information) {
-            *total += file.durationMillis;
-        }
-    } catch (const std::exception&) {
-        total.reset();
-    }
-    if (interrupted) {
-        throw std::runtime_error("interrupted before the run");
-    }
-    return total;
-}
-
-void cancel(CorvantaSdkVideoRequest& request) {
-    try {
-        request.cancel();
-    } catch (const CorvantaSdkVideoError&) {
-        // Not running yet, so what runs is one of its probes.
-        FFmpegKit::cancel();
-    }
+bool isFailureOfRun(const CorvantaSdkVideoError& error) {
+    using Error = CorvantaSdkVideoError;
+    return error.kind() == Error::concatFailed || error.kind() == Error::mergeFailed ||
+           error.kind() == Error::encodingFailed;
 }
 
 std::string timestamp(CorvantaSdkVideoRequest::Date date) {
@@ -67,31 +35,38 @@ std::string timestamp(CorvantaSdkVideoRequest::Date date) {
 
 } // namespace
 
-void runRequest(Console& console, const RequestPointer& request) {
-    fmt::print(stderr, "request {}\n", uuidString(request->id));
-    const auto total = expectedMillis(*request);
-    CorvantaSdkVideoRequest::Result result;
+void runRequest(Console& console, const RequestPointer& request, const std::string& outputPath) {
+    const std::string id = uuidString(request->id);
+    console.tellRequest(id);
+    const std::vector<URL> inputs = inputsOf(*request);
+    UnfinishedOutput unfinished(outputPath);
     {
-        const Progress progress(console, std::string(name(request->type)), total);
-        result = runInterruptible(request->process(), [request] { cancel(*request); });
+        const Progress progress(console, std::string(name(request->type)), totalMillis(inputs),
+                                inputs.size());
+        try {
+            runInterruptible(request->process());
+        } catch (const CorvantaSdkVideoError& error) {
+            // Another process may be writing what this one was refused to.
+            if (!isFailureOfRun(error)) {
+                unfinished.keep();
+            }
+            throw;
+        }
     }
-    if (console.json()) {
-        console.print(json{{"id", uuidString(request->id)}, {"videoURL", result.videoURL.absoluteString()}});
-    } else {
-        console.print("{}\n", result.videoURL.path());
-    }
+    unfinished.keep();
+    console.printPath(outputPath, json{{"id", id}});
 }
 
 json toJson(const CorvantaSdkVideoRequest& request) {
     json inputs = json::array();
     for (const URL& url : inputsOf(request)) {
-        inputs.push_back(url.absoluteString());
+        inputs.push_back(url.path());
     }
     const auto output = request.outputPath();
     json object = {{"id", uuidString(request.id)},
                    {"type", name(request.type)},
                    {"status", name(request.status)},
-                   {"outputPath", output ? json(output->absoluteString()) : json()},
+                   {"outputPath", output ? json(output->path()) : json()},
                    {"inputs", inputs},
                    {"createdAt", timestamp(request.createdAt)},
                    {"updatedAt", timestamp(request.updatedAt)},

@@ -1,4 +1,6 @@
 #include "Commands.hpp"
+#include "Failures.hpp"
+#include "Output.hpp"
 #include "RequestRun.hpp"
 #include "Run.hpp"
 
@@ -7,7 +9,6 @@
 #include <algorithm>
 #include <iterator>
 #include <memory>
-#include <stdexcept>
 #include <utility>
 
 using namespace corvanta;
@@ -34,7 +35,7 @@ UUID parsedId(const std::string& text) {
     if (const auto id = parseUUID(text)) {
         return *id;
     }
-    throw std::invalid_argument("\"" + text + "\" is no request id");
+    throw UsageError("\"" + text + "\" is no request id: `requests` lists them");
 }
 
 // A wrong id gives none at all.
@@ -53,7 +54,7 @@ std::vector<RequestPointer> requestsWith(const Selection& selection) {
     for (const std::string& text : selection.ids) {
         const auto found = std::ranges::find(requests, parsedId(text), &CorvantaSdkVideoRequest::id);
         if (found == requests.end()) {
-            throw std::invalid_argument("there is no such request: " + text);
+            throw Refusal("operationNotFound", "there is no such request: " + text);
         }
         named.push_back(*found);
     }
@@ -80,7 +81,7 @@ void printRequests(Console& console, const std::vector<RequestPointer>& requests
 
 void deleteRequests(Console& console, const Selection& selection) {
     if (selection.isAll()) {
-        throw std::invalid_argument("--delete takes ids, --status or --finished");
+        throw UsageError("--delete takes ids, --status or --finished");
     }
     const auto requests = requestsWith(selection);
     for (const RequestPointer& request : requests) {
@@ -120,7 +121,7 @@ void watch(Console& console, const std::string& id) {
     waitForInterrupt();
 }
 
-void process(Console& console, const std::string& id) {
+void process(Console& console, const std::string& id, bool force) {
     RequestPointer stored;
     const Subscription subscription =
         CorvantaSdkVideo->streamRequest(parsedId(id)).subscribe([&stored](const RequestPointer& request) {
@@ -129,7 +130,13 @@ void process(Console& console, const std::string& id) {
     if (!stored) {
         throw CorvantaSdkVideoError(CorvantaSdkVideoError::operationNotFound);
     }
-    runRequest(console, stored);
+    const auto output = stored->outputPath();
+    const std::string path = output ? output->path() : "";
+    // Else the module refuses, and the file is what the request has written or writes.
+    if (stored->status != Status::complete && stored->status != Status::processing) {
+        requireFree(path, force);
+    }
+    runRequest(console, stored, path);
 }
 
 } // namespace
@@ -171,6 +178,9 @@ void addWatchCommand(CLI::App& app, Command& chosen) {
 void addProcessCommand(CLI::App& app, Command& chosen) {
     auto* command = app.add_subcommand("process", "Run a stored request");
     const auto id = std::make_shared<std::string>();
+    const auto force = std::make_shared<bool>(false);
     command->add_option("ID", *id, "The request's id")->required();
-    command->callback([&chosen, id] { chosen = [id](Console& console) { process(console, *id); }; });
+    command->add_flag("--force", *force, "Write over a file that is there already");
+    command->callback(
+        [&chosen, id, force] { chosen = [id, force](Console& console) { process(console, *id, *force); }; });
 }

@@ -1,6 +1,10 @@
 #include "Commands.hpp"
+#include "FileArguments.hpp"
+#include "Inputs.hpp"
+#include "Output.hpp"
 #include "Progress.hpp"
 #include "Run.hpp"
+#include "Values.hpp"
 
 #include <nlohmann/json.hpp>
 
@@ -12,34 +16,37 @@ using namespace corvanta;
 namespace {
 
 struct ThumbnailOptions {
-    std::string input;
-    std::string output;
-    double positionMillis = 1000;
+    explicit ThumbnailOptions(CLI::App& command) : arguments(command, false, FileArguments::Out::last) {}
+
+    FileArguments arguments;
+    std::string position = "1000";
     std::optional<std::int64_t> width;
     std::optional<std::int64_t> height;
 };
 
+// What the picture's format can hold.
+constexpr std::int64_t mostSide = 65500;
+
 void thumbnail(Console& console, const ThumbnailOptions& options) {
-    const Progress progress(console, "Looking for the frame", std::nullopt);
-    const auto result = runInterruptible(CorvantaSdkVideo->generateThumbnail(
-        inputFiles({options.input}).front(), outputLocation(options.output), options.positionMillis,
-        options.width, options.height));
-    if (console.json()) {
-        console.print(
-            nlohmann::ordered_json{{"generatedThumbnailURL", result.generatedThumbnailURL.absoluteString()}});
-    } else {
-        console.print("{}\n", result.generatedThumbnailURL.path());
-    }
+    const double position = secondsFrom("--at", options.position, 0.001);
+    requireSideWithin("--width", options.width, 1, mostSide);
+    requireSideWithin("--height", options.height, 1, mostSide);
+    const Files files = options.arguments.files();
+    const auto inputs = inputFiles(files.inputs);
+    const Output output = outputFor(files, "jpg");
+    const Progress progress(console, "thumbnail", std::nullopt);
+    runInterruptible(CorvantaSdkVideo->generateThumbnail(inputs.front(), output.location, position * 1000,
+                                                         options.width, options.height));
+    console.printPath(output.path, {});
 }
 
 } // namespace
 
 void addThumbnailCommand(CLI::App& app, Command& chosen) {
     auto* command = app.add_subcommand("thumbnail", "Write one frame as a JPEG file");
-    const auto options = std::make_shared<ThumbnailOptions>();
-    command->add_option("FILE", options->input, "Video file")->required();
-    command->add_option("OUT", options->output, "Where to write it, without extension")->required();
-    command->add_option("--at", options->positionMillis, "Position in milliseconds")->capture_default_str();
+    const auto options = std::make_shared<ThumbnailOptions>(*command);
+    command->add_option("--at", options->position, "Position: milliseconds, 1.5s or 0:01.5")
+        ->capture_default_str();
     command->add_option("--width", options->width, "Width in pixels; alone it keeps the aspect");
     command->add_option("--height", options->height, "Height in pixels; alone it keeps the aspect");
     command->callback(

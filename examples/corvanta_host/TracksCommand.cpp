@@ -1,53 +1,63 @@
 #include "Commands.hpp"
+#include "FileArguments.hpp"
+#include "Inputs.hpp"
+#include "Output.hpp"
 #include "Progress.hpp"
 #include "Run.hpp"
+#include "Values.hpp"
 
 #include <CorvantaSdkVideo/TracksManager/TracksManager.hpp>
 
 #include <nlohmann/json.hpp>
 
-#include <filesystem>
-#include <functional>
+#include <cmath>
 #include <memory>
 
 using namespace corvanta;
 
 namespace {
 
+constexpr std::int64_t leastSide = 2;
+constexpr std::int64_t mostSide = 8190;
+
+/// One file in, one file out, and what the track is like.
 struct TracksOptions {
-    std::string input;
-    std::string output;
-    std::int64_t durationMillis = 1000;
+    std::string duration = "1000";
     std::int64_t width = 640;
     std::int64_t height = 480;
+
+    std::int64_t durationMillis() const {
+        return std::llround(secondsFrom("--duration", duration, 0.001) * 1000);
+    }
 };
 
-using Operation = std::function<Task<>(TracksManager&, const TracksOptions&)>;
+using Options = std::shared_ptr<TracksOptions>;
+using Operation = Task<> (*)(const TracksManager&, URL, URL, const TracksOptions&);
 
-URL inputOf(const TracksOptions& options) { return URL::fromFilePath(options.input); }
-URL outputOf(const TracksOptions& options) {
-    return URL::fromFilePath(std::filesystem::absolute(options.output).string());
-}
-
-void change(Console& console, const TracksOptions& options, const Operation& operation) {
+void change(Console& console, const FileArguments& arguments, const TracksOptions& options,
+            Operation operation) {
+    requireSideWithin("--width", options.width, leastSide, mostSide);
+    requireSideWithin("--height", options.height, leastSide, mostSide);
+    const Files files = arguments.files();
+    const auto inputs = inputFiles(files.inputs);
+    const std::string output = outputPath(files);
+    requireReadable(inputs);
+    UnfinishedOutput unfinished(output);
     const Progress progress(console, "tracks", std::nullopt);
-    TracksManager manager;
-    runInterruptible(operation(manager, options));
-    const URL output = outputOf(options);
-    if (console.json()) {
-        console.print(nlohmann::ordered_json{{"videoURL", output.absoluteString()}});
-    } else {
-        console.print("{}\n", output.path());
-    }
+    const TracksManager manager;
+    runInterruptible(operation(manager, inputs.front().url(), URL::fromFilePath(output), options));
+    unfinished.keep();
+    console.printPath(output, {});
 }
 
-CLI::App* addOperation(CLI::App& tracks, Command& chosen, const std::shared_ptr<TracksOptions>& options,
-                       const char* name, const char* description, Operation operation) {
+CLI::App* addOperation(CLI::App& tracks, Command& chosen, const Options& options, const char* name,
+                       const char* description, Operation operation) {
     auto* command = tracks.add_subcommand(name, description);
-    command->add_option("IN", options->input, "Video file")->required();
-    command->add_option("OUT", options->output, "Where to write it, with its extension")->required();
-    command->callback([&chosen, options, operation = std::move(operation)] {
-        chosen = [options, operation](Console& console) { change(console, *options, operation); };
+    const FileArguments arguments(*command, false, FileArguments::Out::last);
+    command->callback([&chosen, options, arguments, operation] {
+        chosen = [options, arguments, operation](Console& console) {
+            change(console, arguments, *options, operation);
+        };
     });
     return command;
 }
@@ -61,29 +71,28 @@ void addTracksCommand(CLI::App& app, Command& chosen) {
 
     auto* addVideo =
         addOperation(*tracks, chosen, options, "add-video", "Add a red video track",
-                     [](TracksManager& manager, const TracksOptions& chosenOptions) {
-                         return manager.addVideoTrack(inputOf(chosenOptions), outputOf(chosenOptions),
-                                                      chosenOptions.durationMillis, chosenOptions.width,
-                                                      chosenOptions.height);
+                     [](const TracksManager& manager, URL input, URL output, const TracksOptions& track) {
+                         return manager.addVideoTrack(std::move(input), std::move(output),
+                                                      track.durationMillis(), track.width, track.height);
                      });
-    auto* addAudio =
-        addOperation(*tracks, chosen, options, "add-audio", "Add a silent audio track",
-                     [](TracksManager& manager, const TracksOptions& chosenOptions) {
-                         return manager.addAudioTrack(inputOf(chosenOptions), outputOf(chosenOptions),
-                                                      chosenOptions.durationMillis);
-                     });
+    auto* addAudio = addOperation(
+        *tracks, chosen, options, "add-audio", "Add a silent audio track",
+        [](const TracksManager& manager, URL input, URL output, const TracksOptions& track) {
+            return manager.addAudioTrack(std::move(input), std::move(output), track.durationMillis());
+        });
     for (auto* command : {addVideo, addAudio}) {
-        command->add_option("--duration", options->durationMillis, "Milliseconds")->capture_default_str();
+        command->add_option("--duration", options->duration, "Milliseconds, 1.5s or 0:01.5")
+            ->capture_default_str();
     }
     addVideo->add_option("--width", options->width, "Pixels")->capture_default_str();
     addVideo->add_option("--height", options->height, "Pixels")->capture_default_str();
 
     addOperation(*tracks, chosen, options, "remove-video", "Keep the sound alone",
-                 [](TracksManager& manager, const TracksOptions& chosenOptions) {
-                     return manager.removeVideoTrack(inputOf(chosenOptions), outputOf(chosenOptions));
+                 [](const TracksManager& manager, URL input, URL output, const TracksOptions&) {
+                     return manager.removeVideoTrack(std::move(input), std::move(output));
                  });
     addOperation(*tracks, chosen, options, "remove-audio", "Keep the picture alone",
-                 [](TracksManager& manager, const TracksOptions& chosenOptions) {
-                     return manager.removeAudioTrack(inputOf(chosenOptions), outputOf(chosenOptions));
+                 [](const TracksManager& manager, URL input, URL output, const TracksOptions&) {
+                     return manager.removeAudioTrack(std::move(input), std::move(output));
                  });
 }

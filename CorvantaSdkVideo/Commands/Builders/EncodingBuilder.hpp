@@ -25,7 +25,8 @@ class EncodingBuilder {
     const std::shared_ptr<CorvantaSdkVideoRequestEngine> engine;
     const std::shared_ptr<VideoStore> store;
 
-    /// Output size in pixels, 128 at least; with one side alone the other follows the aspect.
+    /// Output size in pixels; with one side alone the other follows the aspect. What a merge's sizes are and
+    /// do holds here as well: limits, odd sides, upright clips, and what ends the host.
     std::optional<double> width;
     std::optional<double> height;
     CorvantaSdkVideoFrameRate framesRate = CorvantaSdkVideoFrameRate::thirtyFps;

@@ -24,8 +24,15 @@ class MergeBuilder {
     const std::shared_ptr<CorvantaSdkVideoRequestEngine> engine;
     const std::shared_ptr<VideoStore> store;
 
-    /// Output size in pixels, 128 at least. With one side alone the other follows the largest inputs' sides;
-    /// with none the output is as large as the largest.
+    /// Output size in pixels, 128 at least and 8190 at most, which the encoder takes. With one side alone the
+    /// other follows the largest inputs' sides, by integer division; with none the output is as large as the
+    /// largest. An odd side is rounded down by ffmpeg, or fails where the picture fills it.
+    ///
+    /// The inputs' sides are the stored ones, swapped for a rotation of 90 or 270 only: a phone's upright clip
+    /// states -90, and becomes small in a wide frame unless both sides are given.
+    ///
+    /// Beyond 64-bit arithmetic, `process()` ends the host: with a side that is no number or no 64-bit integer,
+    /// with one whose product with the inputs' sides is none, and with one side alone for pictures of 0x0.
     std::optional<double> width;
     std::optional<double> height;
     CorvantaSdkVideoFrameRate framesRate = CorvantaSdkVideoFrameRate::thirtyFps;

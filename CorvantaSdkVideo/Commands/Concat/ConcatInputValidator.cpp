@@ -48,20 +48,30 @@ ConcatInputValidator::ConcatInputValidator(std::shared_ptr<FFMPEGCommandExecutor
       videosInformationGenerator_(std::move(videosInformationGenerator)), videosValidator_(videosValidator) {}
 
 Task<bool> ConcatInputValidator::canProcessConcatWith(std::vector<URL> videos) const {
+    const std::optional<CorvantaSdkVideoError> obstacle = co_await obstacleToConcat(std::move(videos));
+    co_return !obstacle;
+}
+
+Task<std::optional<CorvantaSdkVideoError>>
+ConcatInputValidator::obstacleToConcat(std::vector<URL> videos) const {
     if (!credentialsManager_->isUserAuthenticated()) {
         throw CorvantaSdkVideoError(CorvantaSdkVideoError::userNotAuthenticated, "nobody is logged in");
     }
     videosValidator_.validateVideosExistence(videos, 2);
+    std::optional<CorvantaSdkVideoError> obstacle;
     try {
         co_await validateVideosForConcat(std::move(videos));
-        co_return true;
+    } catch (const CorvantaSdkVideoError& error) {
+        Logger::logError(Event::compareVideo, EventMessage::compareFailed(error));
+        obstacle = error;
     } catch (const std::exception& error) {
         if (isCancellation(error)) {
             throw;
         }
         Logger::logError(Event::compareVideo, EventMessage::compareFailed(error));
-        co_return false;
+        obstacle.emplace(CorvantaSdkVideoError::getInformationFailed, detailsOf(error));
     }
+    co_return obstacle;
 }
 
 Task<> ConcatInputValidator::validateVideosForConcat(std::vector<URL> videos) const {

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Shared/VideosInformationGenerator.hpp>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace corvanta {
@@ -21,6 +23,9 @@ class ConcatInputValidator {
     /// Too few or missing files, and nobody logged in, are errors; different or unreadable files are a plain
     /// "no".
     Task<bool> canProcessConcatWith(std::vector<URL> videos) const;
+
+    /// What makes the answer a "no"; nothing for a "yes".
+    Task<std::optional<CorvantaSdkVideoError>> obstacleToConcat(std::vector<URL> videos) const;
 
     /// Throws `invalidInputFiles` with the first difference from the first file: its format, then its video
     /// tracks, then its audio tracks. Durations, bit rates and stream indexes may differ. `videos` must not

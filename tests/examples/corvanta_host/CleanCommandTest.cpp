@@ -58,8 +58,8 @@ TEST(CleanCommandTest, InterruptedRunsLeaveNothing) {
         Program host(CORVANTA_HOST, {"clean", folders.directory.file("out"), clip}, folders.options);
         ASSERT_TRUE(eventually([&] { return std::filesystem::exists(ffmpeg.file("begun")); }));
         host.signal(SIGINT);
-        EXPECT_EQ(host.wait(), 1);
-        EXPECT_THAT(host.errors(), HasSubstr("interrupted"));
+        EXPECT_EQ(host.wait(), 130);
+        EXPECT_THAT(host.errors(), HasSubstr("cancelled"));
         EXPECT_FALSE(std::filesystem::exists(folders.directory.file("out.mp4")));
         EXPECT_THAT(folders.leftOver(), IsEmpty());
     }

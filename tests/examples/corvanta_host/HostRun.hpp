@@ -10,8 +10,11 @@ struct HostRun {
     std::string output;
     std::string errors;
 
-    /// The request that was told of.
-    std::string id() const { return errors.substr(8, 36); }
+    /// The request that was told of, as text or in JSON.
+    std::string id() const {
+        const std::size_t place = errors.find("request");
+        return errors.substr(errors.find_first_of("0123456789abcdef", place + 7), 36);
+    }
 };
 
 inline HostRun runHost(const std::vector<std::string>& arguments, const Program::Options& options = {}) {

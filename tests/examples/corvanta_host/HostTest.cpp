@@ -35,7 +35,7 @@ TEST(HostTest, Information) {
         EXPECT_EQ(ended.status, 0);
         const json files = json::parse(ended.output);
         ASSERT_EQ(files.size(), 2U);
-        EXPECT_EQ(files[0]["path"], "file://" + clip);
+        EXPECT_EQ(files[0]["path"], clip);
         EXPECT_EQ(files[0]["videos"][0]["rotatedWidth"], 160);
         EXPECT_EQ(files[0]["audios"][0]["sampleRate"], 48000);
         EXPECT_EQ(files[0]["videoSize"], (json{{"width", 120}, {"height", 160}}));
@@ -58,9 +58,9 @@ TEST(HostTest, FilesOfAnyNameAndANoisyProgram) {
         EXPECT_EQ(thumbnail.status, 0) << thumbnail.errors;
         EXPECT_EQ(thumbnail.output, directory.file(name + "out.jpg\n"));
     }
-    const HostRun made =
-        runHost({"--json", "thumbnail", clip, "sub/../frame", "--at", "500.5", "--width", "80"}, there);
-    EXPECT_EQ(json::parse(made.output), (json{{"generatedThumbnailURL", directory.file("frame.jpg")}}));
+    const HostRun made = runHost(
+        {"--json", "thumbnail", clip, "-o", "sub/../frame.jpg", "--at", "0:0.5", "--width", "80"}, there);
+    EXPECT_EQ(json::parse(made.output), (json{{"path", directory.file("frame.jpg")}}));
     EXPECT_EQ(probed(directory.file("frame.jpg")).videoSize.height, 60);
 }
 
@@ -71,55 +71,113 @@ TEST(HostTest, Edits) {
         {"--json", "edit", "an edit", clip, "--start=0", "--end", "1.5", "--rotate", "90", "--volume", "2"},
         {.workingDirectory = directory.path()});
     ASSERT_EQ(ended.status, 0) << ended.errors;
-    EXPECT_EQ(json::parse(ended.output), (json{{"editedVideoURL", directory.file("an%20edit.mp4")}}));
+    EXPECT_EQ(json::parse(ended.output), (json{{"path", directory.file("an edit.mp4")}}));
     const std::string written = directory.file("an edit.mp4");
     EXPECT_NEAR(static_cast<double>(probed(written).durationMillis), 1500, 30);
     EXPECT_EQ(probed(written).rotation(), -90);
     EXPECT_NEAR(decodedSound(written).amplitude(400, 0.5) / decodedSound(clip).amplitude(400, 0.5), 2, 0.06);
 }
 
-TEST(HostTest, FailuresAreOneLineWithTheCaseName) {
+TEST(HostTest, FailuresAreOneLineThatNamesTheCause) {
     const TemporaryDirectory directory;
     const std::string clip = makeClip({});
     const std::string output = directory.file("out");
     const std::string text = directory.file("text.mp4");
     writeFile(text, "no media");
+    const std::string invalid = text + ": Invalid data found when processing input\n";
     for (const auto& [arguments, errors] : std::vector<std::pair<Words, std::string>>{
-             {{"info", "/no/such"},
-              "invalidInputFiles(inputContainsNonExistingFiles): there is no /no/such\n"},
-             {{"info", text},
-              "getInformationFailed: " + text + ": Invalid data found when processing input\n"},
+             {{"info", "/no/such"}, "inputContainsNonExistingFiles: there is no /no/such\n"},
+             {{"info", text}, "getInformationFailed: " + invalid},
              {{"info", clip, "--logged-out"}, "userNotAuthenticated: nobody is logged in\n"},
-             {{"thumbnail", clip, output, "--width", "-1"}, "invalidThumbnailWidth: -1 pixels\n"},
-             {{"thumbnail", clip, output, "--height=-1"}, "invalidThumbnailHeight"},
-             {{"thumbnail", text, output, "--at", "0"}, "AssetReader error "},
-             {{"thumbnail", clip, directory.file("no/such/out"), "--at", "0"}, "thumbnailGenerationFailed: "},
-             {{"--json", "edit", directory.file("no/out"), clip, "--start", "0", "--end", "1"},
-              "trimFailed: " + directory.file("no/out.mp4") + ": No such file or directory\n"}}) {
+             {{"thumbnail", "/no/such", "-o", output}, "notFoundVideo: there is no /no/such\n"},
+             {{"thumbnail", clip, output, "--at", "0:09"}, "invalidPositionInVideo: 9 s is not within "},
+             {{"thumbnail", text, output, "--at", "0"}, invalid},
+             {{"thumbnail", clip, directory.file("no/such/out"), "--at", "0"},
+              "there is no folder " + directory.file("no/such\n")},
+             {{"edit", clip, "-o", output, "--start", "0", "--end", "9s"},
+              "invalidTrimRange: 0 s to 9 s is no part of a video of 1"}}) {
         const HostRun ended = runHost(arguments);
         EXPECT_EQ(ended.status, 1);
         EXPECT_EQ(ended.output, "");
         EXPECT_THAT(ended.errors, tells(errors));
     }
-    const HostRun noProgram = runHost({"thumbnail", clip, output, "--at", "0"},
-                                      {.environment = {{"CORVANTA_FFMPEG", "/no/such/ffmpeg"}}});
+    EXPECT_EQ(
+        json::parse(runHost({"--json", "info", "/no/such"}).errors),
+        (json{{"error", {{"name", "inputContainsNonExistingFiles"}, {"details", "there is no /no/such"}}}}));
+    const HostRun noProgram =
+        runHost({"thumbnail", clip, output, "--at", "0"}, {.environment = {{"CORVANTA_FFMPEG", "/no/such"}}});
     EXPECT_EQ(noProgram.status, 1);
-    EXPECT_THAT(noProgram.errors, tells("thumbnailGenerationFailed"));
-    EXPECT_THAT(noProgram.errors, HasSubstr("/no/such/ffmpeg could not be started: "));
-    for (const Words& wrong : {Words{"info"},
-                               {"nonsense"},
-                               {"info", "--no-such", clip},
-                               {"thumbnail", clip, output, "--at", "soon"}}) {
-        const HostRun ended = runHost(wrong);
-        EXPECT_EQ(ended.status, 1);
-        EXPECT_EQ(ended.output, "");
-        EXPECT_NE(ended.errors, "");
-    }
-    EXPECT_EQ(runHost({"--help"}).status, 0);
+    EXPECT_THAT(noProgram.errors,
+                tells("thumbnailGenerationFailed: /no/such could not be started: No such file"));
     for (const char* place : {"/dev/full", "-"}) {
         const HostRun ended = runHost({"info", clip}, {.standardOutput = place});
         EXPECT_EQ(ended.status, 1);
         EXPECT_THAT(ended.errors, tells("standard output: "));
+    }
+}
+
+// Before anything is run, stored or removed.
+TEST(HostTest, WhatCannotBeFollowedIsToldInWords) {
+    const TemporaryDirectory directory;
+    const Program::Options there{.environment = {{"XDG_DATA_HOME", directory.file("data")}},
+                                 .workingDirectory = directory.path()};
+    const std::string clip = makeClip({});
+    for (const std::string name : {"a 1.mp4", "a 2.mp4", "a 3.mp4", "kept.mp4"}) {
+        std::filesystem::copy_file(clip, directory.file(name));
+    }
+    const auto with = [](Words words, const Words& more) {
+        words.insert(words.end(), more.begin(), more.end());
+        return words;
+    };
+    const Words edit = {"edit", "a 1.mp4", "-o", "e", "--start", "0", "--end", "1"};
+    const Words merge = {"merge", "a 1.mp4", "a 2.mp4", "-o", "m"};
+    for (const auto& [arguments, status, errors] : std::vector<std::tuple<Words, int, std::string>>{
+             {{"info"}, 2, "FILE is required"},
+             {{"infos", clip}, 2, R"(there is no command "infos": do you mean "info"?)"},
+             {{"help", "mrge"}, 2, R"(do you mean "merge"?)"},
+             {{"info", "--no-such", clip}, 2, "--no-such"},
+             {{"thumbnail", clip, "x", "--at", "soon"}, 2, R"(1500ms or 0:01.5, not "soon")"},
+             {{"thumbnail", clip, "x", "--width", "0"}, 2, "--width takes 1 to 65500 pixels, not 0"},
+             {with(edit, {"--rotate", "45"}), 2, "--rotate takes quarter turns"},
+             {with(edit, {"--volume", "-1"}), 2, "--volume takes a factor from 0 up, not -1"},
+             {with(merge, {"--video-track", "5:0"}), 2, "there is no file 5: the 2 files are counted from 0"},
+             {with(merge, {"--video-track", "1:7"}), 2,
+              "a 2.mp4 has no video stream 7: its video streams are 0"},
+             {with(merge, {"--video-track", "0-0"}), 2, R"("0-0" selects no stream)"},
+             {with(merge, {"--width", "127"}), 2, "--width takes 128 to 8190 pixels, not 127"},
+             {with(merge, {"--height", "1e18"}), 2, "--height takes 128 to 8190 pixels, not 1e+18"},
+             {with(merge, {"--width", "641"}), 2, "--width takes an even number of pixels, not 641"},
+             {{"encode", "a 1.mp4", "a 2.mp4", "-o", "x"}, 2, "encode reads one file, and 2 are given"},
+             {{"concat", "a 1.mp4", "a 2.mp4", "a 3.mp4"}, 2, "a 1.mp4 is there already and may be meant as"},
+             {{"concat", "--force", "a 1.mp4", "a 2.mp4", "a 3.mp4"}, 2, "name the output with -o"},
+             {{"merge", "a 1.mp4", "a 2.mp4", "-o", "film.mkv"}, 2, "name it film.mp4"},
+             {{"encode", "a 1.mp4", "-o", "kept"}, 1, "kept.mp4 is there already; --force writes over it"},
+             {{"encode", "/nothere.mp4", "-o", "kept", "--force"},
+              1,
+              "notFoundVideo: there is no /nothere.mp4"},
+             {{"edit", "a 1.mp4", "-o", "kept", "--force", "--start", "2", "--end", "1"},
+              1,
+              "invalidTrimRange: "},
+             {{"concat", "a 1.mp4", "a 2.mp4", "-o", "a 2.mp4", "--force"},
+              1,
+              "a 2.mp4 is read: it can't be"},
+             {{"concat", "a 1.mp4", "a 2.mp4", "-o", "none/"}, 1, "there is no folder"},
+             {{"requests", "--status", "done"}, 2, "--status"},
+             {{"process", "x"}, 2, R"("x" is no request id)"},
+             {{"tracks"}, 2, "subcommand"},
+             {{}, 2, "subcommand"}}) {
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        const HostRun ended = runHost(arguments, there);
+        EXPECT_EQ(ended.status, status);
+        EXPECT_EQ(ended.output, "");
+        EXPECT_THAT(ended.errors, HasSubstr(errors));
+    }
+    EXPECT_EQ(runHost({"requests"}, there).output, "");
+    for (const std::string name : {"a 1.mp4", "a 2.mp4", "a 3.mp4", "kept.mp4"}) {
+        EXPECT_EQ(readFile(directory.file(name)), readFile(clip));
+    }
+    for (const Words& help : {Words{"--help"}, {"help", "merge"}, {"--version"}}) {
+        EXPECT_EQ(runHost(help).status, 0);
     }
 }
 
@@ -142,10 +200,10 @@ TEST(HostTest, AnInterruptEndsTheRunASecondOneTheHostAndItsDeathTheChild) {
                         eventually([&] { return std::filesystem::exists(waiting.file("asked")); }));
         }
         const bool killed = signals.front() != SIGTERM;
-        EXPECT_EQ(host.wait(), killed ? -signals.front() : 1);
+        EXPECT_EQ(host.wait(), killed ? -signals.front() : 128 + SIGTERM);
         EXPECT_TRUE(eventually([&] { return !isAlive(children.front()); }));
         EXPECT_EQ(host.output(), "");
-        EXPECT_THAT(host.errors(), StartsWith(killed ? "" : "corvanta_host: thumbnailGenerationFailed: "));
+        EXPECT_EQ(host.errors(), killed ? "" : "corvanta_host: cancelled\n");
     }
 }
 

@@ -1,0 +1,97 @@
+#include "Output.hpp"
+
+#include "Failures.hpp"
+
+#include <platform/FileManager.hpp>
+#include <platform/MimeTypes.hpp>
+
+#include <filesystem>
+#include <system_error>
+
+#include <sys/stat.h>
+
+using namespace corvanta;
+namespace fs = std::filesystem;
+
+namespace {
+
+bool isFolder(const std::string& path) {
+    std::error_code absent;
+    return path.ends_with('/') || fs::is_directory(path, absent);
+}
+
+fs::path inFolder(const Files& files, const fs::path& name) {
+    return isFolder(files.output) ? fs::path(files.output) / name : fs::path(files.output);
+}
+
+// A place that nothing in the way of can be lost.
+std::string checked(const fs::path& relative, const Files& files) {
+    const fs::path path = fs::absolute(relative).lexically_normal();
+    if (!fs::is_directory(path.parent_path())) {
+        throw Refusal("noFolder", "there is no folder " + path.parent_path().string());
+    }
+    for (const std::string& input : files.inputs) {
+        if (FileManager::isSameFile(input, path.string())) {
+            throw Refusal("outputIsInput", path.string() + " is read: it can't be written in the same run");
+        }
+    }
+    requireFree(path.string(), files.force);
+    return path.string();
+}
+
+// Another extension would be followed by the one that is written.
+fs::path withoutExtension(const fs::path& name, const std::string& extension) {
+    const std::string given = name.extension().string();
+    if (given == '.' + extension) {
+        return fs::path(name).replace_extension();
+    }
+    if (!given.empty() && mimeTypeForExtension(given.substr(1))) {
+        throw UsageError("the output is a file of extension " + extension + ": name it " +
+                         fs::path(name).replace_extension(extension).string());
+    }
+    return name;
+}
+
+} // namespace
+
+Output outputFor(const Files& files, const std::string& extension) {
+    const fs::path stem = isFolder(files.output) ? inFolder(files, fs::path(files.inputs.front()).stem())
+                                                 : withoutExtension(files.output, extension);
+    const std::string path = checked(stem.string() + '.' + extension, files);
+    const std::string location = path.substr(0, path.size() - extension.size() - 1);
+    return {CorvantaSdkVideoFileDescriptor::custom(parseablePath(location)), path};
+}
+
+std::string outputPath(const Files& files) {
+    return checked(inFolder(files, fs::path(files.inputs.front()).filename()), files);
+}
+
+void requireFree(const std::string& path, bool force) {
+    if (!FileManager::fileExists(path)) {
+        return;
+    }
+    if (isFolder(path)) {
+        throw Refusal("outputExists", path + " is a folder");
+    }
+    if (!force && !Console::confirm(path + " is there already. Write over it?")) {
+        throw Refusal("outputExists", path + " is there already; --force writes over it");
+    }
+}
+
+UnfinishedOutput::~UnfinishedOutput() {
+    const State now = path_.empty() ? before_ : stateOf(path_);
+    if (now && now != before_) {
+        std::error_code absent;
+        fs::remove(path_, absent);
+    }
+}
+
+UnfinishedOutput::State UnfinishedOutput::stateOf(const std::string& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) {
+        return std::nullopt;
+    }
+    return {{static_cast<std::int64_t>(status.st_dev), static_cast<std::int64_t>(status.st_ino),
+             static_cast<std::int64_t>(status.st_ctim.tv_sec),
+             static_cast<std::int64_t>(status.st_ctim.tv_nsec)}};
+}

@@ -1,0 +1,81 @@
+#include "PictureSize.hpp"
+
+#include "Failures.hpp"
+#include "Inputs.hpp"
+#include "Run.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+using namespace corvanta;
+
+namespace {
+
+constexpr double leastSide = 128;
+
+double even(double side) { return side - std::fmod(side, 2); }
+
+// The side that goes with `given` in the shape of `across` by `along`.
+double otherSide(double given, double along, double across, const char* option) {
+    const double exact = std::floor(given * across / along);
+    const double side = even(exact);
+    if (side < leastSide) {
+        throw UsageError(
+            fmt::format("the other side would have {} pixels, and {} at least are needed: give {} too", exact,
+                        leastSide, option));
+    }
+    return side;
+}
+
+} // namespace
+
+void requireSizes(const std::vector<CorvantaSdkVideoInformation>& files) {
+    for (const CorvantaSdkVideoInformation& file : files) {
+        for (const CorvantaSdkVideoTrackInformation& track : file.videos) {
+            if (track.width <= 0 || track.height <= 0) {
+                throw UsageError(file.url.path() +
+                                 " doesn't tell the size of its picture: give --width and --height");
+            }
+        }
+    }
+}
+
+PictureSize completed(PictureSize size, const std::vector<CorvantaSdkVideoInformation>& files) {
+    double width = 0;
+    double height = 0;
+    for (const CorvantaSdkVideoInformation& file : files) {
+        if (file.videos.size() > 1) {
+            // Each track has a shape of its own.
+            return size;
+        }
+        for (const CorvantaSdkVideoTrackInformation& track : file.videos) {
+            width = std::max(width, static_cast<double>(track.rotatedWidth));
+            height = std::max(height, static_cast<double>(track.rotatedHeight));
+        }
+    }
+    if (width > 0 && size.width && !size.height) {
+        size.height = otherSide(*size.width, width, height, "--height");
+    } else if (height > 0 && size.height && !size.width) {
+        size.width = otherSide(*size.height, height, width, "--width");
+    }
+    return size;
+}
+
+void hintAtUprightClips(const Console& console, const std::vector<URL>& urls) {
+    const std::vector<URL> clips = uprightClips(urls);
+    if (clips.empty() || console.json()) {
+        return;
+    }
+    const std::vector<CorvantaSdkVideoFile> files(clips.begin(), clips.end());
+    VideoSize largest;
+    for (const auto& clip : runInterruptible(CorvantaSdkVideo->getVideosInformation(files))) {
+        largest.width = std::max(largest.width, clip.videoSize.width);
+        largest.height = std::max(largest.height, clip.videoSize.height);
+    }
+    if (largest.width < largest.height) {
+        console.note(fmt::format(
+            "hint: {} was taken upright and will be small in a wide frame; --width {} --height {} "
+            "gives an upright one",
+            clips.front().path(), even(largest.width), even(largest.height)));
+    }
+}
