@@ -1,23 +1,23 @@
 #pragma once
 
+#include <CorvantaSdkVideo/Editor/Player/PlaybackEngine.hpp>
 #include <CorvantaSdkVideo/Editor/Player/VideoPlayer.hpp>
 
-#include <QAudioOutput>
-#include <QMediaPlayer>
-#include <QTimer>
+#include <QPointer>
+#include <QThread>
 
 #include <memory>
-#include <optional>
 
 namespace corvanta {
 
-/// Plays with Qt Multimedia. Silent on a machine without an audio device, where the volume is still kept.
-/// Seeks that come faster than frames are left out, all but the last one.
+/// Plays with Qt Multimedia, on a thread of its own: nothing here waits for a decoder. Silent on a machine
+/// without an audio device, where the volume is still kept. Seeks that come faster than frames are left out,
+/// all but the last one.
 class QtVideoPlayer : public VideoPlayer {
     Q_OBJECT
 
   public:
-    /// Throws PlayerUnavailable. A file that can't be played shows nothing and never ends.
+    /// Throws PlayerUnavailable. A file that can't be played fails later, and never ends.
     explicit QtVideoPlayer(const URL& url);
     ~QtVideoPlayer() override;
 
@@ -26,28 +26,22 @@ class QtVideoPlayer : public VideoPlayer {
     void play() override;
     void pause() override;
     void seek(double seconds) override;
+    bool isSeeking() const override { return seeksAsked_ != seeksDone_; }
     float volume() const override;
     void setVolume(float volume) override;
     void setVideoSink(QVideoSink* sink) override;
 
   private:
-    void mediaStatusChanged(QMediaPlayer::MediaStatus status);
-    void positionChanged(qint64 milliseconds);
-    void becomeReady();
-    void startSeek();
-    void endSeek();
+    void showFrame();
 
-    std::unique_ptr<QAudioOutput> audioOutput_;
-    std::unique_ptr<QMediaPlayer> player_;
+    std::unique_ptr<QThread> thread_;
+    /// On that thread, and ended by it.
+    PlaybackEngine* engine_;
+    QPointer<QVideoSink> sink_;
+    QVideoFrame frame_;
     float volume_ = 1;
-    bool isLoaded_ = false;
-    bool isReady_ = false;
-    bool shouldPlay_ = false;
-    /// Milliseconds.
-    std::optional<qint64> wantedPosition_;
-    /// Runs from a seek to its frame, at the longest.
-    QTimer frameWait_;
-    qint64 observedSecond_ = 0;
+    quint64 seeksAsked_ = 0;
+    quint64 seeksDone_ = 0;
 };
 
 } // namespace corvanta

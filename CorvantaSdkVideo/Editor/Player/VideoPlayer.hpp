@@ -21,6 +21,8 @@ class VideoPlayer : public QObject {
     virtual void pause() = 0;
     /// `seconds` is finite and not negative.
     virtual void seek(double seconds) = 0;
+    /// Whether the frame of the last seek is still to come.
+    virtual bool isSeeking() const { return false; }
 
     /// 0 to 1.
     virtual float volume() const = 0;
@@ -33,6 +35,10 @@ class VideoPlayer : public QObject {
     /// About once in each second of the file while it plays.
     void timeObserved(double seconds);
     void didPlayToEndTime();
+    /// No frame can be shown; the reason may be empty.
+    void failed(const QString& reason);
+    /// After that, one could be.
+    void recovered();
 };
 
 /// Makes the player for a file.

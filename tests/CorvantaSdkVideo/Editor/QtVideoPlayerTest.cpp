@@ -1,9 +1,11 @@
 #include "CorvantaSdkVideo/Editor/EditorFixture.hpp"
+#include "support/Processes.hpp"
 
 #include <CorvantaSdkVideo/Editor/Error/PlayerUnavailable.hpp>
 #include <CorvantaSdkVideo/Editor/Player/QtVideoPlayer.hpp>
 
 #include <QImage>
+#include <QThread>
 #include <QVideoFrame>
 #include <QVideoSink>
 
@@ -74,6 +76,40 @@ TEST_F(QtVideoPlayerTest, TakesWhatIsAskedOfItBeforeTheFileIsLoaded) {
     real_->play();
     ASSERT_TRUE(eventually([this] { return ends_ == 1; }));
     EXPECT_THAT(observed_, testing::Each(Ge(2)));
+}
+
+TEST_F(QtVideoPlayerTest, FailsInTheEndOnWhatIsNoVideo) {
+    test::writeFile(directory_.file("notes.mp4"), "no video");
+    start(directory_.file("notes.mp4"));
+    bool failed = false;
+    QObject::connect(real_.get(), &VideoPlayer::failed, [&failed] { failed = true; });
+    EXPECT_TRUE(eventually([&failed] { return failed; }));
+}
+
+// The thread that draws may be busy for as long as it likes.
+TEST(PlaybackEngineTest, OpensAndSeeksWithoutTheQtThread) {
+    const QString clip = QString::fromStdString(test::makeClip({.seconds = 3}));
+    auto* const engine = std::make_unique<PlaybackEngine>(QUrl::fromLocalFile(clip), false).release();
+    QThread thread;
+    engine->moveToThread(&thread);
+    QObject::connect(&thread, &QThread::finished, engine, &QObject::deleteLater);
+    thread.start();
+    std::atomic<quint64> sought = 0;
+    QObject::connect(
+        engine, &PlaybackEngine::sought, engine, [&sought](quint64 number) { sought = number; },
+        Qt::DirectConnection);
+    QMetaObject::invokeMethod(engine, &PlaybackEngine::open);
+    QVideoFrame frame;
+    EXPECT_TRUE(test::eventually([&] { return (frame = engine->takeFrame()).isValid(); }));
+    for (quint64 number = 1; number <= 50; ++number) {
+        const qint64 position = number < 50 ? static_cast<qint64>(number % 2) * 1000 : 2000;
+        QMetaObject::invokeMethod(engine, [=] { engine->seek(position, number); });
+    }
+    EXPECT_TRUE(test::eventually([&] { return sought == 50; }));
+    frame = engine->takeFrame();
+    EXPECT_NEAR(static_cast<double>(frame.startTime()) / 1e6, 2, 0.04) << "the last one";
+    thread.quit();
+    thread.wait();
 }
 
 TEST(QtVideoPlayerDeathTest, SaysWhatIsMissingInsteadOfCrashing) {
