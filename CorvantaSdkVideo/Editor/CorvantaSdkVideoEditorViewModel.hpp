@@ -17,6 +17,7 @@
 #include <QPointer>
 #include <QProperty>
 #include <QRectF>
+#include <QSize>
 #include <QSizeF>
 #include <QString>
 
@@ -52,6 +53,8 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     Q_PROPERTY(bool isTrimmerRangeVisible READ isTrimmerRangeVisible NOTIFY isTrimmerRangeVisibleChanged)
     Q_PROPERTY(int thumbnailCount MEMBER thumbnailCount CONSTANT)
     Q_PROPERTY(int totalTrimmerHorizontalPadding READ totalTrimmerHorizontalPadding CONSTANT)
+    Q_PROPERTY(double frameDistance READ frameDistance NOTIFY isReadyChanged)
+    Q_PROPERTY(double pixelRatio MEMBER pixelRatio_)
 
     // Playback, sound and rotation
     Q_PROPERTY(bool didFinishPlaying READ didFinishPlaying NOTIFY didFinishPlayingChanged)
@@ -68,6 +71,9 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     Q_PROPERTY(bool isTrimmerVisible READ isTrimmerVisible NOTIFY isTrimmerVisibleChanged)
     Q_PROPERTY(bool isSoundVisible READ isSoundVisible NOTIFY isSoundVisibleChanged)
     Q_PROPERTY(bool isRotationVisible READ isRotationVisible NOTIFY isRotationVisibleChanged)
+    Q_PROPERTY(bool isReady READ isReady NOTIFY isReadyChanged)
+    Q_PROPERTY(bool isUnreadable READ isUnreadable NOTIFY noticeChanged)
+    Q_PROPERTY(QString notice READ notice NOTIFY noticeChanged)
     Q_PROPERTY(bool isTrimming READ isTrimming NOTIFY isTrimmingChanged)
     Q_PROPERTY(bool isAuthenticated READ isAuthenticated CONSTANT)
     Q_PROPERTY(bool hasError READ hasError NOTIFY errorChanged)
@@ -99,12 +105,24 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
                                     Completion completion, const MakeVideoPlayer& makeVideoPlayer = {});
 
     /// Lays the trimmer out for the size that the screen has, and starts to read the file and to make its
-    /// thumbnails. What can't be read leaves blank thumbnails and a duration of 0.
+    /// thumbnails. What can't be read leaves blank thumbnails and a duration of 0, and a `notice`. A second
+    /// call starts anew, but for `trimmerStart`.
     Q_INVOKABLE void setupTrimmer(const QSizeF& forScreenSize);
+
+    /// Lays the trimmer out for another size of the screen; the chosen range stays, in seconds.
+    Q_INVOKABLE void resizeTrimmer(const QSizeF& forScreenSize);
+    /// Makes the thumbnails anew if they were made for another width or `pixelRatio`.
+    Q_INVOKABLE void renewThumbnails();
 
     /// Each change of a drag on the strip: where the pointer is, in the strip's own coordinates, and the
     /// strip's own rectangle. A location outside of it, its right and lower sides included, is ignored.
     Q_INVOKABLE void applyTrimming(const QPointF& location, const QRectF& strip);
+
+    /// Move an edge, or the whole range, by a distance on the strip: up to the strip's very ends, and up to
+    /// the least distance of the edges. Nothing before the file has been read.
+    Q_INVOKABLE void moveStartBy(double distance);
+    Q_INVOKABLE void moveEndBy(double distance);
+    Q_INVOKABLE void moveRangeBy(double distance);
 
     Q_INVOKABLE void handleAction();
 
@@ -146,6 +164,10 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     double stopAt() const { return stopAt_; }
     bool isTrimmerRangeVisible() const { return isTrimmerRangeVisible_; }
 
+    /// What one frame of the file takes on the strip.
+    double frameDistance() const;
+    bool isMakingThumbnails() const { return isMakingThumbnails_; }
+
     double screenWidth() const { return screenWidth_; }
     double screenHeight() const { return screenHeight_; }
     /// The centres of the grab handles, 12 points inside the frame's outer sides.
@@ -179,6 +201,13 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     double previousVolumeHeight() const { return previousVolumeHeight_; }
     /// Degrees, as the file's probe states them.
     std::int64_t currentRotation() const { return currentRotation_; }
+
+    /// The file has been read: it has a length, and can be edited.
+    bool isReady() const { return isReady_; }
+    /// It has been tried, and can't be.
+    bool isUnreadable() const { return isUnreadable_; }
+    /// What is wrong with the file, in words for the user; empty if nothing is, as far as it is known.
+    QString notice() const { return notice_; }
 
     bool isTrimmerVisible() const { return isTrimmerVisible_; }
     bool isSoundVisible() const { return isSoundVisible_; }
@@ -218,6 +247,8 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     void isTrimmerVisibleChanged();
     void isSoundVisibleChanged();
     void isRotationVisibleChanged();
+    void isReadyChanged();
+    void noticeChanged();
     void isTrimmingChanged();
     void errorChanged();
 
@@ -239,8 +270,11 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     void setStopAt(double seconds);
     void updateRange();
     double secondsAt(double position) const;
+    void placeEdges(double left, double right);
 
+    void takeInformation(const CorvantaSdkVideoInformation& information, double duration);
     void generateThumbnails();
+    QSize thumbnailPixels() const;
     void setThumbnail(int index, const QImage& image);
 
     void play();
@@ -258,7 +292,7 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     // These hold the view model weakly, and look at it on the Qt thread alone.
     static Task<> readVideo(QPointer<ViewModel> model, VideosInformationGenerator generator, URL video);
     static Task<> makeThumbnails(QPointer<ViewModel> model, std::shared_ptr<CorvantaSdkVideoEditor> editor,
-                                 URL video, double duration, std::int64_t width);
+                                 URL video);
     static Task<> runEdit(QPointer<ViewModel> model, std::shared_ptr<CorvantaSdkVideoEditor> editor,
                           CorvantaSdkVideoEditorInput input, Handler handler);
 
@@ -275,12 +309,22 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     double leftEdgePosition_ = 0;
     double rightEdgePosition_ = 0;
     double trimmerRightEdgePosition_ = 0;
+    bool isUnreadable_ = false;
     double videoDuration_ = 0;
+    /// Seconds.
+    double frameDuration_ = 0;
     QSizeF videoResolution_{0, 0};
     std::optional<Orientation> videoOrientation_;
     std::int64_t currentRotation_ = 0;
     double previousVolumeHeight_ = 0;
     bool isClosing_ = false;
+
+    /// The screen's pixels in a point.
+    double pixelRatio_ = 1;
+    /// What the newest round of thumbnails is made for.
+    QSize thumbnailPixels_;
+    int thumbnailRound_ = 0;
+    bool isMakingThumbnails_ = false;
 
 // Assigning to one of these emits its signal if the value has changed.
 #define CORVANTA_OBSERVABLE(Type, property, start)                                                           \
@@ -309,6 +353,8 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     CORVANTA_OBSERVABLE(bool, isTrimmerVisible, true)
     CORVANTA_OBSERVABLE(bool, isSoundVisible, false)
     CORVANTA_OBSERVABLE(bool, isRotationVisible, false)
+    CORVANTA_OBSERVABLE(bool, isReady, false)
+    CORVANTA_OBSERVABLE(QString, notice, QString())
     CORVANTA_OBSERVABLE(bool, isTrimming, false)
     CORVANTA_OBSERVABLE(std::optional<CorvantaSdkVideoError>, error, std::nullopt)
 #undef CORVANTA_OBSERVABLE

@@ -2,23 +2,15 @@
 
 #include <CorvantaSdkVideo/Editor/EditorTasks.hpp>
 #include <CorvantaSdkVideo/Editor/Gestures.hpp>
-#include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
-#include <platform/AssetReader.hpp>
-#include <platform/Directories.hpp>
+#include <CorvantaSdkVideo/Editor/TrimmerGeometry.hpp>
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
-#include <utility>
 
 namespace corvanta {
 
 namespace {
 
-/// From the frame's outer side to the centre of its grab handle.
-constexpr double handleInset = 12;
-/// Between the two edge positions.
-constexpr double minimumEdgeDistance = 64;
 constexpr double centerTouchDistance = 16;
 constexpr double edgeTouchDistance = 48;
 
@@ -31,30 +23,6 @@ QString durationText(double seconds) {
     return QStringLiteral("%1:%2")
         .arg(whole / 60, 2, 10, QLatin1Char('0'))
         .arg(whole % 60, 2, 10, QLatin1Char('0'));
-}
-
-Task<std::vector<CorvantaSdkVideoInformation>> probed(VideosInformationGenerator generator, URL video) {
-    std::vector<URL> videos{std::move(video)};
-    co_return co_await generator.getVideosInformation(std::move(videos));
-}
-
-Task<double> durationOf(URL video) { co_return AssetReader(video).duration(); }
-
-// An editor of the host's own may hand out files from elsewhere, which aren't ours to remove.
-void removeIfMade(const URL& thumbnail) {
-    const std::filesystem::path path = thumbnail.path();
-    if (path.parent_path() == Directories::documents().path()) {
-        CorvantaSdkVideoUtils::deleteFileIfExists(thumbnail);
-    }
-}
-
-// The picture is null if the file can't be read.
-Task<QImage> thumbnail(std::shared_ptr<CorvantaSdkVideoEditor> editor, URL video, double position,
-                       std::int64_t width, std::int64_t height) {
-    const URL file = co_await editor->getThumbnailForVideo(std::move(video), position, width, height);
-    QImage image(QString::fromStdString(file.path()));
-    removeIfMade(file);
-    co_return image;
 }
 
 } // namespace
@@ -72,58 +40,6 @@ void CorvantaSdkVideoEditorViewModel::setupInitialUI() {
     thumbnailSize_ = QSizeF((width - totalThumbnailListHorizontalPadding()) / thumbnailCount, trimmerHeight);
     setLeftEdgePosition(handleInset);
     setRightEdgePosition(width - handleInset);
-}
-
-Task<> CorvantaSdkVideoEditorViewModel::readVideo(QPointer<ViewModel> model,
-                                                  VideosInformationGenerator generator, URL video) {
-    const auto videos = co_await onEditorWorker(probed(std::move(generator), video));
-    if (!model || videos.empty()) {
-        co_return;
-    }
-    const CorvantaSdkVideoInformation& information = videos.front();
-    const VideoSize size = information.videoSize;
-    // A file without a picture has no aspect.
-    if (size.width > 0 && size.height > 0) {
-        model->videoAspectRatio_ = size.width / size.height;
-    }
-    const double duration = co_await onEditorWorker(durationOf(video));
-    if (!model) {
-        co_return;
-    }
-    model->videoDuration_ = duration;
-    model->videoResolution_ = QSizeF(size.width, size.height);
-    model->videoOrientation_ = information.orientation;
-    model->currentRotation_ = information.rotation();
-    model->setStopAt(duration);
-    model->generateThumbnails();
-}
-
-void CorvantaSdkVideoEditorViewModel::generateThumbnails() {
-    constexpr int padding =
-        totalTrimmerHorizontalPadding() - static_cast<int>(thumbnailListHorizontalPadding);
-    const auto width = (static_cast<std::int64_t>(screenWidth_) - padding) / thumbnailCount;
-    startOnQtThread(makeThumbnails(this, editor_, videoURL_, videoDuration_, width));
-}
-
-Task<> CorvantaSdkVideoEditorViewModel::makeThumbnails(QPointer<ViewModel> model,
-                                                       std::shared_ptr<CorvantaSdkVideoEditor> editor,
-                                                       URL video, double duration, std::int64_t width) {
-    const double step = duration / thumbnailCount;
-    for (int index = 0; index < thumbnailCount; ++index) {
-        const double position = duration - index * step;
-        const QImage image =
-            co_await onEditorWorker(thumbnail(editor, video, position, width, trimmerHeight));
-        if (!model || image.isNull()) {
-            co_return;
-        }
-        model->setThumbnail(index, image);
-    }
-}
-
-void CorvantaSdkVideoEditorViewModel::setThumbnail(int index, const QImage& image) {
-    QList<QImage> images = thumbnails();
-    images[index] = image;
-    thumbnails_ = images;
 }
 
 void CorvantaSdkVideoEditorViewModel::applyTrimming(const QPointF& location, const QRectF& strip) {

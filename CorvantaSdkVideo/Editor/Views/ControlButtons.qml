@@ -26,7 +26,8 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         width: confirmText.implicitWidth + 2 * 8
         height: confirmText.implicitHeight + 2 * 8
-        visible: !row.viewModel.isTrimming
+        visible: !row.viewModel.isTrimming && !row.viewModel.isUnreadable
+        enabled: row.viewModel.isReady
         label: "Continue"
         onClicked: row.view.trimVideo()
 

@@ -10,6 +10,8 @@ Item {
     property string name
     property string symbol: symbolNames[name] ?? ""
     property color color: "white"
+    /// Around the lines, for a ground as bright as they are.
+    property color edgeColor: "transparent"
 
     readonly property var symbolNames: ({
         close: "xmark",
@@ -65,6 +67,15 @@ Item {
             xScale: image.outline.mirrored ? -1 : 1
         }
 
+        ShapePath {
+            scale: Qt.size(image.detail, image.detail)
+            strokeColor: image.outline.stroke ? image.edgeColor : "transparent"
+            strokeWidth: ((image.outline.width ?? 1.9) + 3) * image.detail
+            fillColor: "transparent"
+            capStyle: ShapePath.RoundCap
+            joinStyle: ShapePath.RoundJoin
+            PathSvg { path: image.outline.stroke ?? "" }
+        }
         ShapePath {
             scale: Qt.size(image.detail, image.detail)
             strokeColor: "transparent"

@@ -3,6 +3,8 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include <algorithm>
+
 namespace corvanta {
 
 CorvantaSdkVideoPlayer::CorvantaSdkVideoPlayer(QQuickItem* parent) : QQuickPaintedItem(parent) {
@@ -80,10 +82,13 @@ void CorvantaSdkVideoPlayer::paint(QPainter* painter) {
                                : paintedImage_;
     const QRectF place(
         QPointF((bounds.width() - fitted.width()) / 2, (bounds.height() - fitted.height()) / 2), fitted);
-    // A brush, since a clip's border is not smooth.
+    // A brush, since a clip's border is not smooth. A brush begins anew beyond its picture, which is
+    // therefore taken from the middle of its first pixels to that of its last.
     QBrush brush(picture);
-    brush.setTransform(QTransform::fromTranslate(place.x(), place.y())
-                           .scale(fitted.width() / picture.width(), fitted.height() / picture.height()));
+    const double xScale = fitted.width() / std::max(1, picture.width() - 1);
+    const double yScale = fitted.height() / std::max(1, picture.height() - 1);
+    brush.setTransform(
+        QTransform::fromTranslate(place.x() - xScale / 2, place.y() - yScale / 2).scale(xScale, yScale));
     QPainterPath corners;
     corners.addRoundedRect(bounds, radius_, radius_);
     QPainterPath area;

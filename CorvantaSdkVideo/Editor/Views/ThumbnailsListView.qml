@@ -40,8 +40,14 @@ Item {
         return edge === ThumbnailsListView.LeftEdge ? trimmerXOffset + grip
              : edge === ThumbnailsListView.RightEdge ? frameEnd - grip : trimmerXOffset + trimmerSize.width / 2
     }
-    function moveSelectedEdge(distance) {
-        applyTrimming(Qt.point(centerOf(selectedEdge) + distance, height / 2), Qt.rect(0, 0, width, height))
+    function moveSelectedEdge(distance, both) {
+        if (both || selectedEdge === ThumbnailsListView.CenterEdge) {
+            viewModel.moveRangeBy(distance)
+        } else if (selectedEdge === ThumbnailsListView.LeftEdge) {
+            viewModel.moveStartBy(distance)
+        } else {
+            viewModel.moveEndBy(distance)
+        }
     }
     function selectEdgeAt(x) {
         const distance = edge => Math.abs(x - centerOf(edge))
@@ -96,14 +102,14 @@ Item {
 
         Rectangle {
             x: strip.edgesSize
-            width: parent.width - 2 * strip.edgesSize
+            width: Math.max(0, parent.width - 2 * strip.edgesSize)
             height: strip.trimmerBorderSize
             color: strip.trimmerBorderColor
         }
         Rectangle {
             anchors.bottom: parent.bottom
             x: strip.edgesSize
-            width: parent.width - 2 * strip.edgesSize
+            width: Math.max(0, parent.width - 2 * strip.edgesSize)
             height: strip.trimmerBorderSize
             color: strip.trimmerBorderColor
         }
@@ -130,21 +136,44 @@ Item {
     }
 
     MouseArea {
-        property point start
+        /// Where the drag has been followed to.
+        property point last
         property bool isDragging: false
+
+        readonly property real longestStep: 1
+        readonly property real handleInset: strip.edgesSize / 2 + strip.edgesAdditionalPadding / 2
+
+        // A fast pointer would leap over the parts of the frame: they are fed the way between two events too. Where
+        // an edge can't go, it goes as near as it can.
+        function follow(mouse) {
+            const way = Qt.point(mouse.x - last.x, mouse.y - last.y)
+            const steps = Math.ceil(Math.max(Math.abs(way.x), Math.abs(way.y)) / longestStep)
+            const frame = Qt.rect(0, 0, strip.width, strip.height)
+            for (let step = 1; step <= steps; ++step) {
+                const x = last.x + way.x * step / steps
+                const nearest = Math.max(handleInset + 0.01, Math.min(x, strip.width - handleInset - 0.01))
+                strip.applyTrimming(Qt.point(x >= 0 && x < strip.width ? nearest : x, last.y + way.y * step / steps), frame)
+            }
+            last = Qt.point(mouse.x, mouse.y)
+        }
 
         anchors.fill: parent
         preventStealing: true
         onPressed: mouse => {
-            start = Qt.point(mouse.x, mouse.y)
+            last = Qt.point(mouse.x, mouse.y)
             isDragging = false
             strip.selectEdgeAt(mouse.x)
         }
         onPositionChanged: mouse => {
-            const distance = Math.max(Math.abs(mouse.x - start.x), Math.abs(mouse.y - start.y))
-            isDragging = isDragging || distance >= Qt.styleHints.startDragDistance
+            const distance = Math.max(Math.abs(mouse.x - last.x), Math.abs(mouse.y - last.y))
+            isDragging = strip.viewModel.isReady && (isDragging || distance >= Qt.styleHints.startDragDistance)
             if (isDragging) {
-                strip.applyTrimming(Qt.point(mouse.x, mouse.y), Qt.rect(0, 0, strip.width, strip.height))
+                follow(mouse)
+            }
+        }
+        onReleased: mouse => {
+            if (isDragging) {
+                follow(mouse)
             }
         }
     }

@@ -31,6 +31,7 @@ Item {
         width: 16
         height: 16
         symbol: handle.isLeft ? "chevron.left" : "chevron.right"
+        edgeColor: "#b0000000"
     }
     FocusRing {
         target: handle

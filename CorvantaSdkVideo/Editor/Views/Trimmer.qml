@@ -7,12 +7,11 @@ Item {
     required property CorvantaSdkVideoEditorViewModel viewModel
 
     readonly property real horizontalPadding: 16
-    /// The strip keeps the width that it was laid out for; on a screen that has become narrower it shrinks.
-    readonly property real stripScale: Math.min(1, (width - 2 * horizontalPadding) / Math.max(1, strip.width))
 
-    function moveSelectedEdge(distance) { strip.moveSelectedEdge(distance) }
+    function moveSelectedEdge(distance, both) { strip.moveSelectedEdge(distance, both) }
 
-    implicitHeight: (range.visible ? range.height + 8 : 0) + strip.height
+    // The range has its place before it shows, or the picture would jump.
+    implicitHeight: range.height + 8 + strip.height
 
     TrimmerRange {
         id: range
@@ -25,7 +24,6 @@ Item {
         anchors { horizontalCenter: parent.horizontalCenter; bottom: parent.bottom }
         width: implicitWidth
         height: implicitHeight
-        scale: trimmer.stripScale
         viewModel: trimmer.viewModel
         trimmerSize: trimmer.viewModel.trimmerSize
         trimmerXOffset: trimmer.viewModel.trimmerXOffset

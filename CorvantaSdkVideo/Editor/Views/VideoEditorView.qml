@@ -14,27 +14,40 @@ FocusScope {
 
     property bool isLaidOut: false
 
-    // A trim that has been started is kept at the width that it was started with.
     function layOut() {
-        if (width > 0 && height > 0 && !viewModel.isTrimmerRangeVisible) {
+        if (width <= 0 || height <= 0) {
+            return
+        }
+        viewModel.pixelRatio = Screen.devicePixelRatio
+        if (isLaidOut) {
+            viewModel.resizeTrimmer(Qt.size(width, height))
+            newSize.restart()
+        } else {
             isLaidOut = true
             viewModel.setupTrimmer(Qt.size(width, height))
         }
     }
-    onWidthChanged: isLaidOut ? newSize.restart() : layOut()
-    onHeightChanged: if (!isLaidOut) layOut()
+    onWidthChanged: layOut()
+    onHeightChanged: layOut()
     Component.onCompleted: if (!isLaidOut) layOut()
 
+    // A window that is being resized has many sizes.
     Timer {
         id: newSize
         interval: 200
-        onTriggered: screen.layOut()
+        onTriggered: screen.viewModel.renewThumbnails()
+    }
+
+    // Shift goes by frames, and Control moves both edges.
+    function moveByKey(direction, modifiers) {
+        const step = modifiers & Qt.ShiftModifier ? viewModel.frameDistance : keyDistance
+        trimmer.moveSelectedEdge(direction * step, modifiers & Qt.ControlModifier)
     }
 
     Keys.onSpacePressed: viewModel.handleAction()
     Keys.onEscapePressed: view.closeTrimmer()
-    Keys.onLeftPressed: trimmer.moveSelectedEdge(-keyDistance)
-    Keys.onRightPressed: trimmer.moveSelectedEdge(keyDistance)
+    Keys.onLeftPressed: event => moveByKey(-1, event.modifiers)
+    Keys.onRightPressed: event => moveByKey(1, event.modifiers)
     Keys.onUpPressed: if (viewModel.isSoundVisible) player.stepVolume(true)
     Keys.onDownPressed: if (viewModel.isSoundVisible) player.stepVolume(false)
 

@@ -50,9 +50,22 @@ Item {
     }
 
     PlayButton {
+        id: play
         anchors.centerIn: parent
         viewModel: reader.viewModel
-        visible: !viewModel.isPlaying
+        visible: !viewModel.isPlaying && !viewModel.isUnreadable
+    }
+    Text {
+        anchors { left: parent.left; right: parent.right; margins: 24; top: play.bottom }
+        horizontalAlignment: Text.AlignHCenter
+        wrapMode: Text.Wrap
+        visible: text !== ""
+        text: reader.viewModel.notice
+        color: "white"
+        style: Text.Outline
+        font.pixelSize: 17
+        Accessible.role: Accessible.AlertMessage
+        Accessible.name: text
     }
 
     SoundDragger {

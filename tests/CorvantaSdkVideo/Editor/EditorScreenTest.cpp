@@ -101,6 +101,46 @@ TEST_F(EditorScreenTest, EditsAVideoFromEndToEnd) {
                 0.5, 0.1);
 }
 
+TEST_F(EditorScreenTest, EndsADragWhereThePointerIsHoweverFastItWas) {
+    present();
+    ASSERT_TRUE(isFileRead());
+    const auto expectEdges = [this](double left, double right) {
+        EXPECT_NEAR(model().leftEdgePosition(), left, 0.02);
+        EXPECT_NEAR(model().rightEdgePosition(), right, 0.02);
+    };
+    for (const int steps : {1, 3, 60}) {
+        SCOPED_TRACE(steps);
+        dragStrip(28, 250, steps);
+        expectEdges(250, 331);
+        dragStrip(250, 5, steps);
+        expectEdges(12, 331);
+        dragStrip(331, 80, steps);
+        expectEdges(12, 80);
+        dragStrip(80, 340, steps);
+        expectEdges(12, 331);
+        dragStrip(28, 331, steps);
+        EXPECT_NEAR(model().leftEdgePosition(), 331 - 64, 2.02);
+        dragStrip(model().leftEdgePosition(), 2, steps);
+        expectEdges(12, 331);
+    }
+    QTest::keyClick(window_, Qt::Key_Left);
+    EXPECT_EQ(model().trimmerStart(), 0);
+}
+
+TEST_F(EditorScreenTest, SaysWhatIsWrongWithAFile) {
+    const std::string sound = test::makeClip({.pictures = {}, .container = "m4a", .codecs = "-c:a aac"});
+    for (const auto& [file, notice, isEditable] :
+         {std::tuple(folders_.make("notes.mp4"), "This file can't be read as a video.", false),
+          std::tuple(sound, "There is no picture in this file.", true)}) {
+        present(file);
+        ASSERT_TRUE(eventually([this] { return !model().notice().isEmpty(); }));
+        EXPECT_EQ(text("VideoPlayer"), notice);
+        EXPECT_EQ(isShown("Continue"), isEditable);
+        click("Close");
+        ASSERT_TRUE(isClosed());
+    }
+}
+
 TEST_F(EditorScreenTest, LeavesWithoutAnEditAtEveryPoint) {
     const auto byButton = [this] { click("Close"); };
     const auto byKey = [this] { QTest::keyClick(window_, Qt::Key_Escape); };
@@ -201,6 +241,11 @@ TEST_F(EditorScreenTest, IsWorkedByKeysAlone) {
                                             "Rotation"));
     EXPECT_EQ(model().trimmerXOffset(), 10);
     EXPECT_EQ(model().trimmerXOffset() + model().trimmerSize().width(), 343 - 20);
+
+    QTest::keyClick(window_, Qt::Key_Right, Qt::ControlModifier);
+    EXPECT_EQ(model().trimmerXOffset(), 12);
+    QTest::keyClick(window_, Qt::Key_Right, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_NEAR(model().trimmerXOffset(), 12 + model().frameDistance(), 1e-9);
 
     press(Qt::Key_Backtab);
     press(Qt::Key_Space);

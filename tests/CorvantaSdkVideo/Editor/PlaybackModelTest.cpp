@@ -76,6 +76,15 @@ TEST_F(PlaybackModelTest, SetsTheVolumeByTheBarMutesAndComesBack) {
     }
 }
 
+TEST_F(PlaybackModelTest, TellsOfAPictureThatDoesNotCome) {
+    openAndLayOut(makeClip({}));
+    Q_EMIT player_->failed("no decoder");
+    EXPECT_EQ(model_->notice(), "The picture can't be shown.");
+    EXPECT_TRUE(model_->isReady());
+    Q_EMIT player_->recovered();
+    EXPECT_EQ(model_->notice(), "");
+}
+
 TEST_F(PlaybackModelTest, TurnsInQuartersBothWays) {
     open(makeClip({}));
     std::vector<int> angles;

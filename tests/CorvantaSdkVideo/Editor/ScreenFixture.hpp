@@ -54,22 +54,22 @@ class ScreenFixture : public testing::Test {
         presenter_->resize(375, 700);
         presenter_->show();
     }
-    /// Presents the editor for the colour clip and waits until it is in place.
-    void present() {
-        ASSERT_TRUE(presentCorvantaSdkVideoEditorView(
-            presenter_.get(), CorvantaSdkVideoFile(URL::fromFilePath(colourClip())),
-            CorvantaSdkVideoFileDescriptor::custom(folders_.file("edited")),
-            [this](const CorvantaSdkVideoEditorResult& result) {
-                results_.push_back(result);
-                onAnswer_();
-            }));
+    /// Presents the editor for a clip and waits until it is in place.
+    void present(const std::string& clip = colourClip()) {
+        ASSERT_TRUE(
+            presentCorvantaSdkVideoEditorView(presenter_.get(), CorvantaSdkVideoFile(URL::fromFilePath(clip)),
+                                              CorvantaSdkVideoFileDescriptor::custom(folders_.file("edited")),
+                                              [this](const CorvantaSdkVideoEditorResult& result) {
+                                                  results_.push_back(result);
+                                                  onAnswer_();
+                                              }));
         for (QWindow* const window : QGuiApplication::allWindows()) {
             if (window->transientParent() == presenter_.get()) {
                 takeScreen(qobject_cast<QQuickWindow*>(window));
             }
         }
         ASSERT_NE(view_, nullptr);
-        ASSERT_TRUE(eventually([this] { return view_->y() == 0; }));
+        ASSERT_TRUE(eventually([this] { return window_->isExposed() && view_->y() == 0; }));
     }
     /// Takes the window and the screen of an editor that was presented over `presenter`, or stands in it.
     void takeScreen(QQuickWindow* window) {
@@ -118,9 +118,8 @@ class ScreenFixture : public testing::Test {
                           item->mapToScene(item->boundingRect().center()).toPoint());
     }
     void click(const char* label) const { click(control(label)); }
-    /// In the item's coordinates, in small steps, as a hand does it.
-    void drag(QQuickItem* item, QPointF from, QPointF to) const {
-        constexpr int steps = 12;
+    /// In the item's coordinates, in small steps, as a hand does it; a fast one needs fewer.
+    void drag(QQuickItem* item, QPointF from, QPointF to, int steps = 12) const {
         const auto place = [item](QPointF point) { return item->mapToScene(point).toPoint(); };
         QTest::mousePress(window_, Qt::LeftButton, {}, place(from));
         for (int step = 1; step <= steps; ++step) {
@@ -128,8 +127,8 @@ class ScreenFixture : public testing::Test {
         }
         QTest::mouseRelease(window_, Qt::LeftButton, {}, place(to));
     }
-    void dragStrip(double from, double to) const {
-        drag(block("ThumbnailsListView"), QPointF(from, 32), QPointF(to, 32));
+    void dragStrip(double from, double to, int steps = 12) const {
+        drag(block("ThumbnailsListView"), QPointF(from, 32), QPointF(to, 32), steps);
     }
     /// What the window shows at a point of an item.
     QColor colourAt(QQuickItem* item, QPointF point) const {

@@ -183,6 +183,75 @@ TEST_F(TrimmerModelTest, HoldsItsBoundsAndTheFormulaAfterAnyDrags) {
     }
 }
 
+TEST_F(TrimmerModelTest, KeepsTheRangeInSecondsOverSizes) {
+    openAndLayOut(makeClip({.seconds = 2}));
+    drag(60);
+    drag(290);
+    const double start = model_->trimmerStart();
+    const double end = model_->stopAt();
+    for (const double screenWidth : {1280.0, 120.0, 527.3, 375.0}) {
+        model_->resizeTrimmer(QSizeF(screenWidth, 600));
+        EXPECT_EQ(model_->trimmerStart(), start);
+        EXPECT_EQ(model_->stopAt(), end);
+        const double width = screenWidth - 32;
+        EXPECT_NEAR(model_->trimmerXOffset(), width * start / model_->videoDuration(), 1e-9);
+        EXPECT_NEAR(model_->trimmerSize().width(), width * (end - start) / model_->videoDuration(), 1e-9);
+        EXPECT_EQ(model_->thumbnailSize().width(), (width - 48) / 8);
+    }
+}
+
+TEST_F(TrimmerModelTest, MakesTheThumbnailsAnewForANewWidthOneAtATime) {
+    std::promise<void> gate;
+    fakeEditor_->gate = gate.get_future().share();
+    openAndLayOut(makeClip({.seconds = 2}));
+    ASSERT_TRUE(eventually([&] { return fakeEditor_->thumbnailCalls().size() == 2; }));
+    for (const double screenWidth : {400.0, 600.0, 1280.0}) {
+        model_->resizeTrimmer(QSizeF(screenWidth, 600));
+        model_->renewThumbnails();
+    }
+    QCoreApplication::processEvents();
+    EXPECT_EQ(fakeEditor_->thumbnailCalls().size(), 2U);
+    gate.set_value();
+    ASSERT_TRUE(eventually([&] { return !model_->isMakingThumbnails(); }));
+    const auto calls = fakeEditor_->thumbnailCalls();
+    EXPECT_EQ(calls.size(), 2U + 8U) << "none for a size in between";
+    EXPECT_EQ(calls.back().width, 159);
+    model_->renewThumbnails();
+    EXPECT_FALSE(model_->isMakingThumbnails());
+    model_->setProperty("pixelRatio", 2);
+    model_->renewThumbnails();
+    ASSERT_TRUE(eventually([&] { return !model_->isMakingThumbnails(); }));
+    EXPECT_EQ(fakeEditor_->thumbnailCalls().back().width, 318);
+    EXPECT_EQ(fakeEditor_->thumbnailCalls().back().height, 128);
+}
+
+TEST_F(TrimmerModelTest, GoesToTheVeryEndsByKeysAndByFrames) {
+    openAndLayOut(makeClip({.seconds = 2}));
+    const double duration = model_->videoDuration();
+    model_->moveStartBy(2);
+    model_->moveStartBy(model_->frameDistance());
+    EXPECT_NEAR(model_->trimmerStart(), 2 * duration / 343 + 1.0 / 30, 1e-9);
+    model_->moveEndBy(-20);
+    model_->moveRangeBy(5);
+    EXPECT_NEAR(model_->trimmerXOffset(), 7 + model_->frameDistance(), 1e-9);
+    EXPECT_EQ(model_->trimmerBorderColor(), CorvantaColor::ambar);
+    expectConsistent();
+
+    model_->moveEndBy(-1e6);
+    EXPECT_NEAR(model_->rightEdgePosition() - model_->leftEdgePosition(), 64, 1e-9);
+    model_->moveRangeBy(1e6);
+    EXPECT_DOUBLE_EQ(model_->stopAt(), duration);
+    model_->moveRangeBy(-1e6);
+    EXPECT_DOUBLE_EQ(model_->trimmerStart(), 0);
+    for (const double distance : {1e6, -1e6}) {
+        model_->moveEndBy(-distance);
+        model_->moveStartBy(distance);
+    }
+    EXPECT_EQ(model_->trimmerStart(), 0);
+    EXPECT_EQ(model_->stopAt(), duration);
+    expectConsistent();
+}
+
 TEST_F(TrimmerModelTest, ReadsFilesOfEveryKind) {
     useRealEditor();
     const Clip hour{.seconds = 3725,
@@ -199,6 +268,8 @@ TEST_F(TrimmerModelTest, ReadsFilesOfEveryKind) {
         ASSERT_TRUE(eventually([&, ready = thumbnails] { return readyThumbnails() == ready; }));
         EXPECT_EQ(model_->trimmerRange(), range);
         EXPECT_DOUBLE_EQ(model_->videoAspectRatio(), aspect);
+        EXPECT_TRUE(model_->isReady());
+        EXPECT_EQ(model_->notice(), thumbnails > 0 ? "" : "There is no picture in this file.");
         model_->trimVideo([this] { ++handled_; });
         ASSERT_TRUE(eventually([&] { return !model_->isTrimming(); }));
         ASSERT_FALSE(model_->hasError());
@@ -215,6 +286,10 @@ TEST_F(TrimmerModelTest, StaysBlankForAFileThatCannotBeRead) {
     EXPECT_EQ(model_->videoDuration(), 0);
     EXPECT_EQ(model_->videoAspectRatio(), 0.5);
     EXPECT_FALSE(model_->hasError());
+    EXPECT_TRUE(model_->isUnreadable());
+    EXPECT_EQ(model_->notice(), "This file can't be read as a video.");
+    model_->moveStartBy(2);
+    EXPECT_FALSE(model_->isTrimmerRangeVisible());
     EXPECT_THAT(fakeEditor_->thumbnailCalls(), testing::IsEmpty());
     drag(60);
     EXPECT_EQ(model_->leftEdgePosition(), 60);

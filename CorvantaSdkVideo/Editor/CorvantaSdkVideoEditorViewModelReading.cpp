@@ -1,0 +1,203 @@
+#include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorViewModel.hpp>
+
+#include <CorvantaSdkVideo/Editor/EditorTasks.hpp>
+#include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
+#include <platform/AssetReader.hpp>
+#include <platform/Directories.hpp>
+#include <platform/NeverDestroyed.hpp>
+
+#include <QCoreApplication>
+#include <QStringList>
+
+#include <chrono>
+#include <cmath>
+#include <condition_variable>
+#include <exception>
+#include <filesystem>
+#include <mutex>
+#include <utility>
+
+namespace corvanta {
+
+namespace {
+
+Task<std::vector<CorvantaSdkVideoInformation>> probed(VideosInformationGenerator generator, URL video) {
+    std::vector<URL> videos{std::move(video)};
+    co_return co_await generator.getVideosInformation(std::move(videos));
+}
+
+Task<double> durationOf(URL video) { co_return AssetReader(video).duration(); }
+
+// The files of thumbnails that are being made. An application that ends waits for them, but not for one that
+// hangs: else they would stay in the user's documents.
+class OpenThumbnails {
+  public:
+    OpenThumbnails() {
+        qAddPostRoutine([] { shared().waitForEnd(); });
+    }
+
+    static OpenThumbnails& shared() {
+        static NeverDestroyed<OpenThumbnails> made;
+        return *made;
+    }
+
+    void add(int change) {
+        const std::lock_guard lock(mutex_);
+        count_ += change;
+        changed_.notify_all();
+    }
+
+  private:
+    void waitForEnd() {
+        std::unique_lock lock(mutex_);
+        changed_.wait_for(lock, std::chrono::seconds(10), [this] { return count_ == 0; });
+    }
+
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    int count_ = 0;
+};
+
+struct OpenThumbnail {
+    OpenThumbnail() { OpenThumbnails::shared().add(1); }
+    OpenThumbnail(const OpenThumbnail&) = delete;
+    OpenThumbnail& operator=(const OpenThumbnail&) = delete;
+    ~OpenThumbnail() { OpenThumbnails::shared().add(-1); }
+};
+
+// An editor of the host's own may hand out files from elsewhere, which aren't ours to remove.
+void removeIfMade(const URL& thumbnail) {
+    const std::filesystem::path path = thumbnail.path();
+    if (path.parent_path() == Directories::documents().path()) {
+        CorvantaSdkVideoUtils::deleteFileIfExists(thumbnail);
+    }
+}
+
+// The picture is null if there is none that can be read.
+Task<QImage> thumbnail(std::shared_ptr<CorvantaSdkVideoEditor> editor, URL video, double position,
+                       QSize size) {
+    const OpenThumbnail open;
+    std::optional<URL> file;
+    try {
+        file = co_await editor->getThumbnailForVideo(std::move(video), position, size.width(), size.height());
+    } catch (const std::exception&) {
+        // The strip stays blank from here on.
+        co_return QImage();
+    }
+    QImage image(QString::fromStdString(file->path()));
+    removeIfMade(*file);
+    co_return image;
+}
+
+// A probe's "30000/1001" as seconds; that of the usual rate where there is none.
+double frameDurationOf(const CorvantaSdkVideoInformation& information) {
+    const std::string rate = information.videos.empty() ? "" : information.videos.front().frameRate;
+    const QStringList parts = QString::fromStdString(rate).split(QLatin1Char('/'));
+    const double frames = parts[0].toDouble();
+    const double seconds = parts.size() > 1 ? parts[1].toDouble() : 1;
+    return frames > 0 && seconds > 0 ? seconds / frames : 1.0 / 30;
+}
+
+} // namespace
+
+Task<> CorvantaSdkVideoEditorViewModel::readVideo(QPointer<ViewModel> model,
+                                                  VideosInformationGenerator generator, URL video) {
+    std::vector<CorvantaSdkVideoInformation> videos;
+    double duration = 0;
+    try {
+        videos = co_await onEditorWorker(probed(std::move(generator), video));
+        duration = co_await onEditorWorker(durationOf(video));
+    } catch (const std::exception&) {
+        videos.clear();
+    }
+    if (!model) {
+        co_return;
+    }
+    if (videos.empty()) {
+        model->isUnreadable_ = true;
+        model->notice_ = QStringLiteral("This file can't be read as a video.");
+    } else {
+        model->takeInformation(videos.front(), duration);
+    }
+}
+
+void CorvantaSdkVideoEditorViewModel::takeInformation(const CorvantaSdkVideoInformation& information,
+                                                      double duration) {
+    const VideoSize size = information.videoSize;
+    // A file without a picture has no aspect.
+    if (size.width > 0 && size.height > 0) {
+        videoAspectRatio_ = size.width / size.height;
+    }
+    videoDuration_ = duration;
+    videoResolution_ = QSizeF(size.width, size.height);
+    videoOrientation_ = information.orientation;
+    currentRotation_ = information.rotation();
+    frameDuration_ = frameDurationOf(information);
+    setStopAt(duration);
+    isReady_ = duration > 0;
+    isUnreadable_ = !isReady();
+    if (isUnreadable()) {
+        notice_ = QStringLiteral("This video has no length.");
+    } else if (information.videos.empty()) {
+        notice_ = QStringLiteral("There is no picture in this file.");
+    }
+    generateThumbnails();
+}
+
+void CorvantaSdkVideoEditorViewModel::generateThumbnails() {
+    ++thumbnailRound_;
+    thumbnailPixels_ = thumbnailPixels();
+    if (!std::exchange(isMakingThumbnails_, true)) {
+        startOnQtThread(makeThumbnails(this, editor_, videoURL_));
+    }
+}
+
+void CorvantaSdkVideoEditorViewModel::renewThumbnails() {
+    if (isReady() && thumbnailPixels() != thumbnailPixels_) {
+        generateThumbnails();
+    }
+}
+
+QSize CorvantaSdkVideoEditorViewModel::thumbnailPixels() const {
+    constexpr int padding =
+        totalTrimmerHorizontalPadding() - static_cast<int>(thumbnailListHorizontalPadding);
+    const int width = (static_cast<int>(screenWidth_) - padding) / thumbnailCount;
+    return {static_cast<int>(std::lround(width * pixelRatio_)),
+            static_cast<int>(std::lround(trimmerHeight * pixelRatio_))};
+}
+
+// One task makes them all: a new round begins when the picture that is being made has come.
+Task<> CorvantaSdkVideoEditorViewModel::makeThumbnails(QPointer<ViewModel> model,
+                                                       std::shared_ptr<CorvantaSdkVideoEditor> editor,
+                                                       URL video) {
+    if (!model) {
+        co_return;
+    }
+    int round = model->thumbnailRound_;
+    int index = 0;
+    while (index < thumbnailCount) {
+        const double duration = model->videoDuration_;
+        const double position = duration - index * (duration / thumbnailCount);
+        const QImage image =
+            co_await onEditorWorker(thumbnail(editor, video, position, model->thumbnailPixels_));
+        if (!model) {
+            co_return;
+        }
+        if (std::exchange(round, model->thumbnailRound_) != model->thumbnailRound_) {
+            index = 0;
+        } else if (image.isNull()) {
+            break;
+        } else {
+            model->setThumbnail(index++, image);
+        }
+    }
+    model->isMakingThumbnails_ = false;
+}
+
+void CorvantaSdkVideoEditorViewModel::setThumbnail(int index, const QImage& image) {
+    QList<QImage> images = thumbnails();
+    images[index] = image;
+    thumbnails_ = images;
+}
+
+} // namespace corvanta
