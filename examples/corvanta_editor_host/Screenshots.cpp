@@ -1,19 +1,22 @@
 #include "Screenshots.hpp"
 
+#include "ResultWindow.hpp"
+
 #include <CorvantaSdkVideo/CorvantaSdkVideo.hpp>
 #include <CorvantaSdkVideo/Editor/Presentation/EditorCover.hpp>
+#include <CorvantaSdkVideo/Editor/Presentation/PresentCorvantaSdkVideoEditorView.hpp>
+#include <CorvantaSdkVideo/Editor/Views/CorvantaSdkVideoPlayer.hpp>
 
-#include <QDeadlineTimer>
 #include <QDir>
 #include <QEventLoop>
 #include <QGuiApplication>
+#include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickWindow>
 #include <QTemporaryDir>
 #include <QTimer>
 
 #include <algorithm>
-#include <array>
 #include <functional>
 #include <stdexcept>
 
@@ -23,9 +26,8 @@ namespace {
 
 using Model = CorvantaSdkVideoEditorViewModel;
 
-constexpr int longestWaitMilliseconds = 60'000;
-/// All of the screen's animations are shorter.
-constexpr int settlingMilliseconds = 600;
+/// All of the screen's animations move in this time, if only by a little.
+constexpr int animationStepMilliseconds = 60;
 
 void waitFor(int milliseconds) {
     QEventLoop loop;
@@ -33,79 +35,181 @@ void waitFor(int milliseconds) {
     loop.exec();
 }
 
-void waitUntil(const char* what, const std::function<bool()>& condition) {
-    const QDeadlineTimer deadline(longestWaitMilliseconds);
+// Whatever is waited for comes, or comes to its own end.
+void waitUntil(const std::function<bool()>& condition) {
     while (!condition()) {
-        if (deadline.hasExpired()) {
-            throw std::runtime_error(std::string("No screenshot, since this never came: ") + what);
-        }
-        waitFor(20);
+        waitFor(10);
     }
 }
 
-/// Brings an editor, whose output goes into a directory, into a state.
-using Act = std::function<void(Model&, QTemporaryDir&)>;
-
-class Stage {
-  public:
-    Stage(const QString& video, const QString& directory, QSize size)
-        : video_(CorvantaSdkVideoFile(URL::fromFilePath(video.toStdString()))), directory_(directory),
-          size_(size) {}
-
-    /// Opens the editor, lets `act` bring it into a state, and writes its picture as soon as `act` returns.
-    void show(const char* name, const Act& act,
-              OrientationManager& orientation = OrientationManager::shared()) const {
-        QTemporaryDir outputs;
-        QQmlEngine engine;
-        QQuickWindow window;
-        window.setColor(Qt::black);
-        window.resize(orientation.isPortraitModeSupported() ? size_ : size_.transposed());
-        window.show();
-        window.contentItem()->setSize(window.size());
-        const auto output = CorvantaSdkVideoFileDescriptor::custom(
-            parseablePath(outputs.filePath(QStringLiteral("edited")).toStdString()));
-        const EditorCover cover(engine, *window.contentItem(), makeEditorViewModel(video_, output, {}),
-                                orientation);
-        Model& model = cover.viewModel();
-        if (model.isAuthenticated()) {
-            waitUntil("the thumbnails", [&model] {
-                return std::ranges::none_of(model.thumbnails(),
-                                            [](const QImage& image) { return image.isNull(); });
-            });
+template <typename Item>
+Item* itemBelow(const QQuickItem& item) {
+    for (QQuickItem* const child : item.childItems()) {
+        Item* const found = qobject_cast<Item*>(child);
+        if (Item* const match = found != nullptr ? found : itemBelow<Item>(*child)) {
+            return match;
         }
-        act(model, outputs);
-        write(window, name);
-        waitUntil("the edit's end", [&model] { return !model.isTrimming(); });
+    }
+    return nullptr;
+}
+
+/// An editor in a window.
+class Scene {
+  public:
+    explicit Scene(QQuickWindow& window) : window_(window) {
+        waitUntil([this] {
+            view_ = itemBelow<EditorView>(*window_.contentItem());
+            return view_ != nullptr && window_.isExposed() && view_->y() == 0;
+        });
+        model_ = view_->viewModel();
+        if (model_->isAuthenticated()) {
+            waitForFile();
+        }
+        settle();
     }
 
-  private:
-    void write(QQuickWindow& window, const char* name) const {
-        const QString file = QDir(directory_).filePath(QString::fromLatin1(name) + QStringLiteral(".png"));
-        if (!window.grabWindow().save(file)) {
+    Model& model() const { return *model_; }
+
+    /// Waits until nothing moves any more.
+    void settle() const {
+        waitUntil([this] { return !model_->videoPlayer().isSeeking(); });
+        QImage last;
+        QImage now = window_.grabWindow();
+        while (std::exchange(last, now) != now || last.isNull()) {
+            waitFor(animationStepMilliseconds);
+            now = window_.grabWindow();
+        }
+    }
+
+    void write(const QString& file) const {
+        if (!window_.grabWindow().save(file)) {
             throw std::runtime_error("Can't write " + file.toStdString());
         }
     }
 
-    CorvantaSdkVideoFile video_;
+    void waitForEdit() const {
+        waitUntil([this] { return !model_ || !model_->isTrimming(); });
+    }
+
+  private:
+    void waitForFile() const {
+        waitUntil([this] {
+            return model_->isUnreadable() || (model_->isReady() && !model_->isMakingThumbnails());
+        });
+        const auto* const picture = itemBelow<CorvantaSdkVideoPlayer>(*view_);
+        waitUntil([this, picture] { return !model_->notice().isEmpty() || picture->frameAspectRatio() > 0; });
+        const auto isMissing = [](const QImage& image) { return image.isNull(); };
+        if (!model_->notice().isEmpty() || std::ranges::any_of(model_->thumbnails(), isMissing)) {
+            const std::string reason = model_->notice().toStdString();
+            throw std::runtime_error("No screenshot: " +
+                                     (reason.empty() ? "a thumbnail can't be made" : reason));
+        }
+    }
+
+    QQuickWindow& window_;
+    EditorView* view_ = nullptr;
+    QPointer<Model> model_;
+};
+
+/// Brings an editor, whose output goes into a directory, into a state.
+using Act = std::function<void(const Scene&, QTemporaryDir&)>;
+
+class Stage {
+  public:
+    Stage(const QString& video, const QString& directory, QSize size)
+        : video_(video), directory_(directory), size_(size) {}
+
+    /// Opens the editor over a window, lets `act` bring it into a state, and writes its picture as soon as
+    /// `act` returns.
+    void show(const char* name, const Act& act) const {
+        QTemporaryDir outputs;
+        ResultWindow presenter{QString()};
+        presenter.resize(size_);
+        presenter.show();
+        presentCorvantaSdkVideoEditorView(&presenter, input(), outputIn(outputs), {});
+        QQuickWindow* editor = nullptr;
+        for (QWindow* const window : QGuiApplication::allWindows()) {
+            if (window->transientParent() == &presenter) {
+                editor = qobject_cast<QQuickWindow*>(window);
+            }
+        }
+        shoot(name, *editor, act, outputs);
+    }
+
+    /// The same within a window of Qt Quick, on a layout for a host's orientation.
+    void showTurned(const char* name, const Act& act, OrientationManager& orientation) const {
+        QTemporaryDir outputs;
+        QQmlEngine engine;
+        QQuickWindow window;
+        window.setColor(Qt::black);
+        window.resize(size_.transposed());
+        window.show();
+        window.contentItem()->setSize(window.size());
+        EditorCover cover(engine, *window.contentItem(), makeEditorViewModel(input(), outputIn(outputs), {}),
+                          orientation);
+        cover.present();
+        shoot(name, window, act, outputs);
+    }
+
+    /// The same by the QML module.
+    void showInQml(const char* name, const Act& act) const {
+        QTemporaryDir outputs;
+        QQmlEngine engine;
+        QQmlComponent component(&engine);
+        component.setData(R"(
+            import QtQuick
+            import CorvantaSdkVideo.Editor
+            Window {
+                property alias video: modifier.input
+                visible: true
+                PresentVideoEditorModifier { id: modifier; isPresented: true }
+            })",
+                          QUrl());
+        const std::unique_ptr<QObject> made(
+            component.createWithInitialProperties({{QStringLiteral("video"), QUrl::fromLocalFile(video_)},
+                                                   {QStringLiteral("width"), size_.width()},
+                                                   {QStringLiteral("height"), size_.height()}}));
+        auto* const window = qobject_cast<QQuickWindow*>(made.get());
+        if (window == nullptr) {
+            throw std::runtime_error(component.errorString().toStdString());
+        }
+        shoot(name, *window, act, outputs);
+    }
+
+  private:
+    CorvantaSdkVideoFile input() const {
+        return CorvantaSdkVideoFile(URL::fromFilePath(video_.toStdString()));
+    }
+    static CorvantaSdkVideoFileDescriptor outputIn(const QTemporaryDir& outputs) {
+        return CorvantaSdkVideoFileDescriptor::custom(
+            parseablePath(outputs.filePath(QStringLiteral("edited")).toStdString()));
+    }
+
+    void shoot(const char* name, QQuickWindow& window, const Act& act, QTemporaryDir& outputs) const {
+        const Scene scene(window);
+        act(scene, outputs);
+        scene.write(QDir(directory_).filePath(QString::fromLatin1(name) + QStringLiteral(".png")));
+        scene.waitForEdit();
+    }
+
+    QString video_;
     QString directory_;
     QSize size_;
 };
 
-void settle() { waitFor(settlingMilliseconds); }
-
 void drag(Model& model, double from, double to) {
     const QSizeF strip(model.trimmerInitialWidth(), Model::trimmerHeight);
-    const double step = to > from ? 8 : -8;
+    const double step = to > from ? 4 : -4;
     for (double part = from; (to - part) * step > 0; part += step) {
         model.applyTrimming(QPointF(part, strip.height() / 2), QRectF(QPointF(0, 0), strip));
     }
 }
 
-void trim(Model& model) {
-    const double width = model.trimmerInitialWidth();
-    drag(model, 16, width * 0.2);
-    drag(model, width - 16, width * 0.75);
-    settle();
+void trim(const Scene& scene) {
+    const double width = scene.model().trimmerInitialWidth();
+    drag(scene.model(), 16, width * 0.2);
+    drag(scene.model(), width - 16, width * 0.75);
+    scene.settle();
 }
 
 void writeLandscape(const Stage& stage, const char* name, const char* orientation) {
@@ -119,8 +223,8 @@ void writeLandscape(const Stage& stage, const char* name, const char* orientatio
     }
     information.close();
     OrientationManager manager(file);
-    stage.show(
-        name, [](Model& model, QTemporaryDir&) { trim(model); }, manager);
+    stage.showTurned(
+        name, [](const Scene& scene, QTemporaryDir&) { trim(scene); }, manager);
 }
 
 } // namespace
@@ -130,40 +234,48 @@ void writeScreenshots(const QString& video, const QString& directory, QSize size
         throw std::runtime_error("Can't make " + directory.toStdString());
     }
     const Stage stage(video, directory, size);
-    stage.show("untouched", [](Model&, QTemporaryDir&) { settle(); });
-    stage.show("trimmed", [](Model& model, QTemporaryDir&) { trim(model); });
-    stage.show("playing", [](Model& model, QTemporaryDir&) {
-        model.handleAction();
-        settle();
-        settle();
+    const Act untouched = [](const Scene&, QTemporaryDir&) {};
+    const Act trimmed = [](const Scene& scene, QTemporaryDir&) { trim(scene); };
+    stage.show("untouched", untouched);
+    stage.show("trimmed", trimmed);
+    stage.showInQml("in-qml", trimmed);
+    stage.show("playing", [](const Scene& scene, QTemporaryDir&) {
+        bool hasPlayed = false;
+        const auto notice = [&hasPlayed] { hasPlayed = true; };
+        QObject context;
+        QObject::connect(&scene.model().videoPlayer(), &VideoPlayer::timeObserved, &context, notice);
+        QObject::connect(&scene.model().videoPlayer(), &VideoPlayer::didPlayToEndTime, &context, notice);
+        scene.model().handleAction();
+        waitUntil([&hasPlayed] { return hasPlayed; });
     });
-    stage.show("sound", [](Model& model, QTemporaryDir&) {
-        model.showSound();
-        model.changeVolume(QPointF(24, 70), QSizeF(0, 0), QRectF(0, 0, 48, Model::initialVolumeHeight));
-        settle();
+    stage.show("sound", [](const Scene& scene, QTemporaryDir&) {
+        scene.model().showSound();
+        scene.model().changeVolume(QPointF(24, 70), QSizeF(0, 0),
+                                   QRectF(0, 0, 48, Model::initialVolumeHeight));
+        scene.settle();
     });
-    stage.show("muted", [](Model& model, QTemporaryDir&) {
-        model.showSound();
-        model.muteVideo();
-        settle();
+    stage.show("muted", [](const Scene& scene, QTemporaryDir&) {
+        scene.model().showSound();
+        scene.model().muteVideo();
+        scene.settle();
     });
-    stage.show("rotated", [](Model& model, QTemporaryDir&) {
-        model.showRotation();
-        model.rotateRight();
-        settle();
+    stage.show("rotated", [](const Scene& scene, QTemporaryDir&) {
+        scene.model().showRotation();
+        scene.model().rotateRight();
+        scene.settle();
     });
-    stage.show("editing", [](Model& model, QTemporaryDir&) {
-        trim(model);
-        model.trimVideo({});
+    stage.show("editing", [](const Scene& scene, QTemporaryDir&) {
+        trim(scene);
+        scene.model().trimVideo({});
     });
-    stage.show("error", [](Model& model, QTemporaryDir& outputs) {
+    stage.show("error", [](const Scene& scene, QTemporaryDir& outputs) {
         outputs.remove();
-        model.trimVideo({});
-        waitUntil("the error", [&model] { return model.hasError(); });
-        settle();
+        scene.model().trimVideo({});
+        waitUntil([&scene] { return scene.model().hasError(); });
+        scene.settle();
     });
     writeLandscape(stage, "landscape-right", "UIInterfaceOrientationLandscapeRight");
     writeLandscape(stage, "landscape-left", "UIInterfaceOrientationLandscapeLeft");
     SharedCorvantaSdkCommonKt::sdk_common().setAuth(std::make_shared<SharedCorvantaSdkFixedAuth>(false));
-    stage.show("not-logged-in", [](Model&, QTemporaryDir&) { settle(); });
+    stage.show("not-logged-in", untouched);
 }

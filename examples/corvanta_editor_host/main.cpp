@@ -41,6 +41,30 @@ QSize sizeOf(const QString& text) {
     return sides.size() == 2 ? QSize(sides[0].toInt(), sides[1].toInt()) : QSize();
 }
 
+/// Why a file can't be edited; empty if it can.
+std::string reasonAgainst(const QString& file) {
+    const QFileInfo info(file);
+    if (info.isDir()) {
+        return file.toStdString() + " is a folder";
+    }
+    if (!info.exists()) {
+        return "There is no file " + file.toStdString();
+    }
+    const CorvantaSdkVideoFile video(URL::fromFilePath(info.absoluteFilePath().toStdString()));
+    try {
+        const auto information = runBlocking(CorvantaSdkVideo->getVideosInformation({video}));
+        return information.front().videos.empty() ? "There is no picture in " + file.toStdString() : "";
+    } catch (const std::exception&) {
+        return file.toStdString() + " can't be read as a video";
+    }
+}
+
+/// The path without the extension that the edited file gets anyway.
+QString withoutExtension(const QString& path) {
+    const QString added = QStringLiteral(".mp4");
+    return path.endsWith(added, Qt::CaseInsensitive) ? path.chopped(added.size()) : path;
+}
+
 int edit(const QString& video, const CorvantaSdkVideoFileDescriptor& output, QSize size) {
     ResultWindow window(QString{});
     window.resize(size);
@@ -82,7 +106,7 @@ int main(int argumentCount, char** arguments) {
     parser.addOptions({screenshot, windowSize, loggedOut});
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("Video file."));
     parser.addPositionalArgument(QStringLiteral("OUT"),
-                                 QStringLiteral("Where to write the mp4 file, without extension."),
+                                 QStringLiteral("Where to write the mp4 file, with or without extension."),
                                  QStringLiteral("[OUT]"));
     parser.process(application);
 
@@ -91,16 +115,18 @@ int main(int argumentCount, char** arguments) {
     if (files.isEmpty() || files.size() > 2 || size.isEmpty()) {
         parser.showHelp(EXIT_FAILURE);
     }
-    if (!QFileInfo(files[0]).isFile()) {
-        return fail("There is no file " + files[0].toStdString());
-    }
     FFmpegKitConfig::setLogLevel("error");
     setConsoleSink(nullptr);
     // Files come from anywhere.
     FFmpegKitConfig::setRunLimits(recommendedRunLimits());
     SharedCorvantaSdkCommonKt::sdk_common().setLog(std::make_shared<ErrorLog>());
-    SharedCorvantaSdkCommonKt::sdk_common().setAuth(
-        std::make_shared<SharedCorvantaSdkFixedAuth>(!parser.isSet(loggedOut)));
+    SharedCorvantaSdkCommonKt::sdk_common().setAuth(std::make_shared<SharedCorvantaSdkFixedAuth>(true));
+    if (const std::string reason = reasonAgainst(files[0]); !reason.empty()) {
+        return fail(reason);
+    }
+    if (parser.isSet(loggedOut)) {
+        SharedCorvantaSdkCommonKt::sdk_common().setAuth(std::make_shared<SharedCorvantaSdkFixedAuth>(false));
+    }
     try {
         if (parser.isSet(screenshot)) {
             writeScreenshots(files[0], parser.value(screenshot), size);
@@ -109,7 +135,7 @@ int main(int argumentCount, char** arguments) {
         const QFileInfo input(files[0]);
         const QString output =
             files.size() > 1
-                ? QFileInfo(files[1]).absoluteFilePath()
+                ? QFileInfo(withoutExtension(files[1])).absoluteFilePath()
                 : input.absoluteDir().filePath(input.completeBaseName() + QStringLiteral("-edited"));
         return edit(files[0], CorvantaSdkVideoFileDescriptor::custom(parseablePath(output.toStdString())),
                     size);

@@ -12,6 +12,9 @@ namespace {
 /// Smooths the borders of the symbols.
 constexpr int samples = 4;
 
+/// Nothing overlaps at this size or above.
+constexpr QSize smallestSize(320, 320);
+
 Qt::ScreenOrientation orientationOf(OrientationManager::OrientationMask orientation) {
     using Mask = OrientationManager::OrientationMask;
     switch (orientation) {
@@ -31,10 +34,12 @@ CorvantaSdkVideoEditorViewController::CorvantaSdkVideoEditorViewController(
     QWindow& presenter, const CorvantaSdkVideoFile& input,
     const std::optional<CorvantaSdkVideoFileDescriptor>& output, Completion onComplete)
     : presenter_(&presenter) {
-    QSurfaceFormat format = QSurfaceFormat::defaultFormat();
+    // What Qt Quick has asked for: without its depth buffer a GPU leaves out whatever is opaque.
+    QSurfaceFormat format = requestedFormat();
     format.setSamples(samples);
     setFormat(format);
     setColor(Qt::black);
+    setMinimumSize(smallestSize);
     setTitle(presenter.title());
     setTransientParent(&presenter);
     setModality(Qt::WindowModal);
@@ -51,6 +56,12 @@ void CorvantaSdkVideoEditorViewController::addChildren(
 }
 
 void CorvantaSdkVideoEditorViewController::present() {
+    // Only the window manager knows where a window stands that is just being shown.
+    const bool isMinimized = presenter_->windowStates().testFlag(Qt::WindowMinimized);
+    if (presenter_->isVisible() && !presenter_->isExposed() && !isMinimized) {
+        presenter_->installEventFilter(this);
+        return;
+    }
     setScreen(presenter_->screen());
     setGeometry(presenter_->geometry());
     setWindowStates(presenter_->windowStates() & ~Qt::WindowStates(Qt::WindowMinimized | Qt::WindowActive));
@@ -68,6 +79,16 @@ void CorvantaSdkVideoEditorViewController::dismiss(std::function<void()> afterwa
         Q_EMIT dismissed();
         done();
     });
+}
+
+bool CorvantaSdkVideoEditorViewController::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Expose && presenter_->isExposed()) {
+        presenter_->removeEventFilter(this);
+        if (!child_->isDismissing()) {
+            present();
+        }
+    }
+    return QQuickWindow::eventFilter(watched, event);
 }
 
 // The window's own close button is one more way to leave without an edit.

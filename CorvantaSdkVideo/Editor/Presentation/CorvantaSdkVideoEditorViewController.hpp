@@ -20,7 +20,7 @@ class CorvantaSdkVideoEditorViewController : public QQuickWindow {
                                          const std::optional<CorvantaSdkVideoFileDescriptor>& output,
                                          Completion onComplete);
 
-    /// Shows the window in full over the presenter.
+    /// Shows the window in full over the presenter, as soon as that has come up.
     void present();
     /// Slides the screen out, closes the window and then calls `dismissed`.
     void dismiss(std::function<void()> dismissed);
@@ -35,6 +35,7 @@ class CorvantaSdkVideoEditorViewController : public QQuickWindow {
 
   protected:
     bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     void addChildren(const CorvantaSdkVideoFile& input,

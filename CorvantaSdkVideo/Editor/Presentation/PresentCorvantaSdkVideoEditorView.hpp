@@ -11,9 +11,9 @@ class QWindow;
 namespace corvanta {
 
 /// Opens the editor for `input` in a window over `presenter`: as large, in the same state, transient for it,
-/// and holding back its input. `onComplete` is called once, on the Qt thread, when that window has closed:
-/// with the URL of the edited file, or without one if the user has left. It is not called if the presenter
-/// has gone before; the editor goes with it.
+/// and holding back its input; a presenter that is just being shown is waited for. `onComplete` is called
+/// once, on the Qt thread, when that window has closed: with the URL of the edited file, or without one if
+/// the user has left. It is not called if the presenter has gone before; the editor goes with it.
 ///
 /// `output` gives the URL with the extension "mp4". Needs a QGuiApplication, and the Qt thread.
 ///

@@ -63,7 +63,6 @@ class PresentVideoEditorModifier : public QQuickItem {
     void followLater();
     void follow();
     void cover();
-    void uncover();
 
     bool isPresented_ = false;
     QUrl input_;

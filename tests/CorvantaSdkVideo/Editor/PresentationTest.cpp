@@ -15,9 +15,10 @@ using test::colourClip;
 class PresentationTest : public test::ScreenFixture {};
 
 TEST_F(PresentationTest, CoversThePresenterOneAtATime) {
-    presenter_->setGeometry(30, 40, 500, 600);
+    makePresenter();
     present();
-    EXPECT_EQ(window_->geometry(), presenter_->geometry());
+    EXPECT_TRUE(eventually([this] { return window_->isExposed(); }));
+    EXPECT_EQ(window_->geometry(), presenter_->geometry()) << "though presented before that was placed";
     EXPECT_EQ(window_->transientParent(), presenter_.get());
     const auto presentOver = [this](QWindow* presenter) {
         return presentCorvantaSdkVideoEditorView(

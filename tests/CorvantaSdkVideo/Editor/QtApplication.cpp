@@ -1,3 +1,5 @@
+#include "support/Display.hpp"
+
 #include <platform/FFmpegKit.hpp>
 
 #include <QGuiApplication>
@@ -14,21 +16,30 @@ const char* __lsan_default_suppressions() { return "leak:libpulse.so\nleak:libgl
 namespace corvanta::test {
 namespace {
 
-/// The one application of a test program, without a screen.
+/// The one application of a test program, without a screen; with CORVANTA_TEST_DISPLAY set, on a display in
+/// memory.
 class QtApplication : public testing::Environment {
   public:
     void SetUp() override {
-        setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        if (std::getenv("CORVANTA_TEST_DISPLAY") != nullptr) {
+            display_.emplace();
+        } else {
+            setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        }
         application_ = std::make_unique<QGuiApplication>(count_, arguments_);
         QGuiApplication::setQuitOnLastWindowClosed(false);
         FFmpegKitConfig::setLogLevel("error");
     }
-    void TearDown() override { application_.reset(); }
+    void TearDown() override {
+        application_.reset();
+        display_.reset();
+    }
 
   private:
     int count_ = 1;
     char name_[5] = "test";
     char* arguments_[2] = {name_, nullptr};
+    std::optional<Display> display_;
     std::unique_ptr<QGuiApplication> application_;
 };
 
