@@ -2,7 +2,7 @@
 #   runtime             the libraries that a built host loads, and the module's version
 #   models              the noise model
 #   development         headers, CMake package and pkg-config files of the module and the audio library
-#   editor              the editor's library
+#   editor              the editor's library and QML module
 #   editor_development  its headers, CMake targets and pkg-config file
 #   examples            the example programs and their sources
 # The prefix may be moved: nothing that is installed knows its own place.
@@ -58,9 +58,13 @@ if(CORVANTA_BUILD_EDITOR)
     string(REPLACE ";" "" CORVANTA_EDITOR_QT_PKGCONFIG "${links}")
 endif()
 
+if(NOT DEFINED CORVANTA_INSTALL_QMLDIR)
+    set(CORVANTA_INSTALL_QMLDIR ${CMAKE_INSTALL_LIBDIR}/qt6/qml) # where nothing goes
+endif()
 configure_package_config_file(cmake/package/CorvantaSdkVideoConfig.cmake.in
     ${PROJECT_BINARY_DIR}/package/CorvantaSdkVideoConfig.cmake
-    INSTALL_DESTINATION ${CORVANTA_INSTALL_CMAKEDIR})
+    INSTALL_DESTINATION ${CORVANTA_INSTALL_CMAKEDIR}
+    PATH_VARS CORVANTA_INSTALL_QMLDIR)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/package/CorvantaSdkVideoConfigVersion.cmake
     COMPATIBILITY SameMinorVersion)
 install(FILES
@@ -76,6 +80,15 @@ if(CORVANTA_BUILD_EDITOR)
         corvanta_sdk_video_editor CorvantaSdkVideoEditorTargets editor editor_development ${CORVANTA_INSTALL_INCLUDEDIR})
     corvanta_install_targets_file(CorvantaSdkVideoEditorTargets editor_development)
     corvanta_install_pkgconfig(corvanta-sdk-video-editor editor_development)
+
+    set(module corvanta_sdk_video_editor_plugin)
+    file(RELATIVE_PATH up /${CORVANTA_INSTALL_QMLDIR}/CorvantaSdkVideo/Editor /${CMAKE_INSTALL_LIBDIR})
+    set_target_properties(${module} PROPERTIES INSTALL_RPATH "$ORIGIN/${up}")
+    install(TARGETS ${module}
+        LIBRARY DESTINATION ${CORVANTA_INSTALL_QMLDIR}/CorvantaSdkVideo/Editor COMPONENT editor)
+    get_target_property(directory corvanta_sdk_video_editor QT_QML_MODULE_OUTPUT_DIRECTORY)
+    install(FILES ${directory}/qmldir ${directory}/corvanta_sdk_video_editor.qmltypes
+        DESTINATION ${CORVANTA_INSTALL_QMLDIR}/CorvantaSdkVideo/Editor COMPONENT editor)
 endif()
 
 if(CORVANTA_BUILD_EXAMPLES)
