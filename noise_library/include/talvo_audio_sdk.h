@@ -151,6 +151,15 @@ TALVO_AUDIO_API int talvoAudioNcCleanAmbientNoiseFloat(void* session, float cons
                                                        float* out, unsigned outSize);
 
 /**
+ * Sets how much a cleaning session takes away, from the next frame on: what comes out is the cleaned sound
+ * times the strength plus the sound as it came in, equally late, times the rest. A session begins with 1.
+ * @param session a cleaning session's handle.
+ * @param strength from 0, nothing, to 1, all that the model takes.
+ * @return 0; 1 for any other strength, which changes nothing; 2 for a wrong session; -1, -2, -3.
+ */
+TALVO_AUDIO_API int talvoAudioNcSetStrength(void* session, float strength);
+
+/**
  * The probability, 0 to 1, that a frame holds speech.
  * @param session a voice activity session's handle.
  * @param in,size rate * duration / 1000 samples.

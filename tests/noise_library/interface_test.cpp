@@ -237,11 +237,12 @@ TEST(Handles, ThatAreWrongAreReportedByEveryCall) {
     std::string const close = "file talvo_audio_sdk/talvo-audio-sdk Line";
     short* const s16 = shorts.data();
     float* const f32 = floats.data();
-    std::array<Function, 10> const functions{{
+    std::array<Function, 11> const functions{{
         {cleaning, 2, wrongSessionText,
          [&](void* s) { return talvoAudioNcCleanAmbientNoiseInt16(s, s16, 160, s16, 160); }},
         {cleaning, 2, wrongSessionText,
          [&](void* s) { return talvoAudioNcCleanAmbientNoiseFloat(s, f32, 160, f32, 160); }},
+        {cleaning, 2, wrongSessionText, [&](void* s) { return talvoAudioNcSetStrength(s, 0.5f); }},
         {voice, -4, wrongSessionText, [&](void* s) { return talvoAudioVadFrameInt16(s, s16, 160); }},
         {voice, -4, wrongSessionText, [&](void* s) { return talvoAudioVadFrameFloat(s, f32, 160); }},
         {level, -4, wrongSessionText, [&](void* s) { return talvoAudioNoiseDbFrameInt16(s, s16, 160); }},
@@ -267,7 +268,7 @@ TEST(Handles, ThatAreWrongAreReportedByEveryCall) {
         }
     // All still work; a reset passes its true on.
     for (std::size_t i = 0; i < functions.size(); ++i)
-        EXPECT_GE(functions[i].call(functions[i].right), i == 4 || i == 5 ? -120.0f : 0.0f) << i;
+        EXPECT_GE(functions[i].call(functions[i].right), i == 5 || i == 6 ? -120.0f : 0.0f) << i;
 }
 
 TEST(FrameSizes, ThatAreWrongLeaveTheStreamAsItWas) {

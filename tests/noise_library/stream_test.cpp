@@ -45,6 +45,9 @@ class Stream {
         EXPECT_EQ(talvoAudioNcCleanAmbientNoiseFloat(session_, in, size, out_.data(), size), 0);
         return out_;
     }
+    void setStrength(float strength, int expected) {
+        EXPECT_EQ(talvoAudioNcSetStrength(session_, strength), expected);
+    }
     std::vector<float> cleanAll(std::vector<float> const& in) {
         std::vector<float> all;
         for (std::size_t at = 0; at + out_.size() <= in.size(); at += out_.size()) {
@@ -95,6 +98,40 @@ TEST(Streams, ExtremesAreClippedAndValuesThatAreNoNumbersDontStay) {
             // Later speech comes through as it does behind silence; the levels that were tracked differ.
             EXPECT_GT(rms(disturbed.cleanAll(speech)), 0.1f * rms(silent.cleanAll(speech)));
         }
+}
+
+TEST(Streams, StrengthGoesEvenlyFromTheInputToAllOfTheCleaning) {
+    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+    LibraryScope const library;
+    std::vector<float> const speech = makeSpeech(16000, 1.0);
+    for (char const* const version : versions) {
+        SCOPED_TRACE(version);
+        ASSERT_EQ(library.setModel(version, makeModel(version)), 0);
+        std::array<std::vector<float>, 5> out;
+        for (std::size_t quarters = 0; quarters < out.size(); ++quarters) {
+            Stream stream(16000, 10, version);
+            if (quarters < 4)
+                stream.setStrength(static_cast<float>(quarters) / 4.0f, 0);
+            for (float const wrong : {-0.01f, 1.01f, nan})
+                stream.setStrength(wrong, 1);
+            out[quarters] = stream.cleanAll(speech);
+        }
+        auto const silence = [](std::vector<float> const& samples) {
+            auto const sounds = [](float sample) { return std::abs(sample) > 1e-3f; };
+            return static_cast<std::size_t>(std::ranges::find_if(samples, sounds) - samples.begin());
+        };
+        std::size_t const late = silence(out[0]) - silence(speech);
+        float taken = 0.0f;
+        for (std::size_t i = late; i < out[0].size(); ++i) {
+            ASSERT_NEAR(out[0][i], speech[i - late], 1e-4f) << i;
+            for (std::size_t quarters = 1; quarters < 4; ++quarters) {
+                float const share = static_cast<float>(quarters) / 4.0f;
+                ASSERT_NEAR(out[quarters][i], out[0][i] + share * (out[4][i] - out[0][i]), 1e-4f) << i;
+            }
+            taken = std::max(taken, std::abs(out[4][i] - out[0][i]));
+        }
+        EXPECT_GT(taken, 0.01f);
+    }
 }
 
 TEST(Streams, AllocateNothingOnceTheyRun) {

@@ -4,6 +4,7 @@
 #include "talvo_audio_sdk/session_type.hpp"
 #include "weights/model.hpp"
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -20,6 +21,8 @@ class NoiseCleaner {
 
     /// One frame in, one frame or the measured value out, in place.
     virtual bool cleanNoise(std::vector<float>& inOutVector) = 0;
+    /// By how many samples the output is late.
+    virtual std::size_t latency() const { return 0; }
     virtual bool resetSession() { return true; }
     virtual bool background_speaker_fix_switch(bool) { return false; }
 

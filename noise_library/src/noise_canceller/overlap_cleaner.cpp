@@ -17,9 +17,12 @@ OverlapCleaner::OverlapCleaner(WEIGHTS::ModelPtr model, CleanerParams params, Fi
 void OverlapCleaner::startStream() {
     inputData_ = CONTAINERS::CyclicBlockData(10 * params_.step);
     outputData_ = CONTAINERS::CyclicBlockData(10 * params_.step);
-    outputData_.push_backNULL(delay(params_.frameDuration, params_.inputFrameDuration) * params_.sampleRate /
-                              1000);
+    outputData_.push_backNULL(latency());
     inputData_.push_backNULL(params_.step);
+}
+
+std::size_t OverlapCleaner::latency() const {
+    return delay(params_.frameDuration, params_.inputFrameDuration) * params_.sampleRate / 1000;
 }
 
 bool OverlapCleaner::cleanNoise(std::vector<float>& inOutVector) {

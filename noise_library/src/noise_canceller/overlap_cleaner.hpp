@@ -17,6 +17,7 @@ enum class FillBound { twoSteps, inputFrameAndStep };
 class OverlapCleaner : public NoiseCleaner {
   public:
     bool cleanNoise(std::vector<float>& inOutVector) override;
+    std::size_t latency() const override;
 
     /// Milliseconds that the output of a stream begins late, so that every input frame finds enough
     /// output waiting.

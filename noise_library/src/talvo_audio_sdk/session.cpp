@@ -52,10 +52,18 @@ TalvoAudioSessionT::TalvoAudioSessionT(TalvoAudioSamplingRate inRate, TalvoAudio
                                                  : static_cast<int>(outRate))),
       inputSize_(getSampleCount(duration, inRate)),
       outputSize_(type == TalvoAudioSessionType::voiceActivity ? 0 : getSampleCount(duration, outRate)),
-      type_(type) {
+      type_(type), untouched_(4 * (cleaner_->latency() + getSampleCount(duration, modelRate(*cleaner_)))) {
+    untouched_.push_backNULL(cleaner_->latency());
     bool const resamples = inRate != outRate || modelRate(*cleaner_) != inRate;
     if (resamples && (duration == TALVO_AUDIO_DURATION_15 || duration == TALVO_AUDIO_DURATION_32))
         TALVO_THROW("RESAMPLER WORKS WITH WRONG FRAMEDURATION ");
+}
+
+bool TalvoAudioSessionT::setStrength(float strength) {
+    if (!(strength >= 0.0f && strength <= 1.0f))
+        return false;
+    strength_ = strength;
+    return true;
 }
 
 bool TalvoAudioSessionT::cleanNoise(short const* in, std::size_t inSize, short* out, std::size_t outSize) {
@@ -129,7 +137,18 @@ void TalvoAudioSessionT::runCleaner(Sample const* in) {
     resample(resamplerIn_);
     for (float& sample : samples_)
         sample = clamped(sample);
+    if (type_ == TalvoAudioSessionType::noiseCleaning)
+        untouched_.push_back(samples_.data(), samples_.size());
     cleaner_->cleanNoise(samples_);
+}
+
+void TalvoAudioSessionT::weaken() {
+    if (strength_ < 1.0f)
+        std::transform(samples_.begin(), samples_.end(), untouched_.data(), samples_.begin(),
+                       [this](float cleaned, float untouched) {
+                           return strength_ * clamped(cleaned) + (1.0f - strength_) * untouched;
+                       });
+    untouched_.pop_front(samples_.size());
 }
 
 template <class Sample>
@@ -143,6 +162,7 @@ float TalvoAudioSessionT::measure(Sample const* in) {
 template <class Sample>
 void TalvoAudioSessionT::clean(Sample const* in) {
     runCleaner(in);
+    weaken();
     // What a model makes of a frame must not stay in the filter either.
     for (float& sample : samples_)
         if (!std::isfinite(sample))

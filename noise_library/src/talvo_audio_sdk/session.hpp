@@ -3,6 +3,7 @@
 #include "noise_canceller/noise_cleaner.hpp"
 #include "talvo_audio_sdk.h"
 #include "talvo_audio_sdk/session_type.hpp"
+#include "utils/cyclic_block_data.hpp"
 #include "utils/resampler.hpp"
 
 #include <cstddef>
@@ -26,6 +27,9 @@ class TalvoAudioSessionT {
     bool cleanNoise(short const* in, std::size_t inSize, short* out, std::size_t outSize);
     bool cleanNoise(float const* in, std::size_t inSize, float* out, std::size_t outSize);
 
+    /// False for a strength outside of 0 to 1.
+    bool setStrength(float strength);
+
     /// A wrong size or a null pointer throws in the 16-bit forms and gives -2 in the others.
     float frameVad(short const* in, std::size_t size);
     float frameVad(float const* in, std::size_t size);
@@ -45,6 +49,8 @@ class TalvoAudioSessionT {
     void runCleaner(Sample const* in);
     template <class Sample>
     void clean(Sample const* in);
+    /// The share of the untouched sound that the strength leaves, added to samples_.
+    void weaken();
     template <class Sample>
     float measure(Sample const* in);
     void resample(UTILS::Resampler& resampler);
@@ -55,6 +61,8 @@ class TalvoAudioSessionT {
     std::uint64_t inputSize_;
     std::uint64_t outputSize_;
     TalvoAudioSessionType type_;
+    float strength_ = 1.0f;
+    CONTAINERS::CyclicBlockData untouched_; ///< at the model's rate, as late as what the cleaner gives
     std::vector<float> samples_;
     std::vector<float> resampled_;
 };

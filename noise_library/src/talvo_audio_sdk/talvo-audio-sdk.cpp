@@ -216,6 +216,17 @@ float talvoAudioNoiseDbFrameFloat(void* session, float const* in, unsigned size)
                          [&](TalvoAudioSessionT& found) { return found.frameNoiseDB(in, size); });
 }
 
+int talvoAudioNcSetStrength(void* session, float strength) {
+    return guardedCode([&] {
+        TalvoAudioSessionT* const found = sessionOf(session, TalvoAudioSessionType::noiseCleaning);
+        if (found == nullptr) {
+            reportWrongSession();
+            return 2;
+        }
+        return found->setStrength(strength) ? 0 : 1;
+    });
+}
+
 int talvoAudioNcBackgroundSpeakerFixOnOff(void* session, bool on) {
     return guarded(
         [&] {
