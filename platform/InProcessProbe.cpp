@@ -35,6 +35,8 @@ using Json = nlohmann::ordered_json;
 // A file that takes longer is left to a process of its own.
 constexpr std::chrono::seconds patience{5};
 
+constexpr AVRational microsecond = {1, AV_TIME_BASE};
+
 struct FreeCodec {
     void operator()(AVCodecContext* codec) const { avcodec_free_context(&codec); }
 };
@@ -238,8 +240,8 @@ Json described(AVFormatContext& format, const std::string& file) {
     object["nb_programs"] = format.nb_programs;
     object["format_name"] = format.iformat->name;
     put(object, "format_long_name", format.iformat->long_name);
-    putTime(object, "start_time", format.start_time, AV_TIME_BASE_Q);
-    putTime(object, "duration", format.duration, AV_TIME_BASE_Q);
+    putTime(object, "start_time", format.start_time, microsecond);
+    putTime(object, "duration", format.duration, microsecond);
     if (const std::int64_t size = format.pb != nullptr ? avio_size(format.pb) : -1; size >= 0) {
         object["size"] = std::to_string(size);
     }

@@ -2,6 +2,7 @@
 
 #include <platform/AssetReader.hpp>
 #include <platform/Errors.hpp>
+#include <platform/InProcessProbe.hpp>
 
 #include <cstdlib>
 #include <string>
@@ -27,5 +28,6 @@ extern "C" int LLVMFuzzerTestOneInput(const char* data, std::size_t size) {
     } catch (const corvanta::PlatformError&) {
         // no media of ours
     }
+    corvanta::probeInProcess(url.path(), {});
     return 0;
 }
