@@ -1,8 +1,10 @@
 #pragma once
 
+#include <CorvantaSdkVideo/CorvantaSdkVideoCut.hpp>
 #include <platform/URL.hpp>
 
 #include <cstdint>
+#include <vector>
 
 namespace corvanta {
 
@@ -20,6 +22,11 @@ struct CorvantaSdkVideoEditorInput {
     std::int64_t rotationAngle = 0;
     /// Factor for the sound: 0 is silence, 1 leaves it as loud as it is.
     float volumen = 1;
+    /// How the picture is cut. A source's own turn is kept under `rotationAngle` by any but `copied`.
+    CorvantaSdkVideoCut cut = CorvantaSdkVideoCut::copied;
+    /// Absent: one range from `startPosition` to `endPosition`. Else the ranges that are kept, one behind the
+    /// other in this order, in place of those two; more than one can't be `copied`.
+    std::vector<CorvantaSdkVideoTimeRange> ranges = {};
 };
 
 } // namespace corvanta

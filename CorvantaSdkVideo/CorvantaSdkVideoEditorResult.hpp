@@ -1,5 +1,6 @@
 #pragma once
 
+#include <CorvantaSdkVideo/CorvantaSdkVideoCut.hpp>
 #include <platform/URL.hpp>
 
 #include <optional>
@@ -10,6 +11,8 @@ namespace corvanta {
 struct CorvantaSdkVideoEditorResult {
     /// Absent if the user left the editor without editing.
     std::optional<URL> editedVideoURL;
+    /// How the picture was made.
+    CorvantaSdkVideoCutWay cutWay = CorvantaSdkVideoCutWay::copied;
 };
 
 } // namespace corvanta

@@ -4,6 +4,7 @@
 #include <CorvantaSdkVideo/Commands/Builders/EncodingBuilder.hpp>
 #include <CorvantaSdkVideo/Commands/Builders/MergeBuilder.hpp>
 #include <CorvantaSdkVideo/Commands/CorvantaSdkVideoRequest.hpp>
+#include <CorvantaSdkVideo/CorvantaSdkVideoCut.hpp>
 #include <CorvantaSdkVideo/CorvantaSdkVideoFile.hpp>
 #include <CorvantaSdkVideo/CorvantaSdkVideoFileDescriptor.hpp>
 #include <CorvantaSdkVideo/CorvantaSdkVideoThumbnailInputVideo.hpp>
@@ -62,6 +63,12 @@ class CorvantaSdkVideoInterface {
     /// its `details()`. Nothing for a "yes".
     virtual Task<std::optional<CorvantaSdkVideoError>>
     obstacleToConcat(std::vector<CorvantaSdkVideoFile> input) = 0;
+
+    /// What a cut of a video would do, in seconds from its start. Encodes nothing, and reads the surroundings of
+    /// both ends alone. Throws `notFoundVideo` or `invalidFile`, `invalidTrimRange`, or PlatformError for a file
+    /// without a picture.
+    virtual Task<CorvantaSdkVideoCutInspection> cutInspection(CorvantaSdkVideoFile file, double start,
+                                                              double end) = 0;
 
     /// Joins unlike videos by re-encoding them.
     virtual ::corvanta::MergeBuilder MergeBuilder(std::vector<CorvantaSdkVideoFile> input,

@@ -1,5 +1,6 @@
 #include <CorvantaSdkVideo/CorvantaSdkVideoInterfaceImp.hpp>
 
+#include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorImplementation.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/NoiseCancellation/CorvantaNoiseCancellationEngine.hpp>
 #include <CorvantaSdkVideo/Shared/FileURLs.hpp>
@@ -34,6 +35,13 @@ Task<CorvantaSdkVideoThumbnailResult> CorvantaSdkVideoInterfaceImp::generateThum
     const auto generator = thumbnailGenerator();
     CorvantaSdkVideoThumbnailInputVideo video(std::move(input), std::move(output), position, width, height);
     co_return co_await generator->generateThumbnail(std::move(video));
+}
+
+Task<CorvantaSdkVideoCutInspection>
+CorvantaSdkVideoInterfaceImp::cutInspection(CorvantaSdkVideoFile file, double start, double end) {
+    CorvantaSdkVideoEditorImplementation editor;
+    const CorvantaSdkVideoTimeRange range{start, end};
+    co_return co_await editor.inspectCut(file.url(), range);
 }
 
 Task<bool> CorvantaSdkVideoInterfaceImp::canConcat(std::vector<CorvantaSdkVideoFile> input) {

@@ -24,6 +24,8 @@ class CorvantaSdkVideoInterfaceImp : public CorvantaSdkVideoInterface {
     generateThumbnail(CorvantaSdkVideoFile input, CorvantaSdkVideoFileDescriptor output, double position,
                       std::optional<std::int64_t> width, std::optional<std::int64_t> height) override;
 
+    Task<CorvantaSdkVideoCutInspection> cutInspection(CorvantaSdkVideoFile file, double start,
+                                                      double end) override;
     Task<bool> canConcat(std::vector<CorvantaSdkVideoFile> input) override;
     Task<std::optional<CorvantaSdkVideoError>>
     obstacleToConcat(std::vector<CorvantaSdkVideoFile> input) override;

@@ -139,6 +139,12 @@ bool AssetReader::hasAudioTrack() {
     return context_->firstTrack(AVMEDIA_TYPE_AUDIO) != nullptr;
 }
 
+std::optional<int> AssetReader::soundTrack() {
+    context_->media.analyse();
+    const AVStream* const track = chosenSound(context_->format());
+    return track != nullptr ? std::optional(track->index) : std::nullopt;
+}
+
 std::optional<double> AssetReader::soundStart() {
     context_->media.analyse();
     const AVFormatContext& format = context_->format();

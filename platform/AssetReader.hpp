@@ -72,8 +72,12 @@ class AssetReader {
     /// Throws PlatformError if the tracks can't be read.
     bool hasAudioTrack();
 
-    /// How many seconds after the file's start the sound begins that ffmpeg takes when none is named: that of
-    /// the default track with the most channels. Nothing without sound. Reads on in the file; throws
+    /// The number, among the file's tracks, of the sound that ffmpeg takes when none is named: that of the
+    /// default track with the most channels. Nothing without sound. Throws PlatformError if the tracks can't be
+    /// read.
+    std::optional<int> soundTrack();
+
+    /// How many seconds after the file's start the sound of `soundTrack` begins. Nothing without sound. Reads on in the file; throws
     /// PlatformError if the tracks can't be read.
     std::optional<double> soundStart();
 

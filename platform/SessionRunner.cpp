@@ -51,7 +51,7 @@ SessionRunner& SessionRunner::shared() {
 }
 
 SessionRunner::SessionRunner()
-    : lastId_(firstId()), lines_{RunLine(bearableRuns()), RunLine(bearableRuns())},
+    : lastId_(firstId()), lines_{RunLine(bearableRuns()), RunLine(bearableRuns()), RunLine(bearableRuns())},
       work_(asio::make_work_guard(context_)) {
     const BlockedSignals duringTheStart;
     constexpr int threads = 2;

@@ -24,7 +24,7 @@ class SessionRunner {
     static SessionRunner& shared();
 
     /// Each program has a line of its own, so that no probe waits for an encode.
-    enum class Program { ffmpeg, ffprobe };
+    enum class Program { ffmpeg, ffprobe, none };
 
     std::shared_ptr<Session> run(Program program, CommandPlan plan);
 
@@ -47,7 +47,7 @@ class SessionRunner {
 
     std::mutex mutex_;
     std::int64_t lastId_;
-    std::array<RunLine, 2> lines_;
+    std::array<RunLine, 3> lines_;
     boost::asio::io_context context_;
     boost::asio::executor_work_guard<boost::asio::io_context::executor_type> work_;
 };

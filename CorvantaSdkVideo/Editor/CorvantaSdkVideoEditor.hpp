@@ -5,6 +5,7 @@
 #include <platform/Task.hpp>
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 
 namespace corvanta {
@@ -30,8 +31,12 @@ class CorvantaSdkVideoEditor {
     ///   are refused with `trimFailed`.
     /// - A failed or refused edit leaves a broken file, or none, where an older output was.
     ///
-    /// A host that wants exact cuts from any source encodes the file first with an encoding request: that
-    /// leaves no B-frames and a key frame every 12 frames. A host that wants an older output kept writes to a
+    /// All this is told of `copied`. An `exact` cut keeps every picture with `start <= time < end`, its first
+    /// one shown from the very start, with the sound of the same span, and turns the picture on top of the
+    /// source's own turn. Of H.264 and HEVC only the pictures before the first key picture that can be entered,
+    /// and ones at the end that refer to pictures behind it, are encoded anew; the result's `cutWay` says so. Other
+    /// codecs, interlaced pictures and open groups of H.264 are encoded as a whole. HEVC comes out as "hev1". An
+    /// exact cut needs room for its pictures in the documents folder while it runs. A host that wants an older output kept writes to a
     /// new place and moves the file when the edit has succeeded.
     ///
     /// Throws `userNotAuthenticated`, `notFoundVideo` or `invalidFile` for the source, `invalidTrimRange`, or
@@ -49,5 +54,8 @@ class CorvantaSdkVideoEditor {
     virtual Task<URL> getThumbnailForVideo(URL at, double interval, std::optional<std::int64_t> width,
                                            std::optional<std::int64_t> height) = 0;
 };
+
+/// An editor of the module's own.
+std::shared_ptr<CorvantaSdkVideoEditor> makeCorvantaSdkVideoEditor();
 
 } // namespace corvanta

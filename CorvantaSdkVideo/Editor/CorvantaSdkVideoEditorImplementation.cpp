@@ -1,6 +1,7 @@
 #include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorImplementation.hpp>
 
 #include <CorvantaSdkVideo/CorvantaSdkVideoFileDescriptor.hpp>
+#include <CorvantaSdkVideo/Editor/Cut/ExactCut.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
@@ -33,6 +34,13 @@ std::string rangeDetails(double start, double end, double duration) {
     return details.str();
 }
 
+std::vector<CorvantaSdkVideoTimeRange> rangesOf(const CorvantaSdkVideoEditorInput& video) {
+    if (video.ranges.empty()) {
+        return {{video.startPosition, video.endPosition}};
+    }
+    return video.ranges;
+}
+
 } // namespace
 
 CorvantaSdkVideoEditorImplementation::CorvantaSdkVideoEditorImplementation(
@@ -49,15 +57,16 @@ CorvantaSdkVideoEditorImplementation::edit(CorvantaSdkVideoEditorInput video) {
         throw Error(Error::userNotAuthenticated, "nobody is logged in");
     }
     videoValidator_.validateFileAt(video.videoURL);
-    validateTrimRange(video.videoURL, video.startPosition, video.endPosition);
+    auto ranges = rangesOf(video);
+    for (const auto& [start, end] : ranges) {
+        validateTrimRange(video.videoURL, start, end);
+    }
+    if (ranges.size() > 1 && video.cut == CorvantaSdkVideoCut::copied) {
+        throw Error(Error::invalidTrimRange, "several ranges can't be cut by copying alone");
+    }
+    CorvantaSdkVideoEditorResult result{video.outputURL};
     try {
-        CommandPaths paths;
-        const URL input = paths.input(video.videoURL, PathForm::quotedInTemplate);
-        const URL output = paths.output(video.outputURL, PathForm::quoted);
-        FFMPEGCommand command = commandGenerator_.generateEditCommand(
-            input, video.startPosition, video.endPosition, video.rotationAngle, video.volumen, output);
-        co_await commandExecutor_->executeFFMPEGCommand(std::move(command.script));
-        paths.finish();
+        result.cutWay = co_await write(std::move(video), std::move(ranges));
     } catch (const std::exception& error) {
         Logger::logError(Event::editVideo, EventMessage::editVideoFailed(error));
         if (isCancellation(error)) {
@@ -65,8 +74,44 @@ CorvantaSdkVideoEditorImplementation::edit(CorvantaSdkVideoEditorInput video) {
         }
         throw Error(Error::trimFailed, detailsOf(error));
     }
-    CorvantaSdkVideoEditorResult result{video.outputURL};
     co_return result;
+}
+
+Task<CorvantaSdkVideoCutWay>
+CorvantaSdkVideoEditorImplementation::write(CorvantaSdkVideoEditorInput video,
+                                            std::vector<CorvantaSdkVideoTimeRange> ranges) {
+    bool copies = video.cut == CorvantaSdkVideoCut::copied;
+    if (video.cut == CorvantaSdkVideoCut::automatic && ranges.size() == 1) {
+        const auto inspection = co_await ExactCut::inspect(video.videoURL, ranges.front());
+        copies = !inspection.copyingLoses;
+    }
+    if (copies) {
+        co_await copy(std::move(video), ranges.front());
+        co_return CorvantaSdkVideoCutWay::copied;
+    }
+    const ExactCut exact(commandExecutor_);
+    co_return co_await exact.write(std::move(video), std::move(ranges));
+}
+
+Task<> CorvantaSdkVideoEditorImplementation::copy(CorvantaSdkVideoEditorInput video,
+                                                  CorvantaSdkVideoTimeRange range) {
+    CommandPaths paths;
+    const URL input = paths.input(video.videoURL, PathForm::quotedInTemplate);
+    const URL output = paths.output(video.outputURL, PathForm::quoted);
+    FFMPEGCommand command = commandGenerator_.generateEditCommand(input, range.start, range.end,
+                                                                  video.rotationAngle, video.volumen, output);
+    co_await commandExecutor_->executeFFMPEGCommand(std::move(command.script));
+    paths.finish();
+}
+
+Task<CorvantaSdkVideoCutInspection>
+CorvantaSdkVideoEditorImplementation::inspectCut(URL video, CorvantaSdkVideoTimeRange range) {
+    if (!credentialsManager_->isUserAuthenticated()) {
+        throw Error(Error::userNotAuthenticated);
+    }
+    videoValidator_.validateFileAt(video);
+    validateTrimRange(video, range.start, range.end);
+    co_return co_await ExactCut::inspect(std::move(video), range);
 }
 
 Task<URL> CorvantaSdkVideoEditorImplementation::getThumbnailForVideo(URL at, double interval,
@@ -108,6 +153,10 @@ void CorvantaSdkVideoEditorImplementation::validateThumbnailPosition(const URL& 
     if (!(duration >= interval)) {
         throw Error(Error::invalidTrimRange, rangeDetails(interval, duration, duration));
     }
+}
+
+std::shared_ptr<CorvantaSdkVideoEditor> makeCorvantaSdkVideoEditor() {
+    return std::make_shared<CorvantaSdkVideoEditorImplementation>();
 }
 
 } // namespace corvanta

@@ -7,10 +7,11 @@
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/FFMPEGCommandGenerator.hpp>
 
 #include <memory>
+#include <vector>
 
 namespace corvanta {
 
-/// Edits with one ffmpeg run each. Keeps no state between calls. Two edits with one output race for the file.
+/// Edits with one ffmpeg run each, an exact cut with a few. Keeps no state between calls. Two edits with one output race for the file.
 class CorvantaSdkVideoEditorImplementation : public CorvantaSdkVideoEditor {
   public:
     explicit CorvantaSdkVideoEditorImplementation(
@@ -24,7 +25,13 @@ class CorvantaSdkVideoEditorImplementation : public CorvantaSdkVideoEditor {
     Task<URL> getThumbnailForVideo(URL at, double interval, std::optional<std::int64_t> width,
                                    std::optional<std::int64_t> height) override;
 
+    /// What a cut of that range would do. Throws as `edit` does before it runs anything.
+    Task<CorvantaSdkVideoCutInspection> inspectCut(URL video, CorvantaSdkVideoTimeRange range);
+
   private:
+    Task<CorvantaSdkVideoCutWay> write(CorvantaSdkVideoEditorInput video,
+                                       std::vector<CorvantaSdkVideoTimeRange> ranges);
+    Task<> copy(CorvantaSdkVideoEditorInput video, CorvantaSdkVideoTimeRange range);
     void validateTrimRange(const URL& url, double trimStart, double trimEnd) const;
     void validateThumbnailPosition(const URL& url, double interval) const;
 

@@ -13,7 +13,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <memory>
+#include <string>
 
 using namespace corvanta;
 
@@ -27,7 +29,12 @@ struct EditOptions {
     std::string end;
     std::int64_t rotationDegrees = 0;
     float volume = 1;
+    CorvantaSdkVideoCut cut = CorvantaSdkVideoCut::copied;
 };
+
+const std::map<std::string, CorvantaSdkVideoCut> cuts{{"copied", CorvantaSdkVideoCut::copied},
+                                                      {"exact", CorvantaSdkVideoCut::exact},
+                                                      {"automatic", CorvantaSdkVideoCut::automatic}};
 
 void edit(Console& console, const EditOptions& options) {
     const double start = secondsFrom("--start", options.start, 1);
@@ -46,7 +53,7 @@ void edit(Console& console, const EditOptions& options) {
     const Progress progress(console, "edit", std::llround(std::clamp(end - start, 0.0, 1e9) * 1000));
     CorvantaSdkVideoEditorImplementation editor;
     runInterruptible(editor.edit({inputs.front().url(), URL::fromFilePath(output.path), start, end,
-                                  options.rotationDegrees, options.volume}));
+                                  options.rotationDegrees, options.volume, options.cut}));
     unfinished.keep();
     console.printPath(output.path, {});
 }
@@ -54,7 +61,7 @@ void edit(Console& console, const EditOptions& options) {
 } // namespace
 
 void addEditCommand(CLI::App& app, Command& chosen) {
-    auto* command = app.add_subcommand("edit", "Trim, turn and set the volume, without encoding the picture");
+    auto* command = app.add_subcommand("edit", "Trim, turn and set the volume, without encoding more of the picture than --cut asks for");
     const auto options = std::make_shared<EditOptions>(*command);
     command->add_option("--start", options->start, "Start of the kept range: seconds, or 0:01.5")->required();
     command->add_option("--end", options->end, "End of the kept range")->required();
@@ -64,6 +71,12 @@ void addEditCommand(CLI::App& app, Command& chosen) {
         ->capture_default_str();
     command->add_option("--volume", options->volume, "Factor for the sound, 0 for silence")
         ->capture_default_str();
+    command
+        ->add_option("--cut", options->cut,
+                     "copied: the picture begins at the next key picture; exact: at the very start; automatic: exact "
+                     "where copying would lose pictures")
+        ->transform(CLI::CheckedTransformer(cuts))
+        ->default_str("copied");
     command->callback(
         [&chosen, options] { chosen = [options](Console& console) { edit(console, *options); }; });
 }

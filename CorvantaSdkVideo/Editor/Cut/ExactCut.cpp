@@ -1,0 +1,208 @@
+#include <CorvantaSdkVideo/Editor/Cut/ExactCut.hpp>
+
+#include <CorvantaSdkVideo/Editor/Cut/CutCommands.hpp>
+#include <CorvantaSdkVideo/Editor/Cut/CutPlan.hpp>
+#include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
+#include <platform/AssetReader.hpp>
+#include <platform/Errors.hpp>
+#include <platform/Aside.hpp>
+#include <platform/PictureJoin.hpp>
+#include <platform/UUID.hpp>
+
+#include <algorithm>
+#include <exception>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <system_error>
+#include <utility>
+
+namespace corvanta {
+
+namespace {
+
+using Ranges = std::vector<CorvantaSdkVideoTimeRange>;
+
+// A piece of the cut in its place, and what it takes to make it.
+struct PlannedRun {
+    PictureRun run = {};
+    CutPiece piece = {};
+    double decodeFromSeconds = 0;
+};
+
+struct Plan {
+    PictureFormat format;
+    int track = 0;
+    bool likeSource = false;
+    std::vector<PlannedRun> runs = {};
+
+    CorvantaSdkVideoCutWay way() const {
+        const auto isCopied = [](const PlannedRun& planned) { return planned.run.isOriginal; };
+        if (std::ranges::all_of(runs, isCopied)) {
+            return CorvantaSdkVideoCutWay::copied;
+        }
+        return std::ranges::any_of(runs, isCopied) ? CorvantaSdkVideoCutWay::joined : CorvantaSdkVideoCutWay::encoded;
+    }
+};
+
+// Temporary files, removed with this object.
+class Workspace {
+  public:
+    Workspace() = default;
+    Workspace(const Workspace&) = delete;
+    Workspace& operator=(const Workspace&) = delete;
+    ~Workspace() {
+        for (const std::string& file : files_) {
+            std::error_code ignored;
+            std::filesystem::remove(file, ignored);
+        }
+    }
+
+    std::string newFile(const std::string& extension) {
+        return files_.emplace_back(CorvantaSdkVideoUtils::outputURL(uuidString(makeUUID()), extension).path());
+    }
+
+  private:
+    std::vector<std::string> files_;
+};
+
+std::vector<CutPiece> piecesOf(CodedPictures& pictures, bool likeSource, std::int64_t start, std::int64_t end) {
+    if (likeSource) {
+        try {
+            return planCut(pictures, start, end);
+        } catch (const PlatformError&) {
+            // What the container doesn't tell clearly is decoded.
+        }
+    }
+    return {planEncoding(pictures, start, end)};
+}
+
+Plan planFor(const std::string& source, const Ranges& ranges, bool mayCopy) {
+    CodedPictures pictures(source);
+    Plan plan{.format = pictures.format(), .track = pictures.trackIndex()};
+    plan.likeSource = mayCopy && canEncodeAlike(plan.format);
+    double placed = 0;
+    for (const auto& [start, end] : ranges) {
+        const std::int64_t from = pictures.ticks(start);
+        const std::int64_t place = pictures.ticks(placed) - pictures.ticks(0);
+        bool isFirst = true;
+        for (CutPiece& piece : piecesOf(pictures, plan.likeSource, from, pictures.ticks(end))) {
+            PlannedRun planned{.decodeFromSeconds = pictures.seconds(piece.decodeFrom)};
+            PictureRun& run = planned.run;
+            run.isOriginal = piece.way == CutPiece::Way::copied;
+            run.shift = place - from;
+            if (std::exchange(isFirst, false)) {
+                run.firstShown = place;
+            }
+            if (run.isOriginal) {
+                run.file = source;
+                run.entry = piece.from;
+                run.delay = piece.delay;
+                run.stop = piece.stop;
+            }
+            run.shown = piece.shown;
+            planned.piece = std::move(piece);
+            plan.runs.push_back(std::move(planned));
+        }
+        placed += end - start;
+    }
+    return plan;
+}
+
+// The number that the copying edit writes as well.
+int rotateTag(std::int64_t degrees) { return std::stoi(ffmpegFormatted(degrees)); }
+
+std::vector<PictureRun> runsOf(const Plan& plan) {
+    std::vector<PictureRun> runs;
+    for (const PlannedRun& planned : plan.runs) {
+        runs.push_back(planned.run);
+    }
+    return runs;
+}
+
+CorvantaSdkVideoCutInspection inspected(const std::string& path, CorvantaSdkVideoTimeRange range,
+                                        std::stop_token stop) {
+    CodedPictures pictures(path, {.stop = std::move(stop)});
+    const std::int64_t start = pictures.ticks(range.start);
+    const std::int64_t end = pictures.ticks(range.end);
+    CorvantaSdkVideoCutInspection inspection;
+    const bool likeSource = canEncodeAlike(pictures.format());
+    for (const CutPiece& piece : piecesOf(pictures, likeSource, start, end)) {
+        if (piece.way == CutPiece::Way::copied) {
+            inspection.exactCopies = true;
+        } else {
+            inspection.encodedSeconds += pictures.seconds(piece.to) - pictures.seconds(piece.from);
+        }
+    }
+    const CopiedStart copied = copiedStart(pictures, start, end);
+    inspection.copyingLoses = copied.loses;
+    if (copied.pts) {
+        inspection.copiedStart = pictures.seconds(*copied.pts);
+    }
+    return inspection;
+}
+
+} // namespace
+
+ExactCut::ExactCut(std::shared_ptr<FFMPEGCommandExecutor> executor) : executor_(std::move(executor)) {}
+
+Task<CorvantaSdkVideoCutWay> ExactCut::write(CorvantaSdkVideoEditorInput input, Ranges ranges) const {
+    const auto executor = executor_;
+    const std::string source = input.videoURL.path();
+    CommandPaths paths;
+    const URL readable = paths.input(input.videoURL, PathForm::quoted);
+    const URL output = paths.output(input.outputURL, PathForm::quoted);
+    Workspace workspace;
+    const std::string pictures = workspace.newFile("mp4");
+    auto plan = std::make_shared<Plan>();
+    // Pictures whose times aren't what their container told are encoded as a whole.
+    bool isJoined = false;
+    for (bool mayCopy = true; !isJoined; mayCopy = false) {
+        std::function<void(std::stop_token)> makePlan = [plan, source, ranges, mayCopy](const std::stop_token&) {
+            *plan = planFor(source, ranges, mayCopy);
+        };
+        co_await runAside(std::move(makePlan));
+        for (PlannedRun& planned : plan->runs) {
+            if (!planned.run.isOriginal) {
+                planned.run.file = workspace.newFile("nut");
+                std::string command =
+                    encodePieceCommand(readable.path(), plan->track, plan->format, plan->likeSource,
+                                       planned.piece, planned.decodeFromSeconds, planned.run.file);
+                co_await executor->executeFFMPEGCommand(std::move(command));
+            }
+        }
+        std::function<void(std::stop_token)> join = [plan, source, pictures,
+                                                     turn = rotateTag(input.rotationAngle)](std::stop_token stop) {
+            joinPictures(source, runsOf(*plan), pictures, turn, {.stop = std::move(stop)});
+        };
+        try {
+            co_await runAside(std::move(join));
+            isJoined = true;
+        } catch (const PlatformError&) {
+            if (!plan->likeSource) {
+                throw;
+            }
+        }
+    }
+    std::string command = finishCutCommand(pictures, readable.path(), AssetReader(input.videoURL).soundTrack(),
+                                           ranges, input.volumen, output.path());
+    co_await executor->executeFFMPEGCommand(std::move(command));
+    paths.finish();
+    co_return plan->way();
+}
+
+Task<CorvantaSdkVideoCutInspection> ExactCut::inspect(URL video, CorvantaSdkVideoTimeRange range) {
+    const auto inspection = std::make_shared<CorvantaSdkVideoCutInspection>();
+    std::function<void(std::stop_token)> work = [inspection, path = video.path(), range](std::stop_token stop) {
+        *inspection = inspected(path, range, std::move(stop));
+    };
+    co_await runAside(std::move(work));
+    co_return *inspection;
+}
+
+} // namespace corvanta

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <CorvantaSdkVideo/CorvantaSdkVideoCut.hpp>
+#include <CorvantaSdkVideo/CorvantaSdkVideoEditorInput.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/FFMPEGCommandExecutor.hpp>
+#include <platform/Task.hpp>
+#include <platform/URL.hpp>
+
+#include <memory>
+#include <vector>
+
+namespace corvanta {
+
+/// Cuts at any picture, and encodes no more of them than it must: from the first safe key picture of a range on
+/// they are copied. What lies before it is encoded with parameters of its own, and so are pictures at the end
+/// that refer to ones behind it; all of them are then written into one track.
+///
+/// Keeps no state between calls. Temporary files lie beside the output, and go with the task.
+class ExactCut {
+  public:
+    explicit ExactCut(std::shared_ptr<FFMPEGCommandExecutor> executor);
+
+    /// Writes the ranges, one behind the other, to the input's output. Throws what keeps it from that.
+    Task<CorvantaSdkVideoCutWay> write(CorvantaSdkVideoEditorInput input,
+                                       std::vector<CorvantaSdkVideoTimeRange> ranges) const;
+
+    /// Throws PlatformError if the file can't be read or has no picture.
+    static Task<CorvantaSdkVideoCutInspection> inspect(URL video, CorvantaSdkVideoTimeRange range);
+
+  private:
+    std::shared_ptr<FFMPEGCommandExecutor> executor_;
+};
+
+} // namespace corvanta
