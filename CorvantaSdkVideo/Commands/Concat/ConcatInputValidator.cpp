@@ -30,8 +30,13 @@ void compare(const CorvantaSdkVideoInformation& reference, const CorvantaSdkVide
     if (video.format != reference.format) {
         throw CorvantaSdkVideoError(Reason::differentFormats, formatDifference(reference, video));
     }
-    if (video.videos != reference.videos || coversAmongTracks(video) != coversAmongTracks(reference)) {
+    if (video.videos != reference.videos) {
         throw CorvantaSdkVideoError(Reason::differentVideoTracks, videoTracksDifference(reference, video));
+    }
+    if (coversAmongTracks(video) != coversAmongTracks(reference)) {
+        throw CorvantaSdkVideoError(Reason::differentVideoTracks,
+                                    "a cover among the tracks of " + reference.url.path() + " or " +
+                                        video.url.path() + " moves them");
     }
     if (video.audios != reference.audios) {
         throw CorvantaSdkVideoError(Reason::differentAudioTracks, audioTracksDifference(reference, video));

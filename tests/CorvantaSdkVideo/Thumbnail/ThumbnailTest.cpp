@@ -93,7 +93,7 @@ TEST_F(ThumbnailTest, OlderThumbnailsAndTheCommand) {
             }
         };
         EXPECT_EQ(generate(clip, output, 0), "thumbnailGenerationFailed");
-        const std::string reason = fails ? "COMPLETED error 1" : "generic error 2";
+        const std::string reason = fails ? "COMPLETED error 1" : "Thumbnail error 1";
         EXPECT_THAT(log.take(), testing::Contains(
                                     "error event_video_create_thumbnail: Error creating thumbnail: file://" +
                                     clip + ". The operation couldn’t be completed. (" + reason + ".)"));

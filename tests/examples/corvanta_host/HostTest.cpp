@@ -108,7 +108,7 @@ TEST(HostTest, FailuresAreOneLineThatNamesTheCause) {
         runHost({"thumbnail", clip, output, "--at", "0"}, {.environment = {{"CORVANTA_FFMPEG", "/no/such"}}});
     EXPECT_EQ(noProgram.status, 1);
     EXPECT_THAT(noProgram.errors,
-                tells("thumbnailGenerationFailed: /no/such could not be started: No such file"));
+                tells("thumbnailGenerationFailed: /no/such could not be started: /no/such: No such file"));
     for (const char* place : {"/dev/full", "-"}) {
         const HostRun ended = runHost({"info", clip}, {.standardOutput = place});
         EXPECT_EQ(ended.status, 1);
