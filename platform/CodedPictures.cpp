@@ -154,8 +154,8 @@ CodedPictures::PacketPointer CodedPictures::read() {
     return nullptr;
 }
 
-// Matroska states no decoding times, and libav can tell those of the first pictures behind a jump only from the
-// ones that follow.
+// Matroska states no decoding times, and libav can tell those of the first pictures behind a jump only from
+// the ones that follow.
 void CodedPictures::readAhead() {
     constexpr std::size_t longestReordering = 32;
     while (ahead_.empty() || (ahead_.back()->dts == AV_NOPTS_VALUE && ahead_.size() < longestReordering)) {

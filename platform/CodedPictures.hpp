@@ -74,8 +74,8 @@ class CodedPictures {
     /// Goes to a key picture that is not shown after `tick`, or to the file's first.
     void seek(std::int64_t tick);
 
-    /// The next picture; nothing at the end. Throws PlatformError for a picture without times, for a change of
-    /// the codec's parameters on the way, and when time is up.
+    /// The next picture; nothing at the end. Throws PlatformError for a picture without times, for a change
+    /// of the codec's parameters on the way, and when time is up.
     std::optional<CodedPicture> next();
 
     /// The packet of the picture that `next` gave last; the caller may take what it holds.

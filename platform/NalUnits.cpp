@@ -86,7 +86,8 @@ std::vector<Bytes> parameterSets(Bytes extradata) {
 } // namespace
 
 std::vector<Bytes> nalUnits(Bytes packet, int lengthSize) {
-    return lengthSize > 0 ? withLengths(packet, static_cast<std::size_t>(lengthSize)) : withStartCodes(packet);
+    return lengthSize > 0 ? withLengths(packet, static_cast<std::size_t>(lengthSize))
+                          : withStartCodes(packet);
 }
 
 int nalLengthSize(Bytes extradata, bool isHEVC) {

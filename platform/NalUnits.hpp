@@ -6,9 +6,9 @@
 
 namespace corvanta {
 
-/// The NAL units of a packet of H.264 or HEVC, without start codes or lengths. `lengthSize` is the size of the
-/// length before each unit, or 0 for start codes (ISO/IEC 14496-15; ITU-T H.264, annex B). What doesn't fit is
-/// left out.
+/// The NAL units of a packet of H.264 or HEVC, without start codes or lengths. `lengthSize` is the size of
+/// the length before each unit, or 0 for start codes (ISO/IEC 14496-15; ITU-T H.264, annex B). What doesn't
+/// fit is left out.
 std::vector<std::span<const std::uint8_t>> nalUnits(std::span<const std::uint8_t> packet, int lengthSize);
 
 /// The size of the lengths in the packets of a track with that "extradata": 0 if they have start codes.

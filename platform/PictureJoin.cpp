@@ -46,8 +46,8 @@ PacketPointer makePacket() {
     return packet;
 }
 
-// Nine numbers, row by row, the last column with a finer unit; a point is a row that is multiplied from the left
-// (ISO/IEC 14496-12, 6.2.2).
+// Nine numbers, row by row, the last column with a finer unit; a point is a row that is multiplied from the
+// left (ISO/IEC 14496-12, 6.2.2).
 using DisplayMatrix = std::array<std::int32_t, 9>;
 constexpr std::int32_t one = 1 << 16;
 constexpr DisplayMatrix identity{one, 0, 0, 0, one, 0, 0, 0, 1 << 30};
@@ -67,8 +67,8 @@ DisplayMatrix product(const DisplayMatrix& first, const DisplayMatrix& second) {
     DisplayMatrix both = identity;
     for (const std::size_t row : {0U, 3U}) {
         for (const std::size_t column : {0U, 1U}) {
-            const std::int64_t sum = std::int64_t{first[row]} * second[column] +
-                                     std::int64_t{first[row + 1]} * second[3 + column];
+            const std::int64_t sum =
+                std::int64_t{first[row]} * second[column] + std::int64_t{first[row + 1]} * second[3 + column];
             both[row + column] = static_cast<std::int32_t>(sum / one);
         }
     }
@@ -83,10 +83,10 @@ class RunReader {
         const AVCodecParameters& codec = *pictures_.track().codecpar;
         const bool isHEVC = codec.codec_id == AV_CODEC_ID_HEVC;
         const Bytes extradata(codec.extradata, static_cast<std::size_t>(codec.extradata_size));
-        const char* const name = nalLengthSize(extradata, isHEVC) == 0     ? "null"
-                                 : isHEVC                                   ? "hevc_mp4toannexb"
-                                 : codec.codec_id == AV_CODEC_ID_H264 ? "h264_mp4toannexb"
-                                                                            : "null";
+        const char* const name = nalLengthSize(extradata, isHEVC) == 0 ? "null"
+                                 : isHEVC                              ? "hevc_mp4toannexb"
+                                 : codec.codec_id == AV_CODEC_ID_H264  ? "h264_mp4toannexb"
+                                                                       : "null";
         AVBSFContext* filter = nullptr;
         check(av_bsf_alloc(av_bsf_get_by_name(name), &filter));
         filter_.reset(filter);
@@ -118,8 +118,8 @@ class RunReader {
 // An mp4 file of one track.
 class TrackWriter {
   public:
-    TrackWriter(const std::string& path, const AVStream& like, int degrees, const AVCodecParameters& parameters,
-                Bytes extradata) {
+    TrackWriter(const std::string& path, const AVStream& like, int degrees,
+                const AVCodecParameters& parameters, Bytes extradata) {
         AVFormatContext* format = nullptr;
         check(avformat_alloc_output_context2(&format, nullptr, "mp4", nullptr));
         format_.reset(format);
@@ -179,8 +179,9 @@ class TrackWriter {
     std::unique_ptr<AVFormatContext, Free> format_;
 };
 
-// A key picture that earlier ones may cross (CRA) becomes one behind a broken link (BLA_N_LP; ITU-T H.265, table
-// 7-1): otherwise its place in the order of showing would be counted from what happens to stand before it now.
+// A key picture that earlier ones may cross (CRA) becomes one behind a broken link (BLA_N_LP; ITU-T H.265,
+// table 7-1): otherwise its place in the order of showing would be counted from what happens to stand before
+// it now.
 void markSplice(AVPacket& packet) {
     check(av_packet_make_writable(&packet));
     const Bytes data(packet.data, static_cast<std::size_t>(packet.size));
@@ -222,7 +223,8 @@ class Joiner {
             shown.push_back(pts);
             PacketPointer packet = reader.take();
             packet->pts = isFirst && run.firstShown ? *run.firstShown : pts + run.shift;
-            packet->dts = std::max(lastDts_ + 1, std::min(packet->pts, dts + run.shift - (run.isOriginal ? 0 : delay_)));
+            packet->dts = std::max(lastDts_ + 1,
+                                   std::min(packet->pts, dts + run.shift - (run.isOriginal ? 0 : delay_)));
             check(packet->dts <= packet->pts ? 0 : AVERROR_INVALIDDATA);
             packet->duration = av_rescale_q(picture->duration, ownBase, timeBase_);
             packet->stream_index = 0;

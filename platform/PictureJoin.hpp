@@ -30,9 +30,9 @@ struct PictureRun {
 };
 
 /// Writes an mp4 file of one video track: the runs one after the other, with the display matrix of the first
-/// video track of the file `like` and a further turn of `degrees`, a multiple of 90, counter-clockwise as ffmpeg
-/// counts them in its "rotate" tag. H.264 and HEVC of different parameters come to stand in one track: for
-/// H.264 their parameter sets need ids of their own, for HEVC each key picture carries its own.
+/// video track of the file `like` and a further turn of `degrees`, a multiple of 90, counter-clockwise as
+/// ffmpeg counts them in its "rotate" tag. H.264 and HEVC of different parameters come to stand in one track:
+/// for H.264 their parameter sets need ids of their own, for HEVC each key picture carries its own.
 ///
 /// Runs that aren't original must be coded without pictures that are shown before earlier ones, if any is
 /// original. Throws PlatformError if a file can't be read or written, if pictures aren't those that `shown`

@@ -23,7 +23,7 @@ class SessionRunner {
   public:
     static SessionRunner& shared();
 
-    /// Each program has a line of its own, so that no probe waits for an encode.
+    /// Each program has a line of its own, so that no probe waits for an encode; `none` is work in process.
     enum class Program { ffmpeg, ffprobe, none };
 
     std::shared_ptr<Session> run(Program program, CommandPlan plan);

@@ -16,12 +16,12 @@ constexpr std::string_view hevc = "hevc";
 
 // libav's numbers of H.264's profiles, and x264's names.
 constexpr std::array<std::pair<int, std::string_view>, 7> h264Profiles{{{66, "baseline"},
-                                                                         {578, "baseline"},
-                                                                         {77, "main"},
-                                                                         {100, "high"},
-                                                                         {110, "high10"},
-                                                                         {122, "high422"},
-                                                                         {244, "high444"}}};
+                                                                        {578, "baseline"},
+                                                                        {77, "main"},
+                                                                        {100, "high"},
+                                                                        {110, "high10"},
+                                                                        {122, "high422"},
+                                                                        {244, "high444"}}};
 
 std::string_view h264Profile(int profile) {
     const auto found = std::ranges::find(h264Profiles, profile, &std::pair<int, std::string_view>::first);
@@ -75,7 +75,8 @@ std::string encoderOptions(const PictureFormat& format, bool likeSource) {
             options += " -flags +ildct+ilme";
         }
     }
-    return options + " -pix_fmt " + (isPlanar(format) ? format.pixelFormat : "yuv420p") + colorOptions(format);
+    return options + " -pix_fmt " + (isPlanar(format) ? format.pixelFormat : "yuv420p") +
+           colorOptions(format);
 }
 
 } // namespace
@@ -84,18 +85,20 @@ bool canEncodeAlike(const PictureFormat& format) {
     if (!isPlanar(format) || format.isInterlaced) {
         return false;
     }
-    return format.codec == hevc || (format.codec == h264 && !h264Profile(format.profile).empty() &&
-                                    format.freeParameterSetId > 0);
+    return format.codec == hevc ||
+           (format.codec == h264 && !h264Profile(format.profile).empty() && format.freeParameterSetId > 0);
 }
 
-std::string encodePieceCommand(const std::string& input, int track, const PictureFormat& format, bool likeSource,
-                               const CutPiece& piece, double decodeFromSeconds, const std::string& output) {
+std::string encodePieceCommand(const std::string& input, int track, const PictureFormat& format,
+                               bool likeSource, const CutPiece& piece, double decodeFromSeconds,
+                               const std::string& output) {
     // Half a second before the key picture, since some containers are searched by decoding times.
     const double seek = std::max(0.0, decodeFromSeconds - 0.5);
-    return "-y -noautorotate -copyts -noaccurate_seek -ss " + formattedTime(seek) + " -i " + ffmpegFormatted(input) +
-           " -map 0:" + std::to_string(track) + " -vf \"trim=start_pts=" + std::to_string(piece.from) +
-           ":end_pts=" + std::to_string(piece.to) + "\" -fps_mode passthrough -enc_time_base -1" +
-           encoderOptions(format, likeSource) + " -f nut " + ffmpegFormatted(output);
+    return "-y -noautorotate -copyts -noaccurate_seek -ss " + formattedTime(seek) + " -i " +
+           ffmpegFormatted(input) + " -map 0:" + std::to_string(track) +
+           " -vf \"trim=start_pts=" + std::to_string(piece.from) + ":end_pts=" + std::to_string(piece.to) +
+           "\" -fps_mode passthrough -enc_time_base -1" + encoderOptions(format, likeSource) + " -f nut " +
+           ffmpegFormatted(output);
 }
 
 std::string finishCutCommand(const std::string& pictures, const std::string& source,
@@ -113,7 +116,8 @@ std::string finishCutCommand(const std::string& pictures, const std::string& sou
         if (soundTrack) {
             // As long as the range whatever the sound is like, so that the next one begins with its picture.
             graph += "[" + std::to_string(index + 1) + ":" + std::to_string(*soundTrack) +
-                     "]aresample=async=1:first_pts=0,apad=whole_dur=" + length + ",atrim=end=" + length + label + ";";
+                     "]aresample=async=1:first_pts=0,apad=whole_dur=" + length + ",atrim=end=" + length +
+                     label + ";";
             joined += label;
         }
     }

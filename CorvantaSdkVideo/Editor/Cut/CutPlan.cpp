@@ -69,15 +69,14 @@ Pictures readTail(CodedPictures& pictures, const CodedPicture& entry, std::int64
     return tail;
 }
 
-// How many of the pictures, in decoding order, can be copied such that all that are left are shown later: none
-// of the copied ones then refers to one that is left out.
+// How many of the pictures, in decoding order, can be copied such that all that are left are shown later:
+// none of the copied ones then refers to one that is left out.
 std::size_t closedPrefix(const Pictures& pictures, std::int64_t entry, std::int64_t end) {
     std::vector<std::int64_t> earliestLeft(pictures.size() + 1, std::numeric_limits<std::int64_t>::max());
     for (std::size_t index = pictures.size(); index > 0; --index) {
         const CodedPicture& picture = pictures[index - 1];
-        earliestLeft[index - 1] = isWithin(picture, entry, end)
-                                      ? std::min(earliestLeft[index], picture.pts)
-                                      : earliestLeft[index];
+        earliestLeft[index - 1] =
+            isWithin(picture, entry, end) ? std::min(earliestLeft[index], picture.pts) : earliestLeft[index];
     }
     std::size_t longest = 0;
     std::int64_t latest = std::numeric_limits<std::int64_t>::min();

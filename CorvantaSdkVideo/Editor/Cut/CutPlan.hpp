@@ -13,8 +13,8 @@ struct CutPiece {
     enum class Way { copied, encoded };
 
     Way way = Way::encoded;
-    /// When the first of its pictures is shown; one that is copied is a key picture, and what is shown before it
-    /// belongs to the piece before.
+    /// When the first of its pictures is shown; one that is copied is a key picture, and what is shown before
+    /// it belongs to the piece before.
     std::int64_t from = 0;
     /// Encoded: one behind the last time of showing.
     std::int64_t to = 0;
@@ -40,8 +40,8 @@ struct CopiedStart {
     bool loses = false;
 };
 
-/// ffmpeg begins with the first key picture that is decoded at `start` or later: pictures before it are lost, and
-/// so is a first group whose decoding begins before.
+/// ffmpeg begins with the first key picture that is decoded at `start` or later: pictures before it are lost,
+/// and so is a first group whose decoding begins before.
 CopiedStart copiedStart(CodedPictures& pictures, std::int64_t start, std::int64_t end);
 
 /// One piece that is encoded as a whole, for pictures that can't be copied.

@@ -5,9 +5,9 @@
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
+#include <platform/Aside.hpp>
 #include <platform/AssetReader.hpp>
 #include <platform/Errors.hpp>
-#include <platform/Aside.hpp>
 #include <platform/PictureJoin.hpp>
 #include <platform/UUID.hpp>
 
@@ -46,7 +46,8 @@ struct Plan {
         if (std::ranges::all_of(runs, isCopied)) {
             return CorvantaSdkVideoCutWay::copied;
         }
-        return std::ranges::any_of(runs, isCopied) ? CorvantaSdkVideoCutWay::joined : CorvantaSdkVideoCutWay::encoded;
+        return std::ranges::any_of(runs, isCopied) ? CorvantaSdkVideoCutWay::joined
+                                                   : CorvantaSdkVideoCutWay::encoded;
     }
 };
 
@@ -64,14 +65,16 @@ class Workspace {
     }
 
     std::string newFile(const std::string& extension) {
-        return files_.emplace_back(CorvantaSdkVideoUtils::outputURL(uuidString(makeUUID()), extension).path());
+        return files_.emplace_back(
+            CorvantaSdkVideoUtils::outputURL(uuidString(makeUUID()), extension).path());
     }
 
   private:
     std::vector<std::string> files_;
 };
 
-std::vector<CutPiece> piecesOf(CodedPictures& pictures, bool likeSource, std::int64_t start, std::int64_t end) {
+std::vector<CutPiece> piecesOf(CodedPictures& pictures, bool likeSource, std::int64_t start,
+                               std::int64_t end) {
     if (likeSource) {
         try {
             return planCut(pictures, start, end);
@@ -163,7 +166,8 @@ Task<CorvantaSdkVideoCutWay> ExactCut::write(CorvantaSdkVideoEditorInput input, 
     // Pictures whose times aren't what their container told are encoded as a whole.
     bool isJoined = false;
     for (bool mayCopy = true; !isJoined; mayCopy = false) {
-        std::function<void(std::stop_token)> makePlan = [plan, source, ranges, mayCopy](const std::stop_token&) {
+        std::function<void(std::stop_token)> makePlan = [plan, source, ranges,
+                                                         mayCopy](const std::stop_token&) {
             *plan = planFor(source, ranges, mayCopy);
         };
         co_await runAside(std::move(makePlan));
@@ -176,10 +180,10 @@ Task<CorvantaSdkVideoCutWay> ExactCut::write(CorvantaSdkVideoEditorInput input, 
                 co_await executor->executeFFMPEGCommand(std::move(command));
             }
         }
-        std::function<void(std::stop_token)> join = [plan, source, pictures,
-                                                     turn = rotateTag(input.rotationAngle)](std::stop_token stop) {
-            joinPictures(source, runsOf(*plan), pictures, turn, {.stop = std::move(stop)});
-        };
+        std::function<void(std::stop_token)> join =
+            [plan, source, pictures, turn = rotateTag(input.rotationAngle)](std::stop_token stop) {
+                joinPictures(source, runsOf(*plan), pictures, turn, {.stop = std::move(stop)});
+            };
         try {
             co_await runAside(std::move(join));
             isJoined = true;
@@ -189,8 +193,9 @@ Task<CorvantaSdkVideoCutWay> ExactCut::write(CorvantaSdkVideoEditorInput input, 
             }
         }
     }
-    std::string command = finishCutCommand(pictures, readable.path(), AssetReader(input.videoURL).soundTrack(),
-                                           ranges, input.volumen, output.path());
+    std::string command =
+        finishCutCommand(pictures, readable.path(), AssetReader(input.videoURL).soundTrack(), ranges,
+                         input.volumen, output.path());
     co_await executor->executeFFMPEGCommand(std::move(command));
     paths.finish();
     co_return plan->way();
@@ -198,7 +203,8 @@ Task<CorvantaSdkVideoCutWay> ExactCut::write(CorvantaSdkVideoEditorInput input, 
 
 Task<CorvantaSdkVideoCutInspection> ExactCut::inspect(URL video, CorvantaSdkVideoTimeRange range) {
     const auto inspection = std::make_shared<CorvantaSdkVideoCutInspection>();
-    std::function<void(std::stop_token)> work = [inspection, path = video.path(), range](std::stop_token stop) {
+    std::function<void(std::stop_token)> work = [inspection, path = video.path(),
+                                                 range](std::stop_token stop) {
         *inspection = inspected(path, range, std::move(stop));
     };
     co_await runAside(std::move(work));

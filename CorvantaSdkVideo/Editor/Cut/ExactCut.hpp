@@ -11,11 +11,11 @@
 
 namespace corvanta {
 
-/// Cuts at any picture, and encodes no more of them than it must: from the first safe key picture of a range on
-/// they are copied. What lies before it is encoded with parameters of its own, and so are pictures at the end
-/// that refer to ones behind it; all of them are then written into one track.
+/// Cuts at any picture, and encodes no more of them than it must: from the first safe key picture of a range
+/// on they are copied. What lies before it is encoded with parameters of its own, and so are pictures at the
+/// end that refer to ones behind it; all of them are then written into one track.
 ///
-/// Keeps no state between calls. Temporary files lie beside the output, and go with the task.
+/// Keeps no state between calls. Temporary files lie in the documents directory, and go with the task.
 class ExactCut {
   public:
     explicit ExactCut(std::shared_ptr<FFMPEGCommandExecutor> executor);

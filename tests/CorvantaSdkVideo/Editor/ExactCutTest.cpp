@@ -26,8 +26,8 @@ double psnr(const test::Frame& left, const test::Frame& right) {
     return squares == 0 ? 99 : 10 * std::log10(255 * 255 * static_cast<double>(left.rgb.size()) / squares);
 }
 
-// What a cut must show: the source's pictures of each range, where that range comes to lie; the first of each at
-// its very beginning.
+// What a cut must show: the source's pictures of each range, where that range comes to lie; the first of each
+// at its very beginning.
 std::vector<TimedFrame> expectedFrames(const std::string& source, const Ranges& ranges) {
     const double origin = test::ffprobeNumbers(source, "v", "format=start_time").at(0);
     const std::vector<TimedFrame> frames = test::decodedVideo(source);
@@ -38,7 +38,8 @@ std::vector<TimedFrame> expectedFrames(const std::string& source, const Ranges& 
         for (const TimedFrame& frame : frames) {
             const double time = frame.time - origin;
             if (time >= start - 1e-4 && time < end - 1e-4) {
-                expected.push_back({placed + (std::exchange(isFirst, false) ? 0 : time - start), frame.frame});
+                expected.push_back(
+                    {placed + (std::exchange(isFirst, false) ? 0 : time - start), frame.frame});
             }
         }
         placed += end - start;
@@ -85,10 +86,8 @@ TEST_F(ExactCutTest, KeepsEveryPictureOfItsRangesAndNoOther) {
              {x265 + "1", "mkv", "25", {{1.0, 1.5}, {0.3, 2.9}}, Way::joined},
              {"-c:v mpeg4 -g 25 -q:v 2 -c:a aac", "mp4", "25", {{0.3, 1.3}}, Way::encoded},
          }) {
-        const std::string source = test::makeClip({.seconds = 3,
-                                             .pictures = {{.rate = c.rate}},
-                                             .container = c.container,
-                                             .codecs = c.codecs});
+        const std::string source = test::makeClip(
+            {.seconds = 3, .pictures = {{.rate = c.rate}}, .container = c.container, .codecs = c.codecs});
         SCOPED_TRACE(c.container + " " + c.codecs);
         const auto result = runBlocking(editor_.edit(input(source, c.ranges)));
         EXPECT_EQ(result.cutWay, c.way);
