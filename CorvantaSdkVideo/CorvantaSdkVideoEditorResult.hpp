@@ -4,6 +4,7 @@
 #include <platform/URL.hpp>
 
 #include <optional>
+#include <vector>
 
 namespace corvanta {
 
@@ -13,6 +14,8 @@ struct CorvantaSdkVideoEditorResult {
     std::optional<URL> editedVideoURL;
     /// How the picture was made.
     CorvantaSdkVideoCutWay cutWay = CorvantaSdkVideoCutWay::copied;
+    /// The same of each of the ranges, in their order.
+    std::vector<CorvantaSdkVideoCutWay> rangeWays = {};
 };
 
 } // namespace corvanta

@@ -7,10 +7,12 @@
 #include <array>
 #include <cstdint>
 #include <span>
+#include <string_view>
 #include <utility>
 
 extern "C" {
 #include <libavformat/avformat.h>
+#include <libavutil/dict.h>
 #include <libavutil/intreadwrite.h>
 }
 
@@ -143,6 +145,26 @@ std::optional<int> AssetReader::soundTrack() {
     context_->media.analyse();
     const AVStream* const track = chosenSound(context_->format());
     return track != nullptr ? std::optional(track->index) : std::nullopt;
+}
+
+std::vector<int> AssetReader::coverTracks() const {
+    std::vector<int> covers;
+    for (const AVStream* track : context_->streams()) {
+        if (isCover(*track)) {
+            covers.push_back(track->index);
+        }
+    }
+    return covers;
+}
+
+bool AssetReader::hasApplicationTags() const {
+    const AVDictionaryEntry* tag = nullptr;
+    while ((tag = av_dict_get(context_->format().metadata, "", tag, AV_DICT_IGNORE_SUFFIX)) != nullptr) {
+        if (std::string_view(tag->key).find('.') != std::string_view::npos) {
+            return true;
+        }
+    }
+    return false;
 }
 
 std::optional<double> AssetReader::soundStart() {

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace corvanta {
 
@@ -73,13 +74,20 @@ class AssetReader {
     bool hasAudioTrack();
 
     /// The number, among the file's tracks, of the sound that ffmpeg takes when none is named: that of the
-    /// default track with the most channels. Nothing without sound. Throws PlatformError if the tracks can't be
-    /// read.
+    /// default track with the most channels. Nothing without sound. Throws PlatformError if the tracks can't
+    /// be read.
     std::optional<int> soundTrack();
 
-    /// How many seconds after the file's start the sound of `soundTrack` begins. Nothing without sound. Reads on in the file; throws
-    /// PlatformError if the tracks can't be read.
+    /// How many seconds after the file's start the sound of `soundTrack` begins. Nothing without sound. Reads
+    /// on in the file; throws PlatformError if the tracks can't be read.
     std::optional<double> soundStart();
+
+    /// The numbers of the pictures that go with the file as a whole, among its tracks.
+    std::vector<int> coverTracks() const;
+
+    /// Whether the file as a whole carries tags of an application's own, named like hosts of the network the
+    /// other way round ("com.example.place").
+    bool hasApplicationTags() const;
 
   private:
     struct Context;

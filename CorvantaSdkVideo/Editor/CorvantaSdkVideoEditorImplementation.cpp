@@ -10,6 +10,8 @@
 #include <platform/Cancellation.hpp>
 #include <platform/UUID.hpp>
 
+#include <algorithm>
+#include <functional>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -41,6 +43,11 @@ std::vector<CorvantaSdkVideoTimeRange> rangesOf(const CorvantaSdkVideoEditorInpu
     return video.ranges;
 }
 
+CorvantaSdkVideoCutWay wayOfAll(const std::vector<CorvantaSdkVideoCutWay>& ways) {
+    const bool isOne = std::ranges::adjacent_find(ways, std::ranges::not_equal_to()) == ways.end();
+    return isOne && !ways.empty() ? ways.front() : CorvantaSdkVideoCutWay::joined;
+}
+
 } // namespace
 
 CorvantaSdkVideoEditorImplementation::CorvantaSdkVideoEditorImplementation(
@@ -66,7 +73,8 @@ CorvantaSdkVideoEditorImplementation::edit(CorvantaSdkVideoEditorInput video) {
     }
     CorvantaSdkVideoEditorResult result{video.outputURL};
     try {
-        result.cutWay = co_await write(std::move(video), std::move(ranges));
+        result.rangeWays = co_await write(std::move(video), std::move(ranges));
+        result.cutWay = wayOfAll(result.rangeWays);
     } catch (const std::exception& error) {
         Logger::logError(Event::editVideo, EventMessage::editVideoFailed(error));
         if (isCancellation(error)) {
@@ -77,7 +85,7 @@ CorvantaSdkVideoEditorImplementation::edit(CorvantaSdkVideoEditorInput video) {
     co_return result;
 }
 
-Task<CorvantaSdkVideoCutWay>
+Task<std::vector<CorvantaSdkVideoCutWay>>
 CorvantaSdkVideoEditorImplementation::write(CorvantaSdkVideoEditorInput video,
                                             std::vector<CorvantaSdkVideoTimeRange> ranges) {
     bool copies = video.cut == CorvantaSdkVideoCut::copied;
@@ -87,7 +95,8 @@ CorvantaSdkVideoEditorImplementation::write(CorvantaSdkVideoEditorInput video,
     }
     if (copies) {
         co_await copy(std::move(video), ranges.front());
-        co_return CorvantaSdkVideoCutWay::copied;
+        std::vector<CorvantaSdkVideoCutWay> ways(1, CorvantaSdkVideoCutWay::copied);
+        co_return ways;
     }
     const ExactCut exact(commandExecutor_);
     co_return co_await exact.write(std::move(video), std::move(ranges));

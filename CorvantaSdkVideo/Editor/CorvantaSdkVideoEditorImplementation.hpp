@@ -11,7 +11,8 @@
 
 namespace corvanta {
 
-/// Edits with one ffmpeg run each, an exact cut with a few. Keeps no state between calls. Two edits with one output race for the file.
+/// Edits with one ffmpeg run each, an exact cut with a few. Keeps no state between calls. Two edits with one
+/// output race for the file.
 class CorvantaSdkVideoEditorImplementation : public CorvantaSdkVideoEditor {
   public:
     explicit CorvantaSdkVideoEditorImplementation(
@@ -29,8 +30,8 @@ class CorvantaSdkVideoEditorImplementation : public CorvantaSdkVideoEditor {
     Task<CorvantaSdkVideoCutInspection> inspectCut(URL video, CorvantaSdkVideoTimeRange range);
 
   private:
-    Task<CorvantaSdkVideoCutWay> write(CorvantaSdkVideoEditorInput video,
-                                       std::vector<CorvantaSdkVideoTimeRange> ranges);
+    Task<std::vector<CorvantaSdkVideoCutWay>> write(CorvantaSdkVideoEditorInput video,
+                                                    std::vector<CorvantaSdkVideoTimeRange> ranges);
     Task<> copy(CorvantaSdkVideoEditorInput video, CorvantaSdkVideoTimeRange range);
     void validateTrimRange(const URL& url, double trimStart, double trimEnd) const;
     void validateThumbnailPosition(const URL& url, double interval) const;

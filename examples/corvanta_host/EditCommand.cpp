@@ -12,10 +12,13 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 using namespace corvanta;
 
@@ -27,18 +30,74 @@ struct EditOptions {
     FileArguments arguments;
     std::string start;
     std::string end;
+    std::vector<std::string> ranges;
     std::int64_t rotationDegrees = 0;
     float volume = 1;
-    CorvantaSdkVideoCut cut = CorvantaSdkVideoCut::copied;
+    /// Absent: copied, and exact with several ranges.
+    std::optional<CorvantaSdkVideoCut> cut;
 };
 
 const std::map<std::string, CorvantaSdkVideoCut> cuts{{"copied", CorvantaSdkVideoCut::copied},
                                                       {"exact", CorvantaSdkVideoCut::exact},
                                                       {"automatic", CorvantaSdkVideoCut::automatic}};
 
+constexpr std::array wayNames{"copied", "joined", "encoded"};
+
+std::string nameOf(CorvantaSdkVideoCutWay way) { return wayNames.at(static_cast<std::size_t>(way)); }
+
+// "START-END", each a time.
+CorvantaSdkVideoTimeRange rangeFrom(const std::string& text) {
+    const std::size_t dash = text.find('-', 1);
+    if (dash == std::string::npos) {
+        throw UsageError("--range takes START-END, such as 1.5-0:04, not \"" + text + '"');
+    }
+    return {secondsFrom("--range", text.substr(0, dash), 1),
+            secondsFrom("--range", text.substr(dash + 1), 1)};
+}
+
+std::vector<CorvantaSdkVideoTimeRange> rangesFrom(const EditOptions& options) {
+    if (options.ranges.empty() && (options.start.empty() || options.end.empty())) {
+        throw UsageError("edit takes --start and --end, or --range START-END");
+    }
+    std::vector<CorvantaSdkVideoTimeRange> ranges;
+    for (const std::string& range : options.ranges) {
+        ranges.push_back(rangeFrom(range));
+    }
+    if (ranges.empty()) {
+        ranges.push_back({secondsFrom("--start", options.start, 1), secondsFrom("--end", options.end, 1)});
+    }
+    return ranges;
+}
+
+CorvantaSdkVideoCut cutFrom(const EditOptions& options) {
+    const bool isOne = options.ranges.size() < 2;
+    const auto cut = options.cut.value_or(isOne ? CorvantaSdkVideoCut::copied : CorvantaSdkVideoCut::exact);
+    if (!isOne && cut == CorvantaSdkVideoCut::copied) {
+        throw UsageError("several ranges can't be cut by copying alone: leave out --cut copied");
+    }
+    return cut;
+}
+
+// How each range was made; where nothing but copying was asked for there is nothing to tell.
+void tell(Console& console, const std::string& path, const std::vector<CorvantaSdkVideoTimeRange>& ranges,
+          const CorvantaSdkVideoEditorResult& result, bool isAsked) {
+    nlohmann::ordered_json about;
+    if (isAsked) {
+        about["cut"] = nameOf(result.cutWay);
+        about["ranges"] = nlohmann::ordered_json::array();
+        for (std::size_t index = 0; index < ranges.size(); ++index) {
+            const auto& [start, end] = ranges[index];
+            const std::string way = nameOf(result.rangeWays.at(index));
+            about["ranges"].push_back({{"start", start}, {"end", end}, {"cut", way}});
+            console.note(fmt::format("{:g} s to {:g} s: {}", start, end, way));
+        }
+    }
+    console.printPath(path, about);
+}
+
 void edit(Console& console, const EditOptions& options) {
-    const double start = secondsFrom("--start", options.start, 1);
-    const double end = secondsFrom("--end", options.end, 1);
+    const auto ranges = rangesFrom(options);
+    const CorvantaSdkVideoCut cut = cutFrom(options);
     if (options.rotationDegrees % 90 != 0 || std::abs(options.rotationDegrees) >= 360) {
         throw UsageError(
             fmt::format("--rotate takes quarter turns, 0, 90, 180 or 270, not {}", options.rotationDegrees));
@@ -50,21 +109,42 @@ void edit(Console& console, const EditOptions& options) {
     const auto inputs = inputFiles(files.inputs);
     const Output output = outputFor(files, "mp4");
     UnfinishedOutput unfinished(output.path);
-    const Progress progress(console, "edit", std::llround(std::clamp(end - start, 0.0, 1e9) * 1000));
-    CorvantaSdkVideoEditorImplementation editor;
-    runInterruptible(editor.edit({inputs.front().url(), URL::fromFilePath(output.path), start, end,
-                                  options.rotationDegrees, options.volume, options.cut}));
+    double seconds = 0;
+    for (const auto& [start, end] : ranges) {
+        seconds += std::clamp(end - start, 0.0, 1e9);
+    }
+    CorvantaSdkVideoEditorResult result;
+    {
+        const Progress progress(console, "edit", std::llround(std::min(seconds, 1e9) * 1000));
+        CorvantaSdkVideoEditorImplementation editor;
+        result = runInterruptible(editor.edit({.videoURL = inputs.front().url(),
+                                               .outputURL = URL::fromFilePath(output.path),
+                                               .rotationAngle = options.rotationDegrees,
+                                               .volumen = options.volume,
+                                               .cut = cut,
+                                               .ranges = ranges}));
+    }
     unfinished.keep();
-    console.printPath(output.path, {});
+    tell(console, output.path, ranges, result, cut != CorvantaSdkVideoCut::copied);
 }
 
 } // namespace
 
 void addEditCommand(CLI::App& app, Command& chosen) {
-    auto* command = app.add_subcommand("edit", "Trim, turn and set the volume, without encoding more of the picture than --cut asks for");
+    auto* command = app.add_subcommand(
+        "edit", "Trim, turn and set the volume, without encoding more of the picture than --cut asks for");
     const auto options = std::make_shared<EditOptions>(*command);
-    command->add_option("--start", options->start, "Start of the kept range: seconds, or 0:01.5")->required();
-    command->add_option("--end", options->end, "End of the kept range")->required();
+    auto* start =
+        command->add_option("--start", options->start, "Start of the kept range: seconds, or 0:01.5");
+    auto* end = command->add_option("--end", options->end, "End of the kept range");
+    command
+        ->add_option(
+            "--range", options->ranges,
+            "START-END, a range that is kept, in place of --start and --end; several are joined in their "
+            "order, by an exact cut")
+        ->allow_extra_args(false)
+        ->excludes(start)
+        ->excludes(end);
     command
         ->add_option("--rotate", options->rotationDegrees,
                      "Turn to record, in quarters: 0, 90, 180 or 270 degrees clockwise")
@@ -72,11 +152,12 @@ void addEditCommand(CLI::App& app, Command& chosen) {
     command->add_option("--volume", options->volume, "Factor for the sound, 0 for silence")
         ->capture_default_str();
     command
-        ->add_option("--cut", options->cut,
-                     "copied: the picture begins at the next key picture; exact: at the very start; automatic: exact "
-                     "where copying would lose pictures")
+        ->add_option(
+            "--cut", options->cut,
+            "copied: the picture begins at the next key picture; exact: at the very start; automatic: "
+            "exact where copying would lose pictures")
         ->transform(CLI::CheckedTransformer(cuts))
-        ->default_str("copied");
+        ->default_str("copied, and exact with several ranges");
     command->callback(
         [&chosen, options] { chosen = [options](Console& console) { edit(console, *options); }; });
 }

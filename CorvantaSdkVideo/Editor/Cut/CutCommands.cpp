@@ -79,6 +79,11 @@ std::string encoderOptions(const PictureFormat& format, bool likeSource) {
            colorOptions(format);
 }
 
+bool isMP4Family(const std::string& output) {
+    return std::ranges::any_of(std::to_array<std::string_view>({".mp4", ".m4v", ".mov"}),
+                               [&](std::string_view extension) { return output.ends_with(extension); });
+}
+
 } // namespace
 
 bool canEncodeAlike(const PictureFormat& format) {
@@ -101,32 +106,49 @@ std::string encodePieceCommand(const std::string& input, int track, const Pictur
            ffmpegFormatted(output);
 }
 
-std::string finishCutCommand(const std::string& pictures, const std::string& source,
-                             std::optional<int> soundTrack,
-                             const std::vector<CorvantaSdkVideoTimeRange>& ranges, float volume,
-                             const std::string& output) {
-    std::string command = "-y -i " + ffmpegFormatted(pictures);
+std::string finishCutCommand(const CutParts& parts) {
+    const std::string source = ffmpegFormatted(parts.source);
+    std::string command = "-y -i " + ffmpegFormatted(parts.pictures);
     std::string graph;
     std::string joined;
-    for (std::size_t index = 0; index < ranges.size(); ++index) {
-        const auto& [start, end] = ranges[index];
+    const std::size_t count = parts.ranges.size();
+    for (std::size_t index = 0; index < count; ++index) {
+        const auto& [start, end] = parts.ranges[index];
         const std::string length = formattedTime(end - start);
         const std::string label = "[s" + std::to_string(index) + "]";
-        command += " -ss " + formattedTime(start) + " -t " + length + " -i " + ffmpegFormatted(source);
-        if (soundTrack) {
+        command += " -ss " + formattedTime(start) + " -t " + length + " -i " + source;
+        if (parts.soundTrack) {
             // As long as the range whatever the sound is like, so that the next one begins with its picture.
-            graph += "[" + std::to_string(index + 1) + ":" + std::to_string(*soundTrack) +
+            graph += "[" + std::to_string(index + 1) + ":" + std::to_string(*parts.soundTrack) +
                      "]aresample=async=1:first_pts=0,apad=whole_dur=" + length + ",atrim=end=" + length +
                      label + ";";
             joined += label;
         }
     }
-    command += " -map 0:v:0 -map_metadata 1 -map_chapters -1 -c:v copy";
-    if (soundTrack) {
-        command += " -filter_complex \"" + graph + joined + "concat=n=" + std::to_string(ranges.size()) +
-                   ":v=0:a=1,volume=" + shortestDecimal(volume) + "[sound]\" -map \"[sound]\" -c:a aac";
+    const bool isMP4 = isMP4Family(parts.output);
+    // ffmpeg's mp4 holds either.
+    const bool hasCovers = isMP4 && !parts.coverTracks.empty() && !parts.hasApplicationTags;
+    if (hasCovers) {
+        command += " -i " + source;
     }
-    return command + " " + ffmpegFormatted(output);
+    command += " -map 0:v:0 -map_metadata 1 -map_chapters -1 -c:v copy -map_metadata:s:v:0 1:s:" +
+               std::to_string(parts.pictureTrack);
+    for (std::size_t index = 0; hasCovers && index < parts.coverTracks.size(); ++index) {
+        command += " -map " + std::to_string(count + 1) + ":" + std::to_string(parts.coverTracks[index]) +
+                   " -disposition:v:" + std::to_string(index + 1) + " attached_pic";
+    }
+    if (parts.soundTrack) {
+        command += " -filter_complex \"" + graph + joined + "concat=n=" + std::to_string(count) +
+                   ":v=0:a=1,volume=" + shortestDecimal(parts.volume) +
+                   "[sound]\" -map \"[sound]\" -c:a aac -map_metadata:s:a:0 1:s:" +
+                   std::to_string(*parts.soundTrack);
+    }
+    if (isMP4 && parts.hasApplicationTags) {
+        // The container's own words are written as tags too then, and would contradict it.
+        command += " -movflags use_metadata_tags -metadata major_brand= -metadata minor_version= -metadata "
+                   "compatible_brands=";
+    }
+    return command + " " + ffmpegFormatted(parts.output);
 }
 
 } // namespace corvanta

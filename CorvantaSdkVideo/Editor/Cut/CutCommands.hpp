@@ -20,11 +20,24 @@ std::string encodePieceCommand(const std::string& input, int track, const Pictur
 /// Whether pictures of that format can be joined with ones that are encoded here.
 bool canEncodeAlike(const PictureFormat& format);
 
-/// Puts the joined pictures and the sound of the ranges together. `soundTrack` is the sound's number among
-/// the source's tracks.
-std::string finishCutCommand(const std::string& pictures, const std::string& source,
-                             std::optional<int> soundTrack,
-                             const std::vector<CorvantaSdkVideoTimeRange>& ranges, float volume,
-                             const std::string& output);
+/// What the last run of a cut puts together. Track numbers are the source's.
+struct CutParts {
+    /// The joined pictures, and the track that they come from.
+    std::string pictures;
+    int pictureTrack = 0;
+    std::string source;
+    std::optional<int> soundTrack = {};
+    /// Pictures that go with the file as a whole.
+    std::vector<int> coverTracks = {};
+    /// Whether the source has tags that mp4 keeps only if it is told to.
+    bool hasApplicationTags = false;
+    std::vector<CorvantaSdkVideoTimeRange> ranges = {};
+    float volume = 1;
+    std::string output;
+};
+
+/// Puts the joined pictures and the sound of the ranges together, with the tags of the source and of both
+/// tracks. Chapters go; covers are kept in mp4 and mov, beside an application's own tags not.
+std::string finishCutCommand(const CutParts& parts);
 
 } // namespace corvanta

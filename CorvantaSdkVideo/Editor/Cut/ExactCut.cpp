@@ -33,6 +33,7 @@ struct PlannedRun {
     PictureRun run = {};
     CutPiece piece = {};
     double decodeFromSeconds = 0;
+    std::size_t range = 0;
 };
 
 struct Plan {
@@ -41,13 +42,16 @@ struct Plan {
     bool likeSource = false;
     std::vector<PlannedRun> runs = {};
 
-    CorvantaSdkVideoCutWay way() const {
-        const auto isCopied = [](const PlannedRun& planned) { return planned.run.isOriginal; };
-        if (std::ranges::all_of(runs, isCopied)) {
+    CorvantaSdkVideoCutWay way(std::size_t range) const {
+        const auto hasRun = [&](bool copied) {
+            return std::ranges::any_of(runs, [&](const PlannedRun& planned) {
+                return planned.range == range && planned.run.isOriginal == copied;
+            });
+        };
+        if (!hasRun(false)) {
             return CorvantaSdkVideoCutWay::copied;
         }
-        return std::ranges::any_of(runs, isCopied) ? CorvantaSdkVideoCutWay::joined
-                                                   : CorvantaSdkVideoCutWay::encoded;
+        return hasRun(true) ? CorvantaSdkVideoCutWay::joined : CorvantaSdkVideoCutWay::encoded;
     }
 };
 
@@ -90,12 +94,13 @@ Plan planFor(const std::string& source, const Ranges& ranges, bool mayCopy) {
     Plan plan{.format = pictures.format(), .track = pictures.trackIndex()};
     plan.likeSource = mayCopy && canEncodeAlike(plan.format);
     double placed = 0;
-    for (const auto& [start, end] : ranges) {
+    for (std::size_t index = 0; index < ranges.size(); ++index) {
+        const auto& [start, end] = ranges[index];
         const std::int64_t from = pictures.ticks(start);
         const std::int64_t place = pictures.ticks(placed) - pictures.ticks(0);
         bool isFirst = true;
         for (CutPiece& piece : piecesOf(pictures, plan.likeSource, from, pictures.ticks(end))) {
-            PlannedRun planned{.decodeFromSeconds = pictures.seconds(piece.decodeFrom)};
+            PlannedRun planned{.decodeFromSeconds = pictures.seconds(piece.decodeFrom), .range = index};
             PictureRun& run = planned.run;
             run.isOriginal = piece.way == CutPiece::Way::copied;
             run.shift = place - from;
@@ -115,6 +120,14 @@ Plan planFor(const std::string& source, const Ranges& ranges, bool mayCopy) {
         placed += end - start;
     }
     return plan;
+}
+
+// What there is beside the pictures.
+void describe(const std::string& source, CutParts& parts) {
+    AssetReader reader(URL::fromFilePath(source));
+    parts.soundTrack = reader.soundTrack();
+    parts.coverTracks = reader.coverTracks();
+    parts.hasApplicationTags = reader.hasApplicationTags();
 }
 
 // The number that the copying edit writes as well.
@@ -154,29 +167,38 @@ CorvantaSdkVideoCutInspection inspected(const std::string& path, CorvantaSdkVide
 
 ExactCut::ExactCut(std::shared_ptr<FFMPEGCommandExecutor> executor) : executor_(std::move(executor)) {}
 
-Task<CorvantaSdkVideoCutWay> ExactCut::write(CorvantaSdkVideoEditorInput input, Ranges ranges) const {
+Task<std::vector<CorvantaSdkVideoCutWay>> ExactCut::write(CorvantaSdkVideoEditorInput input,
+                                                          Ranges ranges) const {
     const auto executor = executor_;
     const std::string source = input.videoURL.path();
     CommandPaths paths;
-    const URL readable = paths.input(input.videoURL, PathForm::quoted);
-    const URL output = paths.output(input.outputURL, PathForm::quoted);
+    const auto parts = std::make_shared<CutParts>();
+    parts->source = paths.input(input.videoURL, PathForm::quoted).path();
+    parts->output = paths.output(input.outputURL, PathForm::quoted).path();
+    parts->ranges = ranges;
+    parts->volume = input.volumen;
     Workspace workspace;
     const std::string pictures = workspace.newFile("mp4");
+    const auto named = [&paths](const std::string& file) {
+        return paths.temporary(URL::fromFilePath(file), PathForm::quoted).path();
+    };
+    parts->pictures = named(pictures);
     auto plan = std::make_shared<Plan>();
     // Pictures whose times aren't what their container told are encoded as a whole.
     bool isJoined = false;
     for (bool mayCopy = true; !isJoined; mayCopy = false) {
-        std::function<void(std::stop_token)> makePlan = [plan, source, ranges,
+        std::function<void(std::stop_token)> makePlan = [plan, parts, source, ranges,
                                                          mayCopy](const std::stop_token&) {
             *plan = planFor(source, ranges, mayCopy);
+            describe(source, *parts);
         };
         co_await runAside(std::move(makePlan));
         for (PlannedRun& planned : plan->runs) {
             if (!planned.run.isOriginal) {
                 planned.run.file = workspace.newFile("nut");
                 std::string command =
-                    encodePieceCommand(readable.path(), plan->track, plan->format, plan->likeSource,
-                                       planned.piece, planned.decodeFromSeconds, planned.run.file);
+                    encodePieceCommand(parts->source, plan->track, plan->format, plan->likeSource,
+                                       planned.piece, planned.decodeFromSeconds, named(planned.run.file));
                 co_await executor->executeFFMPEGCommand(std::move(command));
             }
         }
@@ -193,12 +215,15 @@ Task<CorvantaSdkVideoCutWay> ExactCut::write(CorvantaSdkVideoEditorInput input, 
             }
         }
     }
-    std::string command =
-        finishCutCommand(pictures, readable.path(), AssetReader(input.videoURL).soundTrack(), ranges,
-                         input.volumen, output.path());
+    parts->pictureTrack = plan->track;
+    std::string command = finishCutCommand(*parts);
     co_await executor->executeFFMPEGCommand(std::move(command));
     paths.finish();
-    co_return plan->way();
+    std::vector<CorvantaSdkVideoCutWay> ways;
+    for (std::size_t range = 0; range < ranges.size(); ++range) {
+        ways.push_back(plan->way(range));
+    }
+    co_return ways;
 }
 
 Task<CorvantaSdkVideoCutInspection> ExactCut::inspect(URL video, CorvantaSdkVideoTimeRange range) {

@@ -20,9 +20,10 @@ class ExactCut {
   public:
     explicit ExactCut(std::shared_ptr<FFMPEGCommandExecutor> executor);
 
-    /// Writes the ranges, one behind the other, to the input's output. Throws what keeps it from that.
-    Task<CorvantaSdkVideoCutWay> write(CorvantaSdkVideoEditorInput input,
-                                       std::vector<CorvantaSdkVideoTimeRange> ranges) const;
+    /// Writes the ranges, one behind the other, to the input's output, and tells how it made each. Throws
+    /// what keeps it from that.
+    Task<std::vector<CorvantaSdkVideoCutWay>> write(CorvantaSdkVideoEditorInput input,
+                                                    std::vector<CorvantaSdkVideoTimeRange> ranges) const;
 
     /// Throws PlatformError if the file can't be read or has no picture.
     static Task<CorvantaSdkVideoCutInspection> inspect(URL video, CorvantaSdkVideoTimeRange range);

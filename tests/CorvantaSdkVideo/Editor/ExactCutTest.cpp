@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <tuple>
 
 namespace corvanta {
 namespace {
@@ -105,6 +106,35 @@ TEST_F(ExactCutTest, KeepsEveryPictureOfItsRangesAndNoOther) {
         EXPECT_NEAR(test::decodedSound(result.editedVideoURL->path()).end(), length, 0.05);
     }
     EXPECT_TRUE(std::filesystem::is_empty(directory_.file("data/corvanta-sdk-video/documents")));
+}
+
+TEST_F(ExactCutTest, KeepsTagsAndCoversWhateverFilesAreCalled) {
+    const std::string odd = directory_.file("a\"b%20 'c: {trimStart} %d");
+    setenv("XDG_DATA_HOME", odd.c_str(), 1);
+    std::filesystem::create_directory(odd);
+    const std::string clip = test::makeClip({.seconds = 2, .sounds = {{.language = "deu"}}, .cover = true});
+    for (const auto& [extension, maps, kept] :
+         {std::tuple{".mp4", "-map 0", "attached_pic=1"},
+          {".mov", "-map 0:a -map 0:v:0 -movflags use_metadata_tags -metadata com.example.maker=X",
+           "maker=\"X"}}) {
+        const std::string source = odd + "/in\"" + extension;
+        std::vector<std::string> words{"-v", "error", "-i", clip, "-c", "copy", "file:" + source};
+        const auto tags = test::wordsOf(std::string(maps) +
+                                        " -metadata title=Sea -metadata date=2024-05-06 "
+                                        "-metadata location=+52.5200+013.4050/ -metadata:s:v:0 language=fra");
+        words.insert(words.end() - 1, tags.begin(), tags.end());
+        test::runTool("ffmpeg", words);
+        CorvantaSdkVideoEditorInput asked = input(source, {{0.2, 0.7}, {1, 1.5}});
+        asked.outputURL = URL::fromFilePath(odd + "/out\".mp4");
+        EXPECT_EQ(runBlocking(editor_.edit(asked)).rangeWays, (std::vector{Way::encoded, Way::copied}));
+        const std::string told = test::runTool("ffprobe", {"-v", "error", "-show_entries",
+                                                           "format_tags:stream_tags:stream_disposition",
+                                                           "-of", "flat", "file:" + asked.outputURL.path()});
+        for (const char* tag :
+             {"title=\"Sea", "date=\"2024-05-06", "location=\"+52.5200", "language=\"fra", kept}) {
+            EXPECT_NE(told.find(tag), told.npos) << tag << '\n' << told;
+        }
+    }
 }
 
 } // namespace
