@@ -57,9 +57,9 @@ std::string colorOptions(const PictureFormat& format) {
     return options;
 }
 
-// Constant rate factors that leave at least 45 dB of nearly all pictures; lower where only a few are encoded.
+// A constant rate factor that leaves at least 45 dB of pictures with noise in them, and more of others.
 std::string encoderOptions(const PictureFormat& format, bool likeSource) {
-    const std::string quality = likeSource ? " -preset veryfast -crf 7" : " -preset veryfast -crf 10";
+    const std::string quality = " -preset veryfast -crf 7";
     std::string options;
     if (format.codec == hevc || (!likeSource && isHighRange(format))) {
         options = " -c:v libx265" + quality + " -x265-params log-level=error:repeat-headers=1";
@@ -98,8 +98,9 @@ std::string encodePieceCommand(const std::string& input, int track, const Pictur
                                bool likeSource, const CutPiece& piece, double decodeFromSeconds,
                                const std::string& output) {
     // Half a second before the key picture, since some containers are searched by decoding times.
-    const double seek = std::max(0.0, decodeFromSeconds - 0.5);
-    return "-y -noautorotate -copyts -noaccurate_seek -ss " + formattedTime(seek) + " -i " +
+    const double seek = decodeFromSeconds - 0.5;
+    return "-y -noautorotate -copyts " +
+           (seek > 0 ? "-noaccurate_seek -ss " + formattedTime(seek) + " " : "") + "-i " +
            ffmpegFormatted(input) + " -map 0:" + std::to_string(track) +
            " -vf \"trim=start_pts=" + std::to_string(piece.from) + ":end_pts=" + std::to_string(piece.to) +
            "\" -fps_mode passthrough -enc_time_base -1" + encoderOptions(format, likeSource) + " -f nut " +

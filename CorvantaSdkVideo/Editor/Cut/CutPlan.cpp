@@ -108,6 +108,21 @@ CutPiece planEncoding(CodedPictures& pictures, std::int64_t start, std::int64_t 
     return {.from = start, .to = end, .decodeFrom = decodeFrom};
 }
 
+std::vector<std::int64_t> shownTimes(CodedPictures& pictures, std::int64_t start, std::int64_t end) {
+    std::vector<std::int64_t> shown;
+    pictures.seek(start);
+    while (const auto picture = pictures.next()) {
+        if (picture->dts >= end) {
+            break;
+        }
+        if (isWithin(*picture, start, end)) {
+            shown.push_back(picture->pts);
+        }
+    }
+    std::ranges::sort(shown);
+    return shown;
+}
+
 CopiedStart copiedStart(CodedPictures& pictures, std::int64_t start, std::int64_t end) {
     CopiedStart copied;
     pictures.seek(start);

@@ -47,4 +47,8 @@ CopiedStart copiedStart(CodedPictures& pictures, std::int64_t start, std::int64_
 /// One piece that is encoded as a whole, for pictures that can't be copied.
 CutPiece planEncoding(CodedPictures& pictures, std::int64_t start, std::int64_t end);
 
+/// When the pictures with `start <= pts < end` are shown, in order. Reads all of them. Throws what
+/// CodedPictures throws.
+std::vector<std::int64_t> shownTimes(CodedPictures& pictures, std::int64_t start, std::int64_t end);
+
 } // namespace corvanta

@@ -8,6 +8,7 @@
 #include <platform/Aside.hpp>
 #include <platform/AssetReader.hpp>
 #include <platform/Errors.hpp>
+#include <platform/FFmpegKit.hpp>
 #include <platform/PictureJoin.hpp>
 #include <platform/UUID.hpp>
 
@@ -77,6 +78,17 @@ class Workspace {
     std::vector<std::string> files_;
 };
 
+// What is tried one after the other, until the pictures are those that the container tells of.
+enum class Attempt {
+    /// What can be copied is copied, the rest encoded.
+    copying,
+    /// All is encoded.
+    encoding,
+    /// All is encoded, read from the file's beginning on, and taken as it comes: not every container can be
+    /// searched, or tells when its pictures are shown.
+    reading,
+};
+
 std::vector<CutPiece> piecesOf(CodedPictures& pictures, bool likeSource, std::int64_t start,
                                std::int64_t end) {
     if (likeSource) {
@@ -89,17 +101,34 @@ std::vector<CutPiece> piecesOf(CodedPictures& pictures, bool likeSource, std::in
     return {planEncoding(pictures, start, end)};
 }
 
-Plan planFor(const std::string& source, const Ranges& ranges, bool mayCopy) {
+std::vector<CutPiece> piecesOf(CodedPictures& pictures, Attempt attempt, std::int64_t start,
+                               std::int64_t end) {
+    if (attempt == Attempt::copying) {
+        return planCut(pictures, start, end);
+    }
+    if (attempt == Attempt::reading) {
+        return {{.from = start, .to = end, .decodeFrom = pictures.ticks(0)}};
+    }
+    CutPiece piece = planEncoding(pictures, start, end);
+    piece.shown = shownTimes(pictures, start, end);
+    return {std::move(piece)};
+}
+
+// Throws PlatformError if the attempt can't succeed.
+Plan planFor(const std::string& source, const Ranges& ranges, Attempt attempt) {
     CodedPictures pictures(source);
     Plan plan{.format = pictures.format(), .track = pictures.trackIndex()};
-    plan.likeSource = mayCopy && canEncodeAlike(plan.format);
+    plan.likeSource = attempt == Attempt::copying;
+    if (plan.likeSource && !canEncodeAlike(plan.format)) {
+        throw PlatformError("ExactCut", 1, plan.format.codec + " can't be joined");
+    }
     double placed = 0;
     for (std::size_t index = 0; index < ranges.size(); ++index) {
         const auto& [start, end] = ranges[index];
         const std::int64_t from = pictures.ticks(start);
         const std::int64_t place = pictures.ticks(placed) - pictures.ticks(0);
         bool isFirst = true;
-        for (CutPiece& piece : piecesOf(pictures, plan.likeSource, from, pictures.ticks(end))) {
+        for (CutPiece& piece : piecesOf(pictures, attempt, from, pictures.ticks(end))) {
             PlannedRun planned{.decodeFromSeconds = pictures.seconds(piece.decodeFrom), .range = index};
             PictureRun& run = planned.run;
             run.isOriginal = piece.way == CutPiece::Way::copied;
@@ -184,37 +213,44 @@ Task<std::vector<CorvantaSdkVideoCutWay>> ExactCut::write(CorvantaSdkVideoEditor
     };
     parts->pictures = named(pictures);
     auto plan = std::make_shared<Plan>();
-    // Pictures whose times aren't what their container told are encoded as a whole.
     bool isJoined = false;
-    for (bool mayCopy = true; !isJoined; mayCopy = false) {
-        std::function<void(std::stop_token)> makePlan = [plan, parts, source, ranges,
-                                                         mayCopy](const std::stop_token&) {
-            *plan = planFor(source, ranges, mayCopy);
-            describe(source, *parts);
-        };
-        co_await runAside(std::move(makePlan));
-        for (PlannedRun& planned : plan->runs) {
-            if (!planned.run.isOriginal) {
-                planned.run.file = workspace.newFile("nut");
-                std::string command =
-                    encodePieceCommand(parts->source, plan->track, plan->format, plan->likeSource,
-                                       planned.piece, planned.decodeFromSeconds, named(planned.run.file));
-                co_await executor->executeFFMPEGCommand(std::move(command));
-            }
-        }
-        std::function<void(std::stop_token)> join =
-            [plan, source, pictures, turn = rotateTag(input.rotationAngle)](std::stop_token stop) {
-                joinPictures(source, runsOf(*plan), pictures, turn, {.stop = std::move(stop)});
-            };
+    for (const Attempt attempt : {Attempt::copying, Attempt::encoding, Attempt::reading}) {
         try {
+            std::function<void(std::stop_token)> makePlan = [plan, source, ranges,
+                                                             attempt](const std::stop_token&) {
+                *plan = planFor(source, ranges, attempt);
+            };
+            co_await runAside(std::move(makePlan));
+            for (PlannedRun& planned : plan->runs) {
+                if (!planned.run.isOriginal) {
+                    planned.run.file = workspace.newFile("nut");
+                    std::string command =
+                        encodePieceCommand(parts->source, plan->track, plan->format, plan->likeSource,
+                                           planned.piece, planned.decodeFromSeconds, named(planned.run.file));
+                    co_await executor->executeFFMPEGCommand(std::move(command));
+                }
+            }
+            std::function<void(std::stop_token)> join =
+                [plan, source, pictures, turn = rotateTag(input.rotationAngle)](std::stop_token stop) {
+                    joinPictures(source, runsOf(*plan), pictures, turn, {.stop = std::move(stop)});
+                };
             co_await runAside(std::move(join));
             isJoined = true;
-        } catch (const PlatformError&) {
-            if (!plan->likeSource) {
+        } catch (const PlatformError& error) {
+            const bool isStopped =
+                error.code() == ReturnCode::cancelled || error.code() == ReturnCode::stalled;
+            if (attempt == Attempt::reading || isStopped) {
                 throw;
             }
         }
+        if (isJoined) {
+            break;
+        }
     }
+    std::function<void(std::stop_token)> look = [parts, source](const std::stop_token&) {
+        describe(source, *parts);
+    };
+    co_await runAside(std::move(look));
     parts->pictureTrack = plan->track;
     std::string command = finishCutCommand(*parts);
     co_await executor->executeFFMPEGCommand(std::move(command));
