@@ -1,6 +1,7 @@
 #include <platform/FFmpegKit.hpp>
 
 #include <platform/CommandWords.hpp>
+#include <platform/FFmpegPrograms.hpp>
 #include <platform/InProcessProbe.hpp>
 #include <platform/MediaOpening.hpp>
 #include <platform/NeverDestroyed.hpp>
@@ -8,7 +9,6 @@
 #include <platform/SessionRunner.hpp>
 
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 namespace corvanta {
@@ -29,11 +29,6 @@ Settings& settings() {
     return *shared;
 }
 
-std::string programFor(const char* variable, const char* name) {
-    const char* chosen = std::getenv(variable);
-    return chosen != nullptr && *chosen != '\0' ? chosen : name;
-}
-
 // The kernel takes no argument of 128 KiB or more, which the graph of a merge of many files can be: it is
 // handed over as the standard input.
 void moveLongGraphToInput(CommandPlan& plan) {
@@ -46,13 +41,11 @@ void moveLongGraphToInput(CommandPlan& plan) {
     plan.input = std::exchange(option[1], "pipe:0");
 }
 
-constexpr const char* ffprobeVariable = "CORVANTA_FFPROBE";
-
 // A host that names a program of its own wants that one's answers.
 bool isProbingInProcess() {
-    const char* chosen = std::getenv(ffprobeVariable);
+    const bool isChosen = isFFprobeChosen();
     const std::lock_guard lock(settings().mutex);
-    return settings().probesInProcess && (chosen == nullptr || *chosen == '\0');
+    return settings().probesInProcess && !isChosen;
 }
 
 template <typename Value>
@@ -92,7 +85,7 @@ std::optional<std::string> Session::getFailure() const {
 std::shared_ptr<Session> FFmpegKit::executeAsync(const std::string& command, CompleteCallback onComplete,
                                                  LogCallback onLog, StatisticsCallback onStatistics) {
     CommandPlan plan;
-    plan.program = programFor("CORVANTA_FFMPEG", "ffmpeg");
+    plan.program = ffmpegProgram();
     plan.arguments = {"-nostdin", "-hide_banner"};
     plan.onComplete = std::move(onComplete);
     {
@@ -121,7 +114,7 @@ void FFmpegKit::cancel() { SessionRunner::shared().cancelAll(); }
 
 std::shared_ptr<Session> FFprobeKit::executeAsync(const std::string& command, CompleteCallback onComplete) {
     CommandPlan plan;
-    plan.program = programFor(ffprobeVariable, "ffprobe");
+    plan.program = ffprobeProgram();
     std::vector<std::string> words = splitCommand(command);
     if (auto file = fileOfPlainProbe(words); file && isProbingInProcess()) {
         plan.answer = [asked = *std::move(file)](const std::stop_token& stop) {

@@ -72,7 +72,8 @@ std::optional<VideoMergeData> mergeData(const LocalVideoRequest& localRequest) {
                           .height = data->height,
                           .framesRate = *rate,
                           .videoTracks = std::move(data->videoTracks),
-                          .audioTracks = std::move(data->audioTracks)};
+                          .audioTracks = std::move(data->audioTracks),
+                          .encoding = std::move(data->encoding)};
 }
 
 std::optional<VideoEncodingData> encodingData(const LocalVideoRequest& localRequest) {
@@ -86,7 +87,8 @@ std::optional<VideoEncodingData> encodingData(const LocalVideoRequest& localRequ
                              .height = data->height,
                              .videoTracks = std::move(data->videoTracks),
                              .audioTracks = std::move(data->audioTracks),
-                             .framesRate = *rate};
+                             .framesRate = *rate,
+                             .encoding = std::move(data->encoding)};
 }
 
 // A row whose parameters don't decode gives a request without operation data, listed like any other.

@@ -4,6 +4,7 @@
 #include <platform/URL.hpp>
 
 #include <memory>
+#include <string>
 
 namespace corvanta {
 
@@ -13,6 +14,8 @@ class CorvantaSdkVideoRequest;
 struct CorvantaSdkVideoRequestResult {
     /// The file that ffmpeg was told to write.
     URL videoURL;
+    /// ffmpeg's name of the encoder that made the picture; empty for a request that doesn't choose one.
+    std::string encoder = {};
 };
 
 /// Carries out requests of one type. Safe from any thread.

@@ -1,5 +1,7 @@
 #include <CorvantaSdkVideo/Commands/VideoOperationData.hpp>
 
+#include <CorvantaSdkVideo/Commands/Encoding/EncodingJSON.hpp>
+
 #include <nlohmann/json.hpp>
 
 #include <cmath>
@@ -72,6 +74,9 @@ json storedForm(const Serializable& data) {
     object["videoTracks"] = toJson(data.videoTracks);
     object["audioTracks"] = toJson(data.audioTracks);
     object["framesRate"] = data.framesRate;
+    if (data.encoding) {
+        object["encoding"] = toJson(*data.encoding);
+    }
     return object;
 }
 
@@ -142,6 +147,9 @@ void readStoredForm(const json& object, Serializable& data) {
     data.height = readOptionalNumber(object, "height");
     read(object.at("videoTracks"), data.videoTracks);
     read(object.at("audioTracks"), data.audioTracks);
+    if (const auto found = object.find("encoding"); found != object.end() && !found->is_null()) {
+        data.encoding = encodingFrom(*found);
+    }
 }
 
 void read(const json& object, VideoMergeData::SerializableMergeData& data) { readStoredForm(object, data); }
@@ -151,8 +159,12 @@ void read(const json& object, VideoEncodingData::SerializableEncodingData& data)
 
 template <typename Serializable, typename Data>
 Serializable serialized(const Data& data) {
-    return {data.width, data.height, data.videoTracks, data.audioTracks,
-            std::string(data.framesRate.rawValue())};
+    return {data.width,
+            data.height,
+            data.videoTracks,
+            data.audioTracks,
+            std::string(data.framesRate.rawValue()),
+            data.encoding};
 }
 
 } // namespace

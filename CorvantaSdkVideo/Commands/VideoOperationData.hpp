@@ -1,6 +1,7 @@
 #pragma once
 
 #include <CorvantaSdkVideo/Commands/CorvantaSdkVideoMergeTracks.hpp>
+#include <CorvantaSdkVideo/CorvantaSdkVideoEncoding.hpp>
 #include <CorvantaSdkVideo/CorvantaSdkVideoFrameRate.hpp>
 #include <platform/URL.hpp>
 
@@ -26,6 +27,7 @@ struct VideoMergeData {
         std::vector<CorvantaSdkVideoMergeAudioTrack> audioTracks;
         /// The raw value of a frame rate.
         std::string framesRate;
+        std::optional<CorvantaSdkVideoEncoding> encoding = {};
     };
 
     std::vector<URL> videos;
@@ -36,6 +38,7 @@ struct VideoMergeData {
     /// Empty: as many output tracks of the kind as the richest file has.
     std::vector<CorvantaSdkVideoMergeVideoTrack> videoTracks;
     std::vector<CorvantaSdkVideoMergeAudioTrack> audioTracks;
+    std::optional<CorvantaSdkVideoEncoding> encoding = {};
 
     SerializableMergeData serializable() const;
 
@@ -52,6 +55,7 @@ struct VideoEncodingData {
         std::vector<std::int64_t> audioTracks;
         /// The raw value of a frame rate.
         std::string framesRate;
+        std::optional<CorvantaSdkVideoEncoding> encoding = {};
     };
 
     URL inputFileURL;
@@ -63,6 +67,7 @@ struct VideoEncodingData {
     /// Stream indexes. Empty: every audio track of the file.
     std::vector<std::int64_t> audioTracks;
     CorvantaSdkVideoFrameRate framesRate = CorvantaSdkVideoFrameRate::thirtyFps;
+    std::optional<CorvantaSdkVideoEncoding> encoding = {};
 
     SerializableEncodingData serializable() const;
 };

@@ -116,6 +116,17 @@ EventMessage EventMessage::processRequestFailed(const std::exception& error) {
     return EventMessage(std::string("Process request failed. ") + error.what(), detailsOf(error));
 }
 
+EventMessage EventMessage::encoderFailed(std::string_view encoder, std::string_view next,
+                                         const std::exception& error) {
+    return EventMessage("Encoding with " + std::string(encoder) + " failed, going on with " +
+                            std::string(next),
+                        detailsOf(error));
+}
+
+EventMessage EventMessage::encoderChosen(const UUID& id, std::string_view encoder) {
+    return EventMessage("Request " + uuidString(id) + " was encoded with " + std::string(encoder));
+}
+
 EventMessage EventMessage::initVideoModule() { return EventMessage("Init video module"); }
 
 EventMessage EventMessage::openStoreFailed(const URL& storeURL, std::string_view reason) {

@@ -39,6 +39,9 @@ class EventMessage {
     static EventMessage insertRequestFailed(const std::exception& error);
     /// Prints the error's own text instead of its description.
     static EventMessage processRequestFailed(const std::exception& error);
+    static EventMessage encoderFailed(std::string_view encoder, std::string_view next,
+                                      const std::exception& error);
+    static EventMessage encoderChosen(const UUID& id, std::string_view encoder);
     static EventMessage initVideoModule();
     /// Prints the reason as it is given.
     static EventMessage openStoreFailed(const URL& storeURL, std::string_view reason);

@@ -1,4 +1,5 @@
 #include "Commands.hpp"
+#include "EncodingOptions.hpp"
 #include "FileArguments.hpp"
 #include "Inputs.hpp"
 #include "Output.hpp"
@@ -17,7 +18,8 @@ using namespace corvanta;
 namespace {
 
 struct CommonOptions {
-    CommonOptions(CLI::App& command, bool severalFiles) : arguments(command, severalFiles) {
+    CommonOptions(CLI::App& command, bool severalFiles)
+        : arguments(command, severalFiles), encoding(command) {
         command.add_option("--width", size.width, "Width of the picture in pixels, even, from 128 on");
         command.add_option(
             "--height", size.height,
@@ -30,6 +32,7 @@ struct CommonOptions {
     }
 
     FileArguments arguments;
+    EncodingOptions encoding;
     PictureSize size;
     std::string rate = "30";
     std::vector<std::string> videoTracks;
@@ -52,6 +55,7 @@ struct Job {
     std::vector<CorvantaSdkVideoFile> inputs;
     Output output;
     PictureSize size;
+    std::optional<CorvantaSdkVideoEncoding> encoding;
 };
 
 // Files are asked for what is in them only where the options need to know it.
@@ -61,13 +65,16 @@ Job prepared(Console& console, const CommonOptions& options, bool selectsTracks,
     requireSide("--width", options.size.width);
     requireSide("--height", options.size.height);
     const Files files = options.arguments.files();
-    Job job{inputFiles(files.inputs), outputFor(files, "mp4"), options.size};
+    Job job{inputFiles(files.inputs), outputFor(files, "mp4"), options.size, options.encoding.chosen()};
     requireReadable(job.inputs);
     const bool hasOneSide = options.size.width.has_value() != options.size.height.has_value();
-    if (selectsTracks || hasOneSide) {
+    if (selectsTracks || hasOneSide || job.encoding) {
         const Information information = runInterruptible(CorvantaSdkVideo->getVideosInformation(job.inputs));
         requireTracks(information);
-        if (!options.size.width || !options.size.height) {
+        if (job.encoding && !selectsTracks) {
+            requireEncodable(*job.encoding, information);
+        }
+        if ((selectsTracks || hasOneSide) && (!options.size.width || !options.size.height)) {
             requireSizes(information);
         }
         if (hasOneSide && !selectsTracks) {
@@ -85,6 +92,7 @@ void runBuilder(Console& console, Builder& builder, const Job& job, const Common
     builder.width = job.size.width;
     builder.height = job.size.height;
     builder.framesRate = *CorvantaSdkVideoFrameRate::fromRawValue(options.rate);
+    builder.encoding = job.encoding;
     runRequest(console, builder.build(), job.output.path);
 }
 

@@ -40,11 +40,13 @@ void runRequest(Console& console, const RequestPointer& request, const std::stri
     console.tellRequest(id);
     const std::vector<URL> inputs = inputsOf(*request);
     UnfinishedOutput unfinished(outputPath);
+    json about{{"id", id}};
+    std::string encoder;
     {
         const Progress progress(console, std::string(name(request->type)), totalMillis(inputs),
                                 inputs.size());
         try {
-            runInterruptible(request->process());
+            encoder = runInterruptible(request->process()).encoder;
         } catch (const CorvantaSdkVideoError& error) {
             // Another process may be writing what this one was refused to.
             if (!isFailureOfRun(error)) {
@@ -54,7 +56,11 @@ void runRequest(Console& console, const RequestPointer& request, const std::stri
         }
     }
     unfinished.keep();
-    console.printPath(outputPath, json{{"id", id}});
+    if (!encoder.empty()) {
+        about["encoder"] = encoder;
+        console.note("encoded with " + encoder);
+    }
+    console.printPath(outputPath, about);
 }
 
 json toJson(const CorvantaSdkVideoRequest& request) {

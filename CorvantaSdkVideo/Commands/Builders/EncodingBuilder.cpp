@@ -19,7 +19,8 @@ std::shared_ptr<CorvantaSdkVideoRequest> EncodingBuilder::build() const {
                                  .height = height,
                                  .videoTracks = videoTracks,
                                  .audioTracks = audioTracks,
-                                 .framesRate = framesRate};
+                                 .framesRate = framesRate,
+                                 .encoding = encoding};
     auto request = std::make_shared<CorvantaSdkVideoRequest>(
         id, CorvantaSdkVideoRequest::Type::encode, CorvantaSdkVideoRequest::Status::idle, output,
         std::chrono::system_clock::now(), std::chrono::system_clock::now(), data, std::nullopt, std::nullopt,

@@ -34,6 +34,9 @@ class EncodingBuilder {
     /// its kind.
     std::vector<CorvantaSdkVideoEncodeVideoEntry> videoTracks;
     std::vector<std::int64_t> audioTracks;
+    /// How picture and sound are encoded; absent: MPEG-4 Part 2 and AAC at ffmpeg's own rates. What is wrong
+    /// with it, or can't be done with these inputs, fails the request when it is processed.
+    std::optional<CorvantaSdkVideoEncoding> encoding;
 
     /// Makes the request and stores it as `idle`; an existing file at the output location is removed. Never
     /// throws: a request that could not be stored throws `operationNotFound` at `process()`.

@@ -20,7 +20,8 @@ std::shared_ptr<CorvantaSdkVideoRequest> MergeBuilder::build() const {
                               .height = height,
                               .framesRate = framesRate,
                               .videoTracks = videoTracks,
-                              .audioTracks = audioTracks};
+                              .audioTracks = audioTracks,
+                              .encoding = encoding};
     auto request = std::make_shared<CorvantaSdkVideoRequest>(
         id, CorvantaSdkVideoRequest::Type::merge, CorvantaSdkVideoRequest::Status::idle, output,
         std::chrono::system_clock::now(), std::chrono::system_clock::now(), std::nullopt, data, std::nullopt,

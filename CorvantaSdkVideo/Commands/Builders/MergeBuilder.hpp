@@ -28,17 +28,21 @@ class MergeBuilder {
     /// other follows the largest inputs' sides, by integer division; with none the output is as large as the
     /// largest. An odd side is rounded down by ffmpeg, or fails where the picture fills it.
     ///
-    /// The inputs' sides are the stored ones, swapped for a rotation of 90 or 270 only: a phone's upright clip
-    /// states -90, and becomes small in a wide frame unless both sides are given.
+    /// The inputs' sides are the stored ones, swapped for a rotation of 90 or 270 only: a phone's upright
+    /// clip states -90, and becomes small in a wide frame unless both sides are given.
     ///
-    /// Beyond 64-bit arithmetic, `process()` ends the host: with a side that is no number or no 64-bit integer,
-    /// with one whose product with the inputs' sides is none, and with one side alone for pictures of 0x0.
+    /// Beyond 64-bit arithmetic, `process()` ends the host: with a side that is no number or no 64-bit
+    /// integer, with one whose product with the inputs' sides is none, and with one side alone for pictures
+    /// of 0x0.
     std::optional<double> width;
     std::optional<double> height;
     CorvantaSdkVideoFrameRate framesRate = CorvantaSdkVideoFrameRate::thirtyFps;
     /// Empty: as many output tracks as the richest input has.
     std::vector<CorvantaSdkVideoMergeVideoTrack> videoTracks;
     std::vector<CorvantaSdkVideoMergeAudioTrack> audioTracks;
+    /// How picture and sound are encoded; absent: MPEG-4 Part 2 and AAC at ffmpeg's own rates. What is wrong
+    /// with it, or can't be done with these inputs, fails the request when it is processed.
+    std::optional<CorvantaSdkVideoEncoding> encoding;
 
     /// Makes the request and stores it as `idle`; an existing file at the output location is removed. Never
     /// throws: a request that could not be stored throws `operationNotFound` at `process()`.

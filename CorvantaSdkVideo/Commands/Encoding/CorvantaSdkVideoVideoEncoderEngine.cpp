@@ -1,5 +1,6 @@
 #include <CorvantaSdkVideo/Commands/Encoding/CorvantaSdkVideoVideoEncoderEngine.hpp>
 
+#include <CorvantaSdkVideo/Commands/Encoding/EncodingForms.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
@@ -55,30 +56,38 @@ CorvantaSdkVideoVideoEncoderEngine::carryOut(std::shared_ptr<CorvantaSdkVideoReq
     videoValidator_.validateFileAt(data.inputFileURL);
     videoValidator_.validateResolution(data.width);
     videoValidator_.validateResolution(data.height);
+    std::string encoder;
     try {
-        co_await encode(request->id, data, *outputURL);
+        encoder = co_await encode(request->id, data, *outputURL);
     } catch (const std::exception& error) {
         Logger::logError(Event::processRequest, EventMessage::processRequestFailed(error));
         markFailed(request->id, error);
         throw Error(Error::encodingFailed, detailsOf(error));
     }
     markComplete(request->id);
-    co_return CorvantaSdkVideoRequestResult{*outputURL};
+    co_return CorvantaSdkVideoRequestResult{*outputURL, encoder};
 }
 
-Task<> CorvantaSdkVideoVideoEncoderEngine::encode(UUID id, VideoEncodingData data, URL outputURL) {
+Task<std::string> CorvantaSdkVideoVideoEncoderEngine::encode(UUID id, VideoEncodingData data, URL outputURL) {
     std::vector<CorvantaSdkVideoInformation> information;
     information.push_back(co_await commandExecutor().getMediaInformation(data.inputFileURL));
     CommandPaths paths;
-    const auto inputs = paths.inputs(std::move(information), PathForm::quotedURL);
+    auto inputs = paths.inputs(std::move(information), PathForm::quotedURL);
     const URL output = paths.output(outputURL, PathForm::quoted);
-    FFMPEGCommand command =
-        commandGenerator_.generateCommand(inputs, data.width, data.height, mergeTracks(data.videoTracks),
-                                          mergeTracks(data.audioTracks), data.framesRate, output.path());
+    MergeCommand command{.generator = commandGenerator_,
+                         .inputs = std::move(inputs),
+                         .width = data.width,
+                         .height = data.height,
+                         .videoTracks = mergeTracks(data.videoTracks),
+                         .audioTracks = mergeTracks(data.audioTracks),
+                         .framesRate = data.framesRate,
+                         .outputPath = output.path()};
+    std::vector<EncoderRun> runs = co_await encoderRuns(std::move(command), data.encoding);
     markProcessing(id);
     CorvantaSdkVideoUtils::deleteFileIfExists(outputURL);
-    co_await run(id, std::move(command.script));
+    std::string encoder = co_await runFirstWorking(id, std::move(runs));
     paths.finish();
+    co_return encoder;
 }
 
 } // namespace corvanta

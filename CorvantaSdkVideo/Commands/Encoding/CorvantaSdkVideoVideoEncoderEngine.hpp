@@ -23,7 +23,8 @@ class CorvantaSdkVideoVideoEncoderEngine : public StoredRequestEngine {
     /// `encodingFailed`. An existing output is removed before the run.
     Task<CorvantaSdkVideoRequestResult> carryOut(std::shared_ptr<CorvantaSdkVideoRequest> request) override;
 
-    Task<> encode(UUID id, VideoEncodingData data, URL outputURL);
+    /// Gives the encoder's name.
+    Task<std::string> encode(UUID id, VideoEncodingData data, URL outputURL);
 
     CorvantaSdkVideoFileValidator videoValidator_;
     FFMPEGMergeCommandGenerator commandGenerator_;

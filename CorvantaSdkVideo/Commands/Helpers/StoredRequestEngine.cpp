@@ -1,12 +1,16 @@
 #include <CorvantaSdkVideo/Commands/Helpers/StoredRequestEngine.hpp>
 
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
+#include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <platform/Cancellation.hpp>
 #include <platform/ConsoleSink.hpp>
+#include <platform/Errors.hpp>
+#include <platform/FFmpegKit.hpp>
 
 #include <atomic>
 #include <charconv>
 #include <exception>
+#include <iterator>
 #include <utility>
 
 namespace corvanta {
@@ -121,6 +125,30 @@ Task<> StoredRequestEngine::run(UUID id, std::string script) {
         }
     };
     co_await commandExecutor_->executeFFMPEGCommand(std::move(script), std::move(onUpdateSessionId));
+}
+
+Task<std::string> StoredRequestEngine::runFirstWorking(UUID id, std::vector<EncoderRun> runs) {
+    for (auto tried = runs.begin();; ++tried) {
+        const auto next = std::next(tried);
+        try {
+            co_await run(id, std::move(tried->script));
+            if (!tried->encoder.empty()) {
+                Logger::addLog(Event::processRequest, EventMessage::encoderChosen(id, tried->encoder));
+            }
+            co_return tried->encoder;
+        } catch (const PlatformError& error) {
+            if (next == runs.end() || error.code() == ReturnCode::cancelled) {
+                throw;
+            }
+            Logger::addLog(Event::processRequest,
+                           EventMessage::encoderFailed(tried->encoder, next->encoder, error));
+            // From here on a cancel finds no session that has ended; one that came before has left its mark.
+            updateRequestRequest(id, {Field::processId(std::nullopt)});
+            if (isRequestCancelled(id)) {
+                throw;
+            }
+        }
+    }
 }
 
 void StoredRequestEngine::markProcessing(const UUID& id) const {

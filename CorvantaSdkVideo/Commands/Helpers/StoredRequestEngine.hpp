@@ -1,6 +1,7 @@
 #pragma once
 
 #include <CorvantaSdkVideo/Commands/CorvantaSdkVideoRequest.hpp>
+#include <CorvantaSdkVideo/Commands/Encoding/EncoderRun.hpp>
 #include <CorvantaSdkVideo/CredentialsManager/CorvantaCredentialsManager.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/FFMPEGCommand.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/FFMPEGCommandExecutor.hpp>
@@ -40,6 +41,10 @@ class StoredRequestEngine : public CorvantaSdkVideoRequestEngine,
 
     /// Runs a script; the session's id goes to the row as soon as there is one. Throws the executor's error.
     Task<> run(UUID id, std::string script);
+
+    /// Runs the first of them; where that fails without having been stopped, the next one. Gives the encoder
+    /// of the one that succeeded, throws the last one's error.
+    Task<std::string> runFirstWorking(UUID id, std::vector<EncoderRun> runs);
 
     void markProcessing(const UUID& id) const;
     void markComplete(const UUID& id) const;

@@ -1,5 +1,6 @@
 #include <CorvantaSdkVideo/Commands/Merge/CorvantaSdkVideoMergeEngine.hpp>
 
+#include <CorvantaSdkVideo/Commands/Encoding/EncodingForms.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
@@ -45,28 +46,37 @@ CorvantaSdkVideoMergeEngine::carryOut(std::shared_ptr<CorvantaSdkVideoRequest> r
     if (!outputURL) {
         throw Error(Error::unableToProcessOutput, "the output location is no URL");
     }
+    std::string encoder;
     try {
-        co_await merge(request->id, data, std::move(information), *outputURL);
+        encoder = co_await merge(request->id, data, std::move(information), *outputURL);
     } catch (const std::exception& error) {
         Logger::logError(Event::mergeRequest, EventMessage::mergeRequestFailed(error));
         markFailed(request->id, error);
         throw Error(Error::mergeFailed, detailsOf(error));
     }
     markComplete(request->id);
-    co_return CorvantaSdkVideoRequestResult{*outputURL};
+    co_return CorvantaSdkVideoRequestResult{*outputURL, encoder};
 }
 
-Task<> CorvantaSdkVideoMergeEngine::merge(UUID id, VideoMergeData data,
-                                          std::vector<CorvantaSdkVideoInformation> information,
-                                          URL outputURL) {
+Task<std::string> CorvantaSdkVideoMergeEngine::merge(UUID id, VideoMergeData data,
+                                                     std::vector<CorvantaSdkVideoInformation> information,
+                                                     URL outputURL) {
     CommandPaths paths;
-    const auto inputs = paths.inputs(std::move(information), PathForm::quotedURL);
+    auto inputs = paths.inputs(std::move(information), PathForm::quotedURL);
     const URL output = paths.output(outputURL, PathForm::quoted);
-    const FFMPEGCommand command = commandGenerator_.generateCommand(
-        inputs, data.width, data.height, data.videoTracks, data.audioTracks, data.framesRate, output.path());
+    MergeCommand command{.generator = commandGenerator_,
+                         .inputs = std::move(inputs),
+                         .width = data.width,
+                         .height = data.height,
+                         .videoTracks = data.videoTracks,
+                         .audioTracks = data.audioTracks,
+                         .framesRate = data.framesRate,
+                         .outputPath = output.path()};
+    std::vector<EncoderRun> runs = co_await encoderRuns(std::move(command), data.encoding);
     markProcessing(id);
-    co_await run(id, command.script);
+    std::string encoder = co_await runFirstWorking(id, std::move(runs));
     paths.finish();
+    co_return encoder;
 }
 
 } // namespace corvanta

@@ -26,8 +26,9 @@ class CorvantaSdkVideoMergeEngine : public StoredRequestEngine {
     /// Failures before the run leave the row as it was; a failed run is logged and throws `mergeFailed`.
     Task<CorvantaSdkVideoRequestResult> carryOut(std::shared_ptr<CorvantaSdkVideoRequest> request) override;
 
-    Task<> merge(UUID id, VideoMergeData data, std::vector<CorvantaSdkVideoInformation> information,
-                 URL outputURL);
+    /// Gives the encoder's name.
+    Task<std::string> merge(UUID id, VideoMergeData data,
+                            std::vector<CorvantaSdkVideoInformation> information, URL outputURL);
 
     FFMPEGMergeCommandGenerator commandGenerator_;
     VideosInformationGenerator videosInformationGenerator_;

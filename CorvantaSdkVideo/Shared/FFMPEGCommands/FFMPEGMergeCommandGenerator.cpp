@@ -13,8 +13,6 @@ namespace corvanta {
 
 namespace {
 
-constexpr std::string_view soundFormat = "aformat=sample_fmts=fltp:sample_rates=44100:channel_layouts=stereo";
-
 // The graph addresses a stream by its position among the streams of its kind, not by its index in the file.
 template <typename Stream>
 std::ptrdiff_t position(const Stream& stream, const std::vector<Stream>& streams) {
@@ -75,7 +73,8 @@ void addSegments(const std::vector<Item>& items, AddStream addStream, AddFiller 
 
 class FilterGraph {
   public:
-    explicit FilterGraph(const std::vector<CorvantaSdkVideoInformation>& videosInfo) {
+    FilterGraph(const std::vector<CorvantaSdkVideoInformation>& videosInfo, const MergeForm& form)
+        : form_(form) {
         for (std::size_t input = 0; input < videosInfo.size(); ++input) {
             inputs_.try_emplace(videosInfo[input].path, std::to_string(input));
         }
@@ -97,12 +96,15 @@ class FilterGraph {
             [&](const std::string& duration) {
                 addFilter("color=c=black:s=" + width + "x" + height + ":d=" + duration, segments.next());
             });
-        return addFilter(segments.concat("v=1:a=0"), name);
+        const std::string last = number < form_.pictureFilters.size() ? form_.pictureFilters[number] : "";
+        return addFilter(segments.concat("v=1:a=0") + last, name);
     }
 
     std::string add(const AudioTrack& track, std::size_t number) {
         const std::string name = "a_track" + std::to_string(number);
-        const std::string format(soundFormat);
+        const std::string rate = std::to_string(form_.sampleRate);
+        const std::string format =
+            "aformat=sample_fmts=fltp:sample_rates=" + rate + ":channel_layouts=" + form_.channelLayout;
         Segments segments(name + "_audio");
         addSegments(
             track.tracks,
@@ -113,7 +115,8 @@ class FilterGraph {
             },
             [&](const std::string& duration) {
                 const std::string segment = segments.next();
-                const std::string rest = addFilter("aevalsrc=0:s=44100:d=" + duration, segment + "_rest");
+                const std::string rest =
+                    addFilter("aevalsrc=0:s=" + rate + ":d=" + duration, segment + "_rest");
                 addFilter(rest + format, segment);
             });
         return addFilter(segments.concat("v=0:a=1"), name);
@@ -131,6 +134,7 @@ class FilterGraph {
     // From a path to the number of its first input: a file listed twice is read from there both times.
     std::unordered_map<std::string_view, std::string> inputs_;
     std::string text_;
+    const MergeForm& form_;
 };
 
 } // namespace
@@ -139,27 +143,28 @@ FFMPEGCommand FFMPEGMergeCommandGenerator::generateCommand(
     const std::vector<CorvantaSdkVideoInformation>& videosInfo, std::optional<double> width,
     std::optional<double> height, const std::vector<CorvantaSdkVideoMergeVideoTrack>& videoTracks,
     const std::vector<CorvantaSdkVideoMergeAudioTrack>& audioTracks, CorvantaSdkVideoFrameRate framesRate,
-    const std::string& outputPath) const {
+    const std::string& outputPath, const MergeForm& form) const {
     const std::vector<VideoTrack> videos = convertVideoInput(videosInfo, videoTracks, width, height);
     const std::vector<AudioTrack> audios = convertAudioInput(videosInfo, audioTracks);
     if (videos.empty() && audios.empty()) {
         return {};
     }
-    FilterGraph graph(videosInfo);
+    FilterGraph graph(videosInfo, form);
     std::string maps;
     for (std::size_t number = 0; number < videos.size(); ++number) {
-        maps += "-map \"" + graph.add(videos[number], number) + "\" -c:v mpeg4 -pix_fmt yuv420p -r " +
+        maps += "-map \"" + graph.add(videos[number], number) + "\" " + form.pictureOptions + " -r " +
                 std::string(framesRate.rawValue()) + " ";
     }
     for (std::size_t number = 0; number < audios.size(); ++number) {
-        maps += "-map \"" + graph.add(audios[number], number) + "\" -c:a aac -ar 44100 -ac 2 ";
+        maps += "-map \"" + graph.add(audios[number], number) + "\" -c:a aac -ar " +
+                std::to_string(form.sampleRate) + " -ac " + std::to_string(form.channels) + " ";
     }
-    std::string script = "-y ";
+    std::string script = "-y " + form.globalOptions;
     for (const CorvantaSdkVideoInformation& info : videosInfo) {
         script += "-i " + ffmpegFormatted(info.path) + " ";
     }
-    script +=
-        "-filter_complex \"" + graph.text() + "\" " + maps + "-preset medium  " + ffmpegFormatted(outputPath);
+    script += "-filter_complex \"" + graph.text() + "\" " + maps + form.outputOptions + " " +
+              ffmpegFormatted(outputPath);
     return {std::move(script), {}};
 }
 

@@ -3,6 +3,7 @@
 #include <CorvantaSdkVideo/Commands/CorvantaSdkVideoMergeTracks.hpp>
 #include <CorvantaSdkVideo/CorvantaSdkVideoFrameRate.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/FFMPEGCommand.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/MergeForm.hpp>
 #include <CorvantaSdkVideo/Shared/Models/CorvantaSdkVideoInformation.hpp>
 
 #include <optional>
@@ -12,7 +13,7 @@
 namespace corvanta {
 
 /// Writes the one command that joins files of any kind through a filter graph: pictures become MPEG-4, sound
-/// becomes AAC, 44100 Hz, stereo. Stateless, safe from any thread.
+/// becomes AAC, 44100 Hz, stereo, unless another form is given. Stateless, safe from any thread.
 ///
 /// Every file fills its container's duration in every output track: what a stream is shorter than its
 /// container, or lacks altogether, is filled with black or silence behind it, so that the output tracks stay
@@ -35,7 +36,8 @@ class FFMPEGMergeCommandGenerator {
                                   std::optional<double> width, std::optional<double> height,
                                   const std::vector<CorvantaSdkVideoMergeVideoTrack>& videoTracks,
                                   const std::vector<CorvantaSdkVideoMergeAudioTrack>& audioTracks,
-                                  CorvantaSdkVideoFrameRate framesRate, const std::string& outputPath) const;
+                                  CorvantaSdkVideoFrameRate framesRate, const std::string& outputPath,
+                                  const MergeForm& form = {}) const;
 };
 
 } // namespace corvanta

@@ -111,6 +111,14 @@ std::vector<std::int64_t> coverIndexes(const nlohmann::json& streams) {
     return indexes;
 }
 
+CorvantaSdkVideoPictureColor color(const nlohmann::json& stream) {
+    const auto told = [&stream](const char* key) {
+        std::string value = text(stream, key);
+        return value == "unknown" ? "" : value;
+    };
+    return {told("color_range"), told("color_primaries"), told("color_transfer"), told("color_space")};
+}
+
 std::vector<CorvantaSdkVideoTrackInformation> mapVideoTracks(const nlohmann::json& streams) {
     std::vector<CorvantaSdkVideoTrackInformation> tracks;
     for (const nlohmann::json& stream : streams) {
@@ -120,6 +128,7 @@ std::vector<CorvantaSdkVideoTrackInformation> mapVideoTracks(const nlohmann::jso
                                 text(stream, "pix_fmt"), toInteger(text(stream, "bit_rate", "0")),
                                 text(stream, "r_frame_rate"), rotation(stream),
                                 millisecondsFromSeconds(duration(stream)));
+            tracks.back().color = color(stream);
         }
     }
     return tracks;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <CorvantaSdkVideo/CorvantaSdkVideoFrameRate.hpp>
+#include <CorvantaSdkVideo/Shared/Models/CorvantaSdkVideoPictureColor.hpp>
 #include <CorvantaSdkVideo/Shared/Models/VideoSize.hpp>
 #include <platform/URL.hpp>
 
@@ -40,8 +41,10 @@ struct CorvantaSdkVideoTrackInformation {
     std::int64_t rotation;
     /// 0 when the stream states none, as in Matroska files.
     std::int64_t durationMillis;
+    CorvantaSdkVideoPictureColor color = {};
 
-    /// Compares what matters for joining by stream copy: not `index`, `bitRate` and `durationMillis`.
+    /// Compares what matters for joining by stream copy: not `index`, `bitRate`, `durationMillis` and
+    /// `color`.
     friend bool operator==(const CorvantaSdkVideoTrackInformation& left,
                            const CorvantaSdkVideoTrackInformation& right);
 };

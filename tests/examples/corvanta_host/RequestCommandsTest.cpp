@@ -74,6 +74,10 @@ TEST_F(RequestCommandsTest, TellResultsAndFailures) {
              {{"encode", wide_, "-o", file("one side"), "--height", "130"},
               file("one side.mp4\n"),
               told + "$"},
+             {{"encode", clip_, "-o", file("chosen"), "--quality", "low", "--encoder", "libx264",
+               "--audio-bitrate", "64k", "--audio-channels", "1"},
+              file("chosen.mp4\n"),
+              told + "encoded with libx264\n$"},
              {{"tracks", "remove-audio", clip_, file("silent.mp4")}, file("silent.mp4\n")},
              {{"tracks", "remove-video", clip_, "-o", file("sound.mp4"), "--json"},
               "{\n  \"path\": \"" + file("sound.mp4") + "\"\n}\n"},
@@ -94,6 +98,8 @@ TEST_F(RequestCommandsTest, TellResultsAndFailures) {
         "differentVideoTracks: the width of video track 0 is 320 in .* and 160 in .*\n$";
     for (const auto& [arguments, errors] : std::vector<std::pair<std::vector<std::string>, std::string>>{
              {{"can-concat", clip_}, host + "notEnoughVideos: 1 given, 2 are needed\n$"},
+             {{"encode", clip_, "-o", file("e"), "--force", "--audio-rate", "96000"},
+              host + "the sound can't have 96000 Hz: the inputs have 48000 at most\n$"},
              {{"can-concat", "--logged-out", clip_, clip_}, host + "userNotAuthenticated: .*\n$"},
              {{"can-concat", clip_, wide_}, host + different},
              {{"concat", "-o", file("x"), clip_, wide_}, toldHost + different},
@@ -114,10 +120,12 @@ TEST_F(RequestCommandsTest, TellResultsAndFailures) {
     EXPECT_EQ(probed(file("t.mp4")).videos[0].width, 160);
     EXPECT_EQ(probed(file("e.mp4")).videos[0].height, 128);
     EXPECT_EQ(probed(file("one side.mp4")).videos[0].width, 346);
+    EXPECT_EQ(probed(file("chosen.mp4")).videos[0].codec, "h264");
+    EXPECT_EQ(probed(file("chosen.mp4")).audios[0].channels, 1);
     EXPECT_EQ(probed(file("two.mp4")).videos.size(), 2U);
     EXPECT_EQ(probed(file("two sounds.mp4")).audios.size(), 2U);
     EXPECT_FALSE(std::filesystem::exists(file("x.mp4")));
-    EXPECT_EQ(requests("complete").size(), 7U);
+    EXPECT_EQ(requests("complete").size(), 8U);
     EXPECT_EQ(requests("idle").size(), 1U);
 }
 
