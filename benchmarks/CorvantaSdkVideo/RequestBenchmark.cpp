@@ -123,8 +123,7 @@ void encodeWithAChosenEncoder(benchmark::State& state) {
                                             .audioBitRate = 192'000,
                                             .faststart = true,
                                             .encoders = {"libx264"}};
-    const MergeCommand command{.generator = {},
-                               .inputs = {test::probed(path)},
+    const MergeCommand command{.inputs = {test::probed(path)},
                                .outputPath = place.directory.file("bare.mp4")};
     const std::string script = encoderRuns(command, encoding, {"libx264"}).front().script;
     compare(

@@ -15,14 +15,14 @@ namespace corvanta {
 
 /// What the command of a merge is made from.
 struct MergeCommand {
-    FFMPEGMergeCommandGenerator generator;
-    std::vector<CorvantaSdkVideoInformation> inputs;
-    std::optional<double> width;
-    std::optional<double> height;
-    std::vector<CorvantaSdkVideoMergeVideoTrack> videoTracks;
-    std::vector<CorvantaSdkVideoMergeAudioTrack> audioTracks;
+    FFMPEGMergeCommandGenerator generator = {};
+    std::vector<CorvantaSdkVideoInformation> inputs = {};
+    std::optional<double> width = {};
+    std::optional<double> height = {};
+    std::vector<CorvantaSdkVideoMergeVideoTrack> videoTracks = {};
+    std::vector<CorvantaSdkVideoMergeAudioTrack> audioTracks = {};
     CorvantaSdkVideoFrameRate framesRate = CorvantaSdkVideoFrameRate::thirtyFps;
-    std::string outputPath;
+    std::string outputPath = {};
 
     std::string script(const MergeForm& form) const;
 };

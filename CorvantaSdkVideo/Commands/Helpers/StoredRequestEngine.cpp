@@ -140,13 +140,13 @@ Task<std::string> StoredRequestEngine::runFirstWorking(UUID id, std::vector<Enco
             if (next == runs.end() || error.code() == ReturnCode::cancelled) {
                 throw;
             }
-            Logger::addLog(Event::processRequest,
-                           EventMessage::encoderFailed(tried->encoder, next->encoder, error));
             // From here on a cancel finds no session that has ended; one that came before has left its mark.
             updateRequestRequest(id, {Field::processId(std::nullopt)});
             if (isRequestCancelled(id)) {
                 throw;
             }
+            Logger::addLog(Event::processRequest,
+                           EventMessage::encoderFailed(tried->encoder, next->encoder, error));
         }
     }
 }

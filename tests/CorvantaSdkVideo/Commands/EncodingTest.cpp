@@ -19,7 +19,7 @@ using testing::HasSubstr;
 const EncoderNames softwareAlone = {"mpeg4", "libx264", "libx265", "libaom-av1"};
 
 MergeCommand commandOf(std::vector<CorvantaSdkVideoInformation> inputs) {
-    return {.generator = {}, .inputs = std::move(inputs), .outputPath = "out.mp4"};
+    return {.inputs = std::move(inputs), .outputPath = "out.mp4"};
 }
 
 CorvantaSdkVideoInformation coloured(const std::string& name, const std::string& pixelFormat = "yuv420p10le",
