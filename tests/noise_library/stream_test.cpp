@@ -100,6 +100,25 @@ TEST(Streams, ExtremesAreClippedAndValuesThatAreNoNumbersDontStay) {
         }
 }
 
+TEST(Streams, ACompressionThatDoesntFitTheModelCountsAsTheDefault) {
+    LibraryScope const library;
+    std::vector<float> const speech = makeSpeech(16000, 0.5);
+    for (std::string const version : {"0_0_4", "0_0_5", "0_0_6"}) {
+        SCOPED_TRACE(version);
+        std::string const dotted = {version[0], '.', version[2], '.', version[4]};
+        ASSERT_EQ(library.setModel(version, makeModel(dotted.c_str())), 0);
+        std::string const wrong = version + " wrong";
+        ASSERT_EQ(
+            library.setModel(wrong, makeModel(dotted.c_str()), "NIMBA_COMPRESS_RATE_v" + version + " 7\n"),
+            0);
+        testing::internal::CaptureStdout();
+        Stream fallen(16000, 10, wrong.c_str());
+        EXPECT_EQ(testing::internal::GetCapturedStdout(),
+                  "WARNING OF COMPRESS_RATE VALUE. IT MUST FIT THE MODEL \n DEFAULT VALUE 2\n");
+        EXPECT_EQ(fallen.cleanAll(speech), Stream(16000, 10, version.c_str()).cleanAll(speech));
+    }
+}
+
 TEST(Streams, StrengthGoesEvenlyFromTheInputToAllOfTheCleaning) {
     constexpr float nan = std::numeric_limits<float>::quiet_NaN();
     LibraryScope const library;

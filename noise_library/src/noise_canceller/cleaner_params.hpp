@@ -18,6 +18,9 @@ struct CleanerParams : ModelParams {
                                                        settings.compressRate);
     }
 
+    /// Counts a compression that the model's sizes don't allow as the default, if they allow that.
+    void fitCompressRate();
+
     Settings settings;
     float logFloor = 0.0f; ///< added to energies before their logarithm
     WindowPtr analysisWindowPtr;

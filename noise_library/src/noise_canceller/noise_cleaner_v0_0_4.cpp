@@ -10,6 +10,7 @@ CleanerParams readParams(WEIGHTS::Model& model, std::size_t inputFrameDuration) 
     params.settings.readRescale(
         reader, reader.flagStoredAs("BRELLIN_NIMBA_ENABLE_RESCALE_v0_0_4", "ENABLE_RESCALE", true));
     params.settings.readCompressRate(reader);
+    params.fitCompressRate();
     shareVorbisWindow(params, model);
     return params;
 }

@@ -9,6 +9,7 @@ CleanerParams readParams(WEIGHTS::Model& model, std::size_t inputFrameDuration) 
     params.settings.readGated(reader);
     // This key alone kept the older prefix.
     params.settings.readCompressRate(SettingReader(model, "NIMBA_", "_v0_0_5"));
+    params.fitCompressRate();
     params.settings.backgroundSpeaker.read(reader);
     params.logFloor = 1000.0f;
     shareVorbisWindow(params, model);

@@ -10,6 +10,7 @@ CleanerParams readParams(WEIGHTS::Model& model, std::size_t inputFrameDuration) 
     SettingReader const reader(model, "NIMBA_", "_v0_0_6");
     params.settings.readGated(reader);
     params.settings.readCompressRate(reader);
+    params.fitCompressRate();
     params.settings.backgroundSpeaker.read(reader);
     params.logFloor = model.first->getReference<float>("LpsEps");
     shareVorbisWindow(params, model);

@@ -10,6 +10,7 @@ CleanerParams readParams(WEIGHTS::Model& model, std::size_t inputFrameDuration) 
     SettingReader const reader(model, "NIMBA_", "_v0_0_5");
     params.settings.readGated(reader);
     params.settings.readCompressRate(reader);
+    params.fitCompressRate();
     params.logFloor = 1000.0f;
     shareVorbisWindow(params, model);
     return params;

@@ -97,7 +97,8 @@ void Settings::readRescale(SettingReader const& reader, bool enabled) {
 
 void Settings::readCompressRate(SettingReader const& reader) {
     // Beyond the upper bound no spectrum could be divided, and sizes could not be computed.
-    compressRate = static_cast<std::size_t>(std::clamp(reader.whole("COMPRESS_RATE", 2), 0, 30));
+    compressRate =
+        static_cast<std::size_t>(std::clamp(reader.whole("COMPRESS_RATE", defaultCompressRate), 0, 30));
 }
 
 void BackgroundSpeakerSettings::read(SettingReader const& reader) {

@@ -43,6 +43,7 @@ struct Settings {
     float rescaleRefAmpl = 2000.0f;
     float rescaleRefEn = 100.0f;
     // Band compression; 0 leaves every bin alone
+    static constexpr int defaultCompressRate = 2;
     std::size_t compressRate = 0;
     BackgroundSpeakerSettings backgroundSpeaker;
 
