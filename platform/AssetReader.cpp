@@ -2,6 +2,7 @@
 
 #include <platform/Errors.hpp>
 #include <platform/MediaOpening.hpp>
+#include <platform/MediaTracks.hpp>
 
 #include <algorithm>
 #include <array>
@@ -13,7 +14,6 @@
 extern "C" {
 #include <libavformat/avformat.h>
 #include <libavutil/dict.h>
-#include <libavutil/intreadwrite.h>
 }
 
 namespace corvanta {
@@ -24,31 +24,19 @@ struct FreePacket {
     void operator()(AVPacket* packet) const { av_packet_free(&packet); }
 };
 
-bool isCover(const AVStream& stream) { return (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0; }
-
-const AVStream* chosenSound(const AVFormatContext& format) {
-    const auto rank = [](const AVStream& track) {
-        const bool isDefault = (track.disposition & AV_DISPOSITION_DEFAULT) != 0;
-        return std::pair(isDefault, track.codecpar->ch_layout.nb_channels);
-    };
-    const AVStream* best = nullptr;
-    for (const AVStream* track : std::span(format.streams, format.nb_streams)) {
-        if (track->codecpar->codec_type == AVMEDIA_TYPE_AUDIO &&
-            (best == nullptr || rank(*track) > rank(*best))) {
-            best = track;
+// AVI, and what comes from it, states when a picture is decoded alone.
+bool hasTimes(OpenMedia& media, int track) {
+    constexpr int enough = 64;
+    const std::unique_ptr<AVPacket, FreePacket> packet(av_packet_alloc());
+    for (int seen = 0; packet && seen < enough && media.read(*packet); av_packet_unref(packet.get())) {
+        if (packet->stream_index == track) {
+            if (packet->pts == AV_NOPTS_VALUE) {
+                return false;
+            }
+            ++seen;
         }
     }
-    return best;
-}
-
-// A codec's run-in, which a decoder drops.
-double skippedSeconds(const AVPacket& packet, const AVStream& track) {
-    std::size_t size = 0;
-    const std::uint8_t* data = av_packet_get_side_data(&packet, AV_PKT_DATA_SKIP_SAMPLES, &size);
-    if (data == nullptr || size < sizeof(std::uint32_t) || track.codecpar->sample_rate <= 0) {
-        return 0;
-    }
-    return static_cast<double>(AV_RL32(data)) / track.codecpar->sample_rate;
+    return true;
 }
 
 } // namespace
@@ -133,6 +121,7 @@ std::optional<VideoTrackFormat> AssetReader::firstVideoTrackFormat() {
     format.codec = avcodec_get_name(track->codecpar->codec_id);
     format.baseRate = {track->r_frame_rate.num, track->r_frame_rate.den};
     format.averageRate = {track->avg_frame_rate.num, track->avg_frame_rate.den};
+    format.hasTimes = hasTimes(context_->media, track->index);
     return format;
 }
 
@@ -165,24 +154,6 @@ bool AssetReader::hasApplicationTags() const {
         }
     }
     return false;
-}
-
-std::optional<double> AssetReader::soundStart() {
-    context_->media.analyse();
-    const AVFormatContext& format = context_->format();
-    const AVStream* const track = chosenSound(format);
-    if (track == nullptr || format.start_time == AV_NOPTS_VALUE) {
-        return std::nullopt;
-    }
-    const std::unique_ptr<AVPacket, FreePacket> packet(av_packet_alloc());
-    while (packet && context_->media.read(*packet)) {
-        if (packet->stream_index == track->index && packet->pts != AV_NOPTS_VALUE) {
-            return static_cast<double>(packet->pts) * av_q2d(track->time_base) +
-                   skippedSeconds(*packet, *track) - static_cast<double>(format.start_time) / AV_TIME_BASE;
-        }
-        av_packet_unref(packet.get());
-    }
-    return std::nullopt;
 }
 
 } // namespace corvanta

@@ -37,6 +37,8 @@ struct VideoTrackFormat {
     };
     Fraction baseRate;
     Fraction averageRate;
+    /// Whether its pictures state when they are shown, as far as its beginning tells.
+    bool hasTimes = true;
 
   private:
     static bool isRate(Fraction rate, int framesPerSecond) {
@@ -67,7 +69,7 @@ class AssetReader {
     /// a track.
     std::optional<AffineTransform> firstVideoTrackTransform();
 
-    /// Nothing without a video track. Throws PlatformError if the tracks can't be read.
+    /// Nothing without a video track. Reads on in the file. Throws PlatformError if the tracks can't be read.
     std::optional<VideoTrackFormat> firstVideoTrackFormat();
 
     /// Throws PlatformError if the tracks can't be read.
@@ -77,10 +79,6 @@ class AssetReader {
     /// default track with the most channels. Nothing without sound. Throws PlatformError if the tracks can't
     /// be read.
     std::optional<int> soundTrack();
-
-    /// How many seconds after the file's start the sound of `soundTrack` begins. Nothing without sound. Reads
-    /// on in the file; throws PlatformError if the tracks can't be read.
-    std::optional<double> soundStart();
 
     /// The numbers of the pictures that go with the file as a whole, among its tracks.
     std::vector<int> coverTracks() const;

@@ -27,23 +27,36 @@ VideoTrackFormat firstVideoTrack(const URL& video) {
 
 bool canBeCopied(const VideoTrackFormat& format) {
     const bool inMpeg4 = format.codec == "h264" || format.codec == "hevc" || format.codec == "mpeg4";
-    return inMpeg4 && format.hasExactRate(pictureRate);
+    return inMpeg4 && format.hasTimes && format.hasExactRate(pictureRate);
 }
 
-std::string exportCommand(const VideoTrackFormat& format, const URL& video, const URL& audio,
-                          const URL& output) {
+// Named, since ffmpeg by itself leaves out the time of recording, and the sound's tags with its stream.
+std::string tagsOf(const URL& video, const VideoTrackFormat& format) {
+    std::string tags = " -map_metadata 0 -map_metadata:s:v:0 0:s:v:" + std::to_string(format.position);
+    if (const auto sound = AssetReader(video).soundTrack()) {
+        tags += " -map_metadata:s:a:0 0:s:" + std::to_string(*sound);
+    }
+    return tags;
+}
+
+std::string exportCommand(const VideoTrackFormat& format, const std::string& tags, const URL& video,
+                          const URL& audio, const URL& output) {
     const std::string inputs = "-i " + ffmpegFormatted(video.path()) + " -i " +
                                ffmpegFormatted(audio.path()) +
-                               " -map 0:v:" + std::to_string(format.position) + " -map 1:a:0";
+                               " -map 0:v:" + std::to_string(format.position) + " -map 1:a:0" + tags;
     const std::string sound = " -c:a aac -b:a 96k -f mp4 " + ffmpegFormatted(output.path());
     if (canBeCopied(format)) {
-        return "-y " + inputs + " -c:v copy" + sound;
+        // Apple's players know HEVC by this tag alone.
+        return "-y " + inputs + " -c:v copy" + (format.codec == "hevc" ? " -tag:v hvc1" : "") + sound;
     }
-    // Without autorotation the display matrix goes over as it is; H.264 wants even sides; no B-frames and a
-    // key frame each second keep the result fit for cutting by stream copy.
-    return "-y -noautorotate " + inputs + " -vf crop=trunc(iw/2)*2:trunc(ih/2)*2 -r " +
-           std::to_string(pictureRate) +
-           " -c:v libx264 -preset veryfast -crf 16 -bf 0 -g 30 -pix_fmt yuv420p" + sound;
+    // Without autorotation the display matrix goes over as it is; H.264 wants even sides. The filter takes
+    // the picture that is nearest to each thirtieth of a second, where the option "-r" takes one that is up
+    // to two of them away. No B-frames and a key frame each second keep the result fit for cutting by stream
+    // copy.
+    return "-y -noautorotate " + inputs +
+           " -vf crop=trunc(iw/2)*2:trunc(ih/2)*2,fps=" + std::to_string(pictureRate) +
+           " -metadata:s:v:0 encoder= -c:v libx264 -preset veryfast -crf 16 -bf 0 -g 30 -pix_fmt yuv420p" +
+           sound;
 }
 
 } // namespace
@@ -57,15 +70,16 @@ Task<> CorvantaFileProcessor::mergeVideoWithAudio(URL videoURL, URL audioURL, UR
         throw CorvantaSdkVideoError(CorvantaSdkVideoError::unableToProcessOutput,
                                     audioURL.path() + ": no sound");
     }
+    const std::string tags = tagsOf(videoURL, format);
     CommandPaths paths;
     std::string command;
     try {
         const URL video = paths.input(videoURL, PathForm::quoted);
         const URL audio = paths.input(audioURL, PathForm::quoted);
-        command = exportCommand(format, video, audio, paths.output(outputURL, PathForm::quoted));
+        command = exportCommand(format, tags, video, audio, paths.output(outputURL, PathForm::quoted));
     } catch (const std::system_error& error) {
         Logger::logError(Event::mergeVideoAndAudioFailed, EventMessage::mergeVideoAndAudioFailed(error));
-        throw CorvantaSdkVideoError(CorvantaSdkVideoError::unableToProcessOutput);
+        throw CorvantaSdkVideoError(CorvantaSdkVideoError::unableToProcessOutput, detailsOf(error));
     }
     CorvantaSdkVideoUtils::deleteFileIfExists(outputURL);
     try {

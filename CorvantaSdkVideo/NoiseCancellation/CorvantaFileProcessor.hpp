@@ -16,8 +16,9 @@ class CorvantaFileProcessor {
 
     /// Writes an MPEG-4 file with the first picture track of the one and the first sound track of the other,
     /// at 30 frames a second, turned as the video is. A picture that runs at exactly 30 frames in a codec
-    /// that MPEG-4 players read is copied, any other is encoded. A shorter sound leaves the end silent, a
-    /// longer one is kept.
+    /// that MPEG-4 players read, and states its times, is copied, any other is encoded. The tags of the
+    /// video, its picture and its sound are kept as far as MPEG-4 has a place for them. A shorter sound
+    /// leaves the end silent, a longer one is kept.
     ///
     /// Throws `unableToProcessOutput` if one of the tracks is missing, the asset reader's PlatformError if a
     /// file can't be read. A failure of the writing itself is not reported: the file is missing or broken

@@ -3,10 +3,12 @@
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/NoiseCancellation/CorvantaNoiseProcessor.hpp>
+#include <CorvantaSdkVideo/NoiseCancellation/SoundCleaning.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
+#include <CorvantaSdkVideo/Shared/FreeSpace.hpp>
+#include <platform/Aside.hpp>
 #include <platform/AssetReader.hpp>
-#include <platform/AudioFile.hpp>
 #include <platform/Bundle.hpp>
 #include <platform/Cancellation.hpp>
 #include <platform/Directories.hpp>
@@ -14,13 +16,15 @@
 
 #include <talvo_audio_sdk.h>
 
+#include <boost/asio/experimental/awaitable_operators.hpp>
 #include <boost/asio/post.hpp>
 #include <boost/asio/this_coro.hpp>
 #include <boost/asio/use_awaitable.hpp>
 
-#include <algorithm>
+#include <chrono>
 #include <cmath>
-#include <span>
+#include <functional>
+#include <stop_token>
 #include <string>
 #include <utility>
 
@@ -30,87 +34,46 @@ namespace {
 
 using Error = CorvantaSdkVideoError;
 
-constexpr const char* modelFileName = "c6.f.s.ced125.tw";
-constexpr unsigned frameDurationMillis = 10;
-constexpr int soundFramesPerSecond = 100;
-
 // Frames that are cleaned in one go, before other work on the caller's executor has its turn: about 6 ms.
 constexpr int framesPerTurn = 100;
 
-// How long the picture runs before its sound does, in samples: the extracted sound tells nothing of it.
-std::int64_t silenceBefore(const URL& video, int sampleRate) {
+// As long as it takes, since a long file's sound is all over it; a stop ends it.
+constexpr auto patience = std::chrono::hours(24);
+
+// A file that can't be read in process has its sound cleaned as it was extracted, from its start on.
+Task<> readSoundTimes(URL video, std::shared_ptr<SoundTimes> times) {
+    std::function<void(std::stop_token)> work = [times, path = video.path()](std::stop_token stop) {
+        const OpenMedia::Options options{.patience = patience, .stop = std::move(stop)};
+        *times = soundTimes(path, options);
+    };
     try {
-        AssetReader asset(video);
-        const double seconds = std::clamp(asset.soundStart().value_or(0), 0.0, asset.duration());
-        return std::llround(seconds * sampleRate);
-    } catch (const PlatformError&) {
-        return 0;
+        co_await runAside(std::move(work));
+    } catch (const std::exception&) {
+        // What else runs tells of a cancellation.
     }
 }
 
-// One frame of a fixed size at a time; the last one is filled up by what the buffer held before.
-class Cleaning {
-  public:
-    Cleaning(const URL& video, URL audio, URL cleaned)
-        : audio_(std::move(audio)), cleaned_(std::move(cleaned)), source_(audio_.path()),
-          target_(cleaned_.path(), source_),
-          processor_(modelFileName, static_cast<unsigned>(source_.sampleRate()), frameDurationMillis),
-          frame_(static_cast<std::size_t>(source_.sampleRate() / soundFramesPerSecond)),
-          silence_(silenceBefore(video, source_.sampleRate())) {
-        if (frame_ == 0 || source_.channels() != 1) {
-            throw Error(Error::unableToProcessFile, audio_.path() + ": no sound of one channel");
-        }
-        rendered_.samples = std::vector<float>(frame_);
-        result_.samples = std::vector<float>(frame_);
-        processor_.startSession();
+void requireValid(const CorvantaSdkVideoNoiseCancellationOptions& options) {
+    const double strength = options.strength.value_or(1);
+    if (!(strength >= 0 && strength <= 1)) {
+        throw Error(Error::configurationError, "a strength must be from 0 to 1");
     }
+}
 
-    /// False when the whole sound is cleaned. A failure inside the loop can't be told from a broken disk or a
-    /// broken module, and ends the process.
-    bool cleanFrames(int count) {
-        try {
-            writeSilence();
-            for (int frame = 0; frame < count && position_ < source_.length(); ++frame) {
-                const std::int64_t frames = source_.read(*rendered_.floatChannelData());
-                // A sound that ends before its stated length has nothing more to give.
-                if (frames == 0) {
-                    position_ = source_.length();
-                    break;
-                }
-                position_ += frames;
-                processor_.process(rendered_, result_);
-                target_.write(*result_.floatChannelData());
-            }
-        } catch (const std::exception& error) {
-            // Nobody else will, and it may be these that fill the disk.
-            CorvantaSdkVideoUtils::deleteFileIfExists(audio_);
-            CorvantaSdkVideoUtils::deleteFileIfExists(cleaned_);
-            fatalError(("The manual rendering failed: " + localizedDescription(error) + ".").c_str());
-        }
-        return position_ < source_.length();
+// What the extracted sound takes: 16-bit samples, as long as the video.
+void requireSpaceForSound(const URL& video) {
+    constexpr double bytesPerSecond = 2 * 16000.0;
+    double seconds = 0;
+    try {
+        seconds = AssetReader(video).statedDuration().value_or(0);
+    } catch (const PlatformError&) {
+        // The extraction tells what is wrong with it.
     }
-
-    void end() { processor_.endSession(); }
-
-  private:
-    void writeSilence() {
-        const std::vector<float> silence(frame_);
-        for (std::int64_t left = std::exchange(silence_, 0); left > 0; left -= std::ssize(silence)) {
-            target_.write(std::span(silence).first(std::min(silence.size(), static_cast<std::size_t>(left))));
-        }
+    if (isPossibleDuration(seconds)) {
+        requireFreeSpace(Directories::documents().path() + "/", std::llround(seconds * bytesPerSecond),
+                         Error::unableToProcessInput);
     }
-
-    URL audio_;
-    URL cleaned_;
-    AudioFileReader source_;
-    AudioFileWriter target_;
-    CorvantaNoiseProcessor processor_;
-    std::size_t frame_;
-    std::int64_t silence_;
-    PCMBuffer rendered_;
-    PCMBuffer result_;
-    std::int64_t position_ = 0;
-};
+}
 
 } // namespace
 
@@ -129,12 +92,20 @@ CorvantaNoiseCancellationEngine::~CorvantaNoiseCancellationEngine() { endSession
 Task<CorvantaSdkVideoNoiseCancellationResult>
 CorvantaNoiseCancellationEngine::clearNoiseForFile(CorvantaSdkVideoFile input,
                                                    CorvantaSdkVideoFileDescriptor output) {
-    return run(shared_from_this(), std::move(input), std::move(output));
+    return clearNoiseForFile(std::move(input), std::move(output), {});
+}
+
+Task<CorvantaSdkVideoNoiseCancellationResult>
+CorvantaNoiseCancellationEngine::clearNoiseForFile(CorvantaSdkVideoFile input,
+                                                   CorvantaSdkVideoFileDescriptor output,
+                                                   CorvantaSdkVideoNoiseCancellationOptions options) {
+    return run(shared_from_this(), std::move(input), std::move(output), options);
 }
 
 Task<CorvantaSdkVideoNoiseCancellationResult>
 CorvantaNoiseCancellationEngine::run(Self self, CorvantaSdkVideoFile file,
-                                     CorvantaSdkVideoFileDescriptor location) {
+                                     CorvantaSdkVideoFileDescriptor location,
+                                     CorvantaSdkVideoNoiseCancellationOptions options) {
     const URL& input = file.url();
     const auto output = location.url(file.fileExtension());
     if (!output) {
@@ -154,7 +125,7 @@ CorvantaNoiseCancellationEngine::run(Self self, CorvantaSdkVideoFile file,
         ~ProcessedFiles() { engine.remove(urls); }
     } processedFiles{*self};
     try {
-        co_await self->clean(input, *output, processedFiles.urls);
+        co_await self->clean(input, *output, options, processedFiles.urls);
     } catch (const std::exception& error) {
         Logger::logError(Event::clearNoise, EventMessage::clearNoiseFailed(input, error));
         self->endSession();
@@ -175,14 +146,22 @@ void CorvantaNoiseCancellationEngine::enterProcessing() {
     } while (!state_.compare_exchange_weak(before, State::processing));
 }
 
-Task<> CorvantaNoiseCancellationEngine::clean(URL input, URL output, std::vector<URL>& processedFiles) {
+Task<> CorvantaNoiseCancellationEngine::clean(URL input, URL output,
+                                              CorvantaSdkVideoNoiseCancellationOptions options,
+                                              std::vector<URL>& processedFiles) {
+    using namespace boost::asio::experimental::awaitable_operators;
     if (!credentialsManager_->isUserAuthenticated()) {
         throw Error(Error::userNotAuthenticated, "nobody is logged in");
     }
+    requireValid(options);
     videoValidator_.validateFileAt(input);
-    const URL audio = co_await extractAudioForFile(input);
+    requireSpaceForSound(input);
+    const auto times = std::make_shared<SoundTimes>();
+    Task<> reading = readSoundTimes(input, times);
+    Task<URL> extraction = extractAudioForFile(input);
+    const URL audio = co_await (std::move(extraction) && std::move(reading));
     processedFiles.push_back(audio);
-    const URL cleaned = co_await cleanAudio(input, audio);
+    const URL cleaned = co_await cleanAudio(audio, times, options);
     processedFiles.push_back(cleaned);
     co_await fileProcessor_.mergeVideoWithAudio(input, cleaned, output);
 }
@@ -206,7 +185,8 @@ Task<URL> CorvantaNoiseCancellationEngine::extractAudioForFile(URL at) {
     co_return audio;
 }
 
-Task<URL> CorvantaNoiseCancellationEngine::cleanAudio(URL fileURL, URL audioFileURL) {
+Task<URL> CorvantaNoiseCancellationEngine::cleanAudio(URL audioFileURL, std::shared_ptr<SoundTimes> times,
+                                                      CorvantaSdkVideoNoiseCancellationOptions options) {
     // The instance of an engine that has run is gone, and one that is there is another engine's.
     if (!ownsLibrary_) {
         throw Error(Error::configurationError, "the noise library is another engine's");
@@ -221,7 +201,7 @@ Task<URL> CorvantaNoiseCancellationEngine::cleanAudio(URL fileURL, URL audioFile
             }
         }
     } cleaned{fileProcessor_, Directories::temporaryFile("caf")};
-    Cleaning cleaning(fileURL, audioFileURL, cleaned.url);
+    SoundCleaning cleaning(audioFileURL, cleaned.url, *times, options);
     const auto executor = co_await boost::asio::this_coro::executor;
     while (cleaning.cleanFrames(framesPerTurn)) {
         throwIfCancelled(co_await boost::asio::this_coro::cancellation_state);

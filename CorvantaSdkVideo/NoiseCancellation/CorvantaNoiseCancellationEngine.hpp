@@ -6,6 +6,8 @@
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoFileValidator.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/FFMPEGCommandGenerator.hpp>
 
+#include <platform/SoundTimes.hpp>
+
 #include <atomic>
 #include <memory>
 #include <vector>
@@ -34,6 +36,9 @@ class CorvantaNoiseCancellationEngine : public CorvantaSdkVideoNoiseCancellation
 
     Task<CorvantaSdkVideoNoiseCancellationResult>
     clearNoiseForFile(CorvantaSdkVideoFile input, CorvantaSdkVideoFileDescriptor output) override;
+    Task<CorvantaSdkVideoNoiseCancellationResult>
+    clearNoiseForFile(CorvantaSdkVideoFile input, CorvantaSdkVideoFileDescriptor output,
+                      CorvantaSdkVideoNoiseCancellationOptions options) override;
 
     /// The sound as a mono "wav" file of 16000 Hz in the documents directory. Throws `unableToProcessInput`.
     Task<URL> extractAudioForFile(URL at);
@@ -41,11 +46,14 @@ class CorvantaNoiseCancellationEngine : public CorvantaSdkVideoNoiseCancellation
   private:
     using Self = std::shared_ptr<CorvantaNoiseCancellationEngine>;
 
-    static Task<CorvantaSdkVideoNoiseCancellationResult> run(Self self, CorvantaSdkVideoFile file,
-                                                             CorvantaSdkVideoFileDescriptor location);
+    static Task<CorvantaSdkVideoNoiseCancellationResult>
+    run(Self self, CorvantaSdkVideoFile file, CorvantaSdkVideoFileDescriptor location,
+        CorvantaSdkVideoNoiseCancellationOptions options);
     void enterProcessing();
-    Task<> clean(URL input, URL output, std::vector<URL>& processedFiles);
-    Task<URL> cleanAudio(URL fileURL, URL audioFileURL);
+    Task<> clean(URL input, URL output, CorvantaSdkVideoNoiseCancellationOptions options,
+                 std::vector<URL>& processedFiles);
+    Task<URL> cleanAudio(URL audioFileURL, std::shared_ptr<SoundTimes> times,
+                         CorvantaSdkVideoNoiseCancellationOptions options);
 
     void initialize();
     void endSession();

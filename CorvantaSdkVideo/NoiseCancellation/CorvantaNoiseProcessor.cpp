@@ -9,6 +9,7 @@
 #include <array>
 #include <iostream>
 #include <iterator>
+#include <memory>
 #include <utility>
 
 namespace corvanta {
@@ -71,9 +72,7 @@ void CorvantaNoiseProcessor::startSession() {
     if (result != 0) {
         throw CorvantaSdkVideoError(CorvantaSdkVideoError::configurationError);
     }
-    const TalvoAudioSamplingRate rate = talvoRate(sampleRate_);
-    sessionId_ =
-        talvoAudioNcCreateSession(rate, rate, talvoFrameDuration(frameDuration_), modelName_.c_str());
+    sessionId_ = createSession();
     if (sessionId_ == nullptr) {
         throw CorvantaSdkVideoError(CorvantaSdkVideoError::configurationError);
     }
@@ -98,11 +97,43 @@ void CorvantaNoiseProcessor::process(const PCMBuffer& bufferIn, PCMBuffer& buffe
     }
 }
 
+void CorvantaNoiseProcessor::setStrength(float strength) {
+    if (talvoAudioNcSetStrength(sessionId_, strength) != 0) {
+        throw CorvantaSdkVideoError(CorvantaSdkVideoError::configurationError,
+                                    "a strength must be from 0 to 1");
+    }
+}
+
+std::int64_t CorvantaNoiseProcessor::delay() const {
+    const std::unique_ptr<void, int (*)(void*)> session(createSession(), talvoAudioNcCloseSession);
+    // What it leaves as it was is as late as what it cleans.
+    talvoAudioNcSetStrength(session.get(), 0);
+    std::vector<float> in(bufferSize_);
+    std::vector<float> out(bufferSize_);
+    in.front() = 0.5F;
+    constexpr std::int64_t framesOfLongestDelay = 16;
+    std::pair<float, std::int64_t> loudest{0.0F, 0};
+    for (std::int64_t frame = 0; frame < framesOfLongestDelay; ++frame) {
+        talvoAudioNcCleanAmbientNoiseFloat(session.get(), in.data(), bufferSize_, out.data(), bufferSize_);
+        const auto peak = std::ranges::max_element(out);
+        if (*peak > loudest.first) {
+            loudest = {*peak, frame * bufferSize_ + (peak - out.begin())};
+        }
+        in.front() = 0;
+    }
+    return loudest.second;
+}
+
 void CorvantaNoiseProcessor::endSession() {
     closeSession();
     if (talvoAudioGlobalDestroy() != 0) {
         throw CorvantaSdkVideoError(CorvantaSdkVideoError::configurationError);
     }
+}
+
+void* CorvantaNoiseProcessor::createSession() const {
+    const TalvoAudioSamplingRate rate = talvoRate(sampleRate_);
+    return talvoAudioNcCreateSession(rate, rate, talvoFrameDuration(frameDuration_), modelName_.c_str());
 }
 
 void CorvantaNoiseProcessor::closeSession() {

@@ -4,6 +4,7 @@
 
 #include <talvo_audio_sdk.h>
 
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -39,10 +40,18 @@ class CorvantaNoiseProcessor {
     /// Cleans one frame of `bufferSize()` samples. What the library refuses leaves `bufferOut` as it was.
     void process(const PCMBuffer& bufferIn, PCMBuffer& bufferOut);
 
+    /// How much is taken away from the next frame on, from 0 to 1. Throws `configurationError` for another
+    /// one.
+    void setStrength(float strength);
+
+    /// By how many samples what comes out is late, found out by a click through a session of its own.
+    std::int64_t delay() const;
+
     /// Closes the session and destroys the library instance. Throws `configurationError`.
     void endSession();
 
   private:
+    void* createSession() const;
     void closeSession();
 
     unsigned bufferSize_;

@@ -4,11 +4,22 @@
 #include <CorvantaSdkVideo/CorvantaSdkVideoFileDescriptor.hpp>
 #include <platform/Task.hpp>
 
+#include <optional>
+
 namespace corvanta {
 
 /// The video with the cleaned sound.
 struct CorvantaSdkVideoNoiseCancellationResult {
     URL fileURL;
+};
+
+/// How a sound is cleaned.
+struct CorvantaSdkVideoNoiseCancellationOptions {
+    /// How much of what the model takes for noise goes: from 0, the sound as it was (mono, of 16 kHz, and as
+    /// late as a cleaned one), to 1. Absent is 1.
+    std::optional<double> strength = {};
+    /// Takes out the model's delay, so that sound and picture are together to the millisecond.
+    bool compensated = false;
 };
 
 class CorvantaSdkVideoNoiseCancellationEngine {
@@ -18,7 +29,8 @@ class CorvantaSdkVideoNoiseCancellationEngine {
     /// Writes a new video whose sound is freed from noise; the sound becomes mono. The location gets the
     /// input's extension, what lies there is MPEG-4. An engine serves one run, and only one engine at a time
     /// can be made: the next one works when this one has run or is gone. A running task keeps its engine
-    /// alive. Sound and picture stay together, but for the model's delay of 31 ms. Cancelling the task (an
+    /// alive. Sound and picture stay together, but for the model's delay of 31 ms: where the sound has a
+    /// hole, silence stands, where two pieces overlap, the end of the first goes. Cancelling the task (an
     /// Asio cancellation of type terminal) ends a run at its next step or second of sound; what ffmpeg does
     /// at that moment is stopped with its session. Temporary files go in every case.
     ///
@@ -29,6 +41,11 @@ class CorvantaSdkVideoNoiseCancellationEngine {
     /// writing the cleaned sound fails, as on a full disk, the process ends.
     virtual Task<CorvantaSdkVideoNoiseCancellationResult>
     clearNoiseForFile(CorvantaSdkVideoFile input, CorvantaSdkVideoFileDescriptor output) = 0;
+
+    /// The same with options. Throws `configurationError` for a strength that is not from 0 to 1 as well.
+    virtual Task<CorvantaSdkVideoNoiseCancellationResult>
+    clearNoiseForFile(CorvantaSdkVideoFile input, CorvantaSdkVideoFileDescriptor output,
+                      CorvantaSdkVideoNoiseCancellationOptions options) = 0;
 };
 
 } // namespace corvanta

@@ -6,7 +6,10 @@
 #include "Progress.hpp"
 #include "Run.hpp"
 
+#include <fmt/format.h>
 #include <nlohmann/json.hpp>
+
+#include <memory>
 
 using namespace corvanta;
 
@@ -21,15 +24,27 @@ void requireWritten(const URL& cleaned) {
     }
 }
 
-void clean(Console& console, const FileArguments& arguments) {
-    const Files files = arguments.files();
+struct CleanOptions {
+    explicit CleanOptions(CLI::App& command) : arguments(command, false) {}
+
+    FileArguments arguments;
+    CorvantaSdkVideoNoiseCancellationOptions engine;
+};
+
+void clean(Console& console, const CleanOptions& options) {
+    const double strength = options.engine.strength.value_or(1);
+    if (!(strength >= 0 && strength <= 1)) {
+        throw UsageError(fmt::format("--strength takes a number from 0 to 1, not {}", strength));
+    }
+    const Files files = options.arguments.files();
     const auto inputs = inputFiles(files.inputs);
     const Output output = outputFor(files, inputs.front().fileExtension());
     requireReadable(inputs);
     UnfinishedOutput unfinished(output.path);
     {
         const Progress progress(console, "clean", totalMillis(urlsOf(inputs)));
-        runInterruptible(CorvantaSdkVideo->engine()->clearNoiseForFile(inputs.front(), output.location));
+        runInterruptible(
+            CorvantaSdkVideo->engine()->clearNoiseForFile(inputs.front(), output.location, options.engine));
     }
     requireWritten(URL::fromFilePath(output.path));
     unfinished.keep();
@@ -40,7 +55,10 @@ void clean(Console& console, const FileArguments& arguments) {
 
 void addCleanCommand(CLI::App& app, Command& chosen) {
     auto* command = app.add_subcommand("clean", "Remove background noise from a video's sound");
-    const FileArguments arguments(*command, false);
+    const auto options = std::make_shared<CleanOptions>(*command);
+    command->add_option("--strength", options->engine.strength,
+                        "How much of the noise goes, from 0 (none) to 1 (all, as without it)");
+    command->add_flag("--compensated", options->engine.compensated, "Take out the model's delay of 31 ms");
     command->callback(
-        [&chosen, arguments] { chosen = [arguments](Console& console) { clean(console, arguments); }; });
+        [&chosen, options] { chosen = [options](Console& console) { clean(console, *options); }; });
 }

@@ -3,6 +3,7 @@
 #include <platform/AssetReader.hpp>
 #include <platform/Errors.hpp>
 #include <platform/InProcessProbe.hpp>
+#include <platform/SoundTimes.hpp>
 
 #include <cstdlib>
 #include <string>
@@ -21,7 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const char* data, std::size_t size) {
         reader.firstVideoTrackTransform();
         reader.firstVideoTrackFormat();
         reader.hasAudioTrack();
-        reader.soundStart();
+        corvanta::soundTimes(url.path());
         if (const double seconds = reader.duration(); !(seconds >= -1e10 && seconds <= 1e10)) {
             std::abort();
         }

@@ -117,7 +117,7 @@ std::vector<double> ffprobeNumbers(const std::string& path, const std::string& s
     for (const std::string& line :
          wordsOf(runTool("ffprobe", {"-v", "error", "-select_streams", stream, "-show_entries", entries,
                                      "-of", "csv=print_section=0", path}))) {
-        numbers.push_back(std::stod(line));
+        numbers.push_back(line == "N/A" ? std::nan("") : std::stod(line));
     }
     return numbers;
 }

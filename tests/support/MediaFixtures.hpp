@@ -53,7 +53,8 @@ std::string makeClip(const Clip& clip);
 /// it fails.
 std::string runTool(std::string_view tool, const std::vector<std::string>& arguments);
 
-/// What ffprobe tells of a file's streams "v", "a:0" and so on, such as each "packet=pts_time".
+/// What ffprobe tells of a file's streams "v", "a:0" and so on, such as each "packet=pts_time"; NaN where it
+/// knows none.
 std::vector<double> ffprobeNumbers(const std::string& path, const std::string& stream,
                                    const std::string& entries);
 

@@ -91,7 +91,9 @@ std::string plainExtension(const URL& file) {
 std::string checkedPath(const URL& file) {
     std::string path = file.path();
     if (path.empty() || path.find('\0') != path.npos) {
-        throw std::system_error(std::make_error_code(std::errc::invalid_argument), path);
+        throw std::system_error(std::make_error_code(std::errc::invalid_argument),
+                                "\"" + path.substr(0, path.find('\0')) +
+                                    "\": this name can't be written into a command");
     }
     return path;
 }
@@ -148,7 +150,8 @@ URL CommandPaths::output(const URL& file, PathForm form) {
     const std::string path = checkedPath(file);
     if (std::ranges::any_of(inputs_,
                             [&](const std::string& input) { return FileManager::isSameFile(input, path); })) {
-        throw std::system_error(std::make_error_code(std::errc::invalid_argument), path + " is an input");
+        throw std::system_error(std::make_error_code(std::errc::invalid_argument),
+                                "the output is the input " + path);
     }
     if (canHold(form, file, path)) {
         return file;

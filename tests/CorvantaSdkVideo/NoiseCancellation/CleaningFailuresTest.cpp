@@ -4,6 +4,7 @@
 
 #include <CorvantaSdkVideo/NoiseCancellation/CorvantaNoiseCancellationEngine.hpp>
 #include <CorvantaSdkVideo/NoiseCancellation/CorvantaNoiseProcessor.hpp>
+#include <CorvantaSdkVideo/Shared/FreeSpace.hpp>
 #include <platform/Bundle.hpp>
 
 #include <boost/asio/bind_cancellation_slot.hpp>
@@ -11,6 +12,8 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/use_future.hpp>
 #include <gmock/gmock.h>
+
+#include <cmath>
 
 namespace corvanta::test {
 namespace {
@@ -107,6 +110,17 @@ TEST(CleaningFailuresTest, EachHasItsErrorAndLeavesNothing) {
     SharedCorvantaSdkCommonKt::sdk_common().setAuth(std::make_shared<SharedCorvantaSdkFixedAuth>(true));
     EXPECT_EQ(failureOf([&] { run.clean(good, "file://["); }), nameOf(unableToProcessOutput));
 
+    for (const double strength : {-0.1, 1.1, std::nan("")}) {
+        EXPECT_EQ(failureOf([&] { run.clean(good, run.file("out"), {strength}); }),
+                  nameOf(configurationError));
+    }
+    try {
+        requireFreeSpace("/proc/none", 1, unableToProcessFile);
+        ADD_FAILURE();
+    } catch (const CorvantaSdkVideoError& error) {
+        EXPECT_EQ(error.details(), "/proc: no space: needs 1 MB");
+    }
+
     // Cleaning a video into itself.
     std::filesystem::copy_file(good, run.file("self.mp4"));
     EXPECT_EQ(failureOf([&] { run.clean(run.file("self.mp4"), run.file("self")); }),
@@ -115,6 +129,11 @@ TEST(CleaningFailuresTest, EachHasItsErrorAndLeavesNothing) {
     EXPECT_THAT(run.log().take(),
                 testing::Contains(testing::StartsWith(
                     "error event_video_merge_video_and_audio: Merge video and audio failed. ")));
+    try {
+        run.clean(run.file("self.mp4"), run.file("self"));
+    } catch (const CorvantaSdkVideoError& error) {
+        EXPECT_THAT(error.details(), testing::StartsWith("the output is the input "));
+    }
     EXPECT_EQ(run.clean(good, run.file("at last")), run.file("at last.mp4"));
 }
 

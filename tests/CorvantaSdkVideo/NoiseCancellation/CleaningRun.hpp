@@ -13,14 +13,16 @@ namespace corvanta::test {
 class CleaningRun {
   public:
     /// Cleans with an engine of the public interface and gives the output's path.
-    std::string clean(const std::string& input, const std::string& output) const {
-        return clean(CorvantaSdkVideo->engine(), input, output);
+    std::string clean(const std::string& input, const std::string& output,
+                      const CorvantaSdkVideoNoiseCancellationOptions& options = {}) const {
+        return clean(CorvantaSdkVideo->engine(), input, output, options);
     }
     std::string clean(const std::shared_ptr<CorvantaSdkVideoNoiseCancellationEngine>& engine,
-                      const std::string& input, const std::string& output) const {
+                      const std::string& input, const std::string& output,
+                      const CorvantaSdkVideoNoiseCancellationOptions& options = {}) const {
         const ScopedVariable temporary("TMPDIR", scratch_.path());
         return runBlocking(engine->clearNoiseForFile(CorvantaSdkVideoFile(URL::fromFilePath(input)),
-                                                     CorvantaSdkVideoFileDescriptor::custom(output)))
+                                                     CorvantaSdkVideoFileDescriptor::custom(output), options))
             .fileURL.path();
     }
 

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <cstring>
+#include <functional>
 
 namespace corvanta::test {
 namespace {
@@ -69,9 +70,10 @@ TEST(NoiseCancellationTest, KeepsTheShapeOfAClip) {
 
 // Mono samples on the file's time line, from its zero.
 std::vector<float> samplesOf(const std::string& path) {
-    const std::string bytes = runTool("ffmpeg", {"-v", "error", "-copyts", "-i", path, "-map", "0:a:0", "-af",
-                                                 "aresample=" + std::to_string(rate) + ":async=1:first_pts=0",
-                                                 "-ac", "1", "-f", "f32le", "-"});
+    const std::string bytes =
+        runTool("ffmpeg", {"-v", "error", "-copyts", "-i", path, "-map", "0:a:0", "-af",
+                           "aresample=" + std::to_string(rate) + ":async=1:min_hard_comp=0.005:first_pts=0",
+                           "-ac", "1", "-f", "f32le", "-"});
     std::vector<float> samples(bytes.size() / sizeof(float));
     std::memcpy(samples.data(), bytes.data(), samples.size() * sizeof(float));
     return samples;
@@ -96,12 +98,12 @@ double lag(const std::vector<float>& early, const std::vector<float>& late, doub
 
 // When the picture turns white.
 double flash(const std::string& path) {
-    for (const TimedFrame& frame : decodedVideo(path)) {
-        if (frame.frame.mean().green > 128) {
-            return frame.time;
-        }
-    }
-    throw std::runtime_error("no flash");
+    const std::vector<double> times = ffprobeNumbers(path, "v:0", "frame=best_effort_timestamp_time");
+    const std::string greys =
+        runTool("ffmpeg", {"-v", "error", "-i", path, "-map", "0:v:0", "-vsync", "passthrough", "-vf",
+                           "scale=1:1", "-pix_fmt", "gray", "-f", "rawvideo", "-"});
+    const auto white = std::ranges::find_if(greys, [](unsigned char grey) { return grey > 128; });
+    return times.at(static_cast<std::size_t>(white - greys.begin()));
 }
 
 TEST(NoiseCancellationTest, SoundAndPictureStayTogether) {
@@ -111,30 +113,56 @@ TEST(NoiseCancellationTest, SoundAndPictureStayTogether) {
     struct Case {
         std::string container, codecs;
         // Seconds; below zero the picture comes late.
-        double soundIsLate;
+        double soundIsLate = 0;
+        std::string pictureRate = "30";
     };
-    for (const auto& [container, codecs, soundIsLate] :
-         {Case{"mov", "-c:v libx264 -preset veryfast -g 30 -c:a pcm_s16le -ac 6", 0.4},
-          {"mp4", h264 + " -ar 8000", 0.25},
-          {"mkv", h264 + " -ar 8000 -ac 1", -0.3},
-          {"webm", "-c:v libvpx -c:a libopus", 0},
-          {"ts", "-c:v mpeg2video -c:a mp2 -ar 44100", 0.2}}) {
-        SCOPED_TRACE(container);
+    const std::string hole = " -bsf:a noise=drop=gt(pts*tb\\,0.2)*lt(pts*tb\\,0.8):amount=0";
+    const std::string many = " -bsf:a noise=drop=lt(pts*tb\\,0.9)*eq(mod(n\\,4)\\,1):amount=0";
+    const std::string opus = "-c:v libvpx -c:a libopus";
+    for (const auto& [container, codecs, soundIsLate, pictureRate] :
+         std::vector<Case>{{"mov", "-c:v libx264 -preset veryfast -g 30 -c:a pcm_s16le -ac 6", 0.4},
+                           {"mp4", h264 + " -ar 8000", 0.25},
+                           {"mkv", h264 + " -ar 8000 -ac 1", -0.3},
+                           {"webm", opus},
+                           {"ts", "-c:v mpeg2video -c:a mp2 -ar 44100", 0.2},
+                           {"ts", h264},
+                           {"flv", h264 + " -ar 44100"},
+                           {"mp4", h264, 0, "1"},
+                           {"mp4", h264, 0, "15"},
+                           {"mov", h264, -0.3, "60"},
+                           {"mp4", h264, 0, "120"},
+                           {"avi", "-c:v mpeg4 -bf 2 -c:a libmp3lame -ar 44100"},
+                           {"mp4", h264 + hole},
+                           {"mkv", "-c:v libx264 -preset veryfast -c:a libmp3lame" + hole},
+                           {"webm", opus + hole, 0, "25"},
+                           {"mkv", h264 + many, 0.1},
+                           {"mkv", h264 + " -bsf:a setts=ts=TS-gt(TS\\,500)*200"}}) {
+        SCOPED_TRACE(container + " " + codecs + " " + pictureRate);
         const std::string input = run.file("flash." + container);
-        std::vector<std::string> arguments{
-            "-v",         "error",
-            "-itsoffset", std::to_string(std::max(0.0, -soundIsLate)),
-            "-f",         "lavfi",
-            "-i",         "color=black:s=64x64:r=30:d=2,drawbox=c=white:t=fill:enable='gte(t,1)'",
-            "-itsoffset", std::to_string(std::max(0.0, soundIsLate)),
-            "-f",         "lavfi",
-            "-i",         "flite=text='A word to be heard':voice=slt"};
+        std::vector<std::string> arguments{"-v",
+                                           "error",
+                                           "-y",
+                                           "-itsoffset",
+                                           std::to_string(std::max(0.0, -soundIsLate)),
+                                           "-f",
+                                           "lavfi",
+                                           "-i",
+                                           "color=black:s=64x64:r=" + pictureRate +
+                                               ":d=3,drawbox=c=white:t=fill:enable='gte(t,1)'",
+                                           "-itsoffset",
+                                           std::to_string(std::max(0.0, soundIsLate)),
+                                           "-f",
+                                           "lavfi",
+                                           "-i",
+                                           "flite=text='A word to be heard':voice=slt,adelay=1000"};
         for (const std::string& word : wordsOf(codecs)) {
             arguments.push_back(word);
         }
         arguments.push_back(input);
         runTool("ffmpeg", arguments);
         const std::string output = run.clean(input, run.file("out"));
+        const std::vector<double> shown = ffprobeNumbers(output, "v:0", "frame=pts_time");
+        EXPECT_TRUE(std::ranges::is_sorted(shown, std::less_equal<>()));
         const double pictureMoved = flash(output) - flash(input);
         const double soundMoved = lag(samplesOf(input), samplesOf(output), pictureMoved + delay);
         EXPECT_NEAR(soundMoved, pictureMoved + delay, 0.010);
@@ -149,6 +177,58 @@ double decibels(const std::vector<float>& samples, double from, double to) {
     return 10 * std::log10(sum / ((to - from) * rate));
 }
 
+TEST(NoiseCancellationTest, TagsStay) {
+    const CleaningRun run;
+    const std::string input = run.file("tagged.mkv");
+    runTool("ffmpeg", {"-v",
+                       "error",
+                       "-f",
+                       "lavfi",
+                       "-i",
+                       "testsrc2=s=64x64:r=30:d=1",
+                       "-f",
+                       "lavfi",
+                       "-i",
+                       "sine=d=1",
+                       "-f",
+                       "lavfi",
+                       "-i",
+                       "sine=d=1:f=900",
+                       "-map",
+                       "0",
+                       "-map",
+                       "1",
+                       "-map",
+                       "2",
+                       "-c:v",
+                       "libx265",
+                       "-preset",
+                       "ultrafast",
+                       "-x265-params",
+                       "log-level=none",
+                       "-metadata",
+                       "creation_time=2020-02-03T04:05:06Z",
+                       "-metadata",
+                       "title=A day",
+                       "-metadata:s:a:0",
+                       "language=eng",
+                       "-metadata:s:a:1",
+                       "language=fra",
+                       "-ac:a:1",
+                       "2",
+                       "-disposition:a:0",
+                       "0",
+                       "-disposition:a:1",
+                       "0",
+                       input});
+    const std::string output = run.clean(input, run.file("out"));
+    EXPECT_EQ(
+        runTool("ffprobe", {"-v", "error", "-show_entries",
+                            "stream=codec_tag_string:stream_tags=language:format_tags=title,creation_time",
+                            "-of", "compact=p=0:nk=1", output}),
+        "hvc1|und\nmp4a|fra\n2020-02-03T04:05:06.000000Z|A day\n");
+}
+
 TEST(NoiseCancellationTest, NoiseGoesAndSpeechStays) {
     const CleaningRun run;
     const std::string input = run.file("noisy.mp4");
@@ -161,6 +241,19 @@ TEST(NoiseCancellationTest, NoiseGoesAndSpeechStays) {
     const auto after = samplesOf(output);
     EXPECT_LT(decibels(after, 1, 2), decibels(before, 1, 2) - 10);
     EXPECT_NEAR(decibels(after, 2.5, 4), decibels(before, 2.5, 4), 3);
+
+    // Of what goes, so much as is asked for.
+    const auto level = [](const std::vector<float>& samples) {
+        return std::pow(10, decibels(samples, 1, 2) / 20);
+    };
+    for (const double strength : {0.0, 0.5, 1.0}) {
+        const auto some = samplesOf(run.clean(input, run.file("some"), {strength, true}));
+        const double expected = level(before) + strength * (level(after) - level(before));
+        EXPECT_NEAR(level(some), expected, level(before) * 0.1) << strength;
+        EXPECT_NEAR(lag(before, some, 0), 0, 0.001) << strength;
+    }
+    EXPECT_NEAR(lag(before, samplesOf(run.clean(input, run.file("late"), {.strength = 0})), 0.031), 0.031,
+                0.001);
 }
 
 } // namespace
