@@ -1,6 +1,7 @@
 #pragma once
 
 #include <CorvantaSdkVideo/CorvantaSdkVideoCut.hpp>
+#include <CorvantaSdkVideo/CorvantaSdkVideoProgress.hpp>
 #include <platform/URL.hpp>
 
 #include <cstdint>
@@ -27,6 +28,8 @@ struct CorvantaSdkVideoEditorInput {
     /// Absent: one range from `startPosition` to `endPosition`. Else the ranges that are kept, one behind the
     /// other in this order, in place of those two; more than one can't be `copied`.
     std::vector<CorvantaSdkVideoTimeRange> ranges = {};
+    /// Hears how far the edit has come; absent: nobody does.
+    CorvantaSdkVideoProgressCallback onProgress = {};
 };
 
 } // namespace corvanta

@@ -7,6 +7,7 @@
 #include <CorvantaSdkVideo/CorvantaSdkVideoCut.hpp>
 #include <CorvantaSdkVideo/CorvantaSdkVideoFile.hpp>
 #include <CorvantaSdkVideo/CorvantaSdkVideoFileDescriptor.hpp>
+#include <CorvantaSdkVideo/CorvantaSdkVideoProgress.hpp>
 #include <CorvantaSdkVideo/CorvantaSdkVideoThumbnailInputVideo.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/NoiseCancellation/CorvantaSdkVideoNoiseCancellationEngine.hpp>
@@ -55,18 +56,25 @@ class CorvantaSdkVideoInterface {
                       double position = 1000.0, std::optional<std::int64_t> width = std::nullopt,
                       std::optional<std::int64_t> height = std::nullopt) = 0;
 
+    /// The same, telling `onProgress` of its phases: of a single frame ffmpeg knows no fraction before its
+    /// end.
+    virtual Task<CorvantaSdkVideoThumbnailResult>
+    generateThumbnail(CorvantaSdkVideoFile input, CorvantaSdkVideoFileDescriptor output, double position,
+                      std::optional<std::int64_t> width, std::optional<std::int64_t> height,
+                      CorvantaSdkVideoProgressCallback onProgress) = 0;
+
     /// Whether the files are alike enough for a concat. Too few or missing files are errors, different ones a
     /// "no".
     virtual Task<bool> canConcat(std::vector<CorvantaSdkVideoFile> input) = 0;
 
-    /// Why the answer is a "no": the first difference from the first file, or the file that can't be read, with
-    /// its `details()`. Nothing for a "yes".
+    /// Why the answer is a "no": the first difference from the first file, or the file that can't be read,
+    /// with its `details()`. Nothing for a "yes".
     virtual Task<std::optional<CorvantaSdkVideoError>>
     obstacleToConcat(std::vector<CorvantaSdkVideoFile> input) = 0;
 
-    /// What a cut of a video would do, in seconds from its start. Encodes nothing, and reads the surroundings of
-    /// both ends alone. Throws `notFoundVideo` or `invalidFile`, `invalidTrimRange`, or PlatformError for a file
-    /// without a picture.
+    /// What a cut of a video would do, in seconds from its start. Encodes nothing, and reads the surroundings
+    /// of both ends alone. Throws `notFoundVideo` or `invalidFile`, `invalidTrimRange`, or PlatformError for
+    /// a file without a picture.
     virtual Task<CorvantaSdkVideoCutInspection> cutInspection(CorvantaSdkVideoFile file, double start,
                                                               double end) = 0;
 
@@ -100,6 +108,13 @@ class CorvantaSdkVideoInterface {
     /// One stored request, now and after each update, under the same rules. Throws
     /// `CoreDataCorvantaStoreError`, `uploadNotFound`, for an unknown id.
     virtual Stream<std::shared_ptr<CorvantaSdkVideoRequest>> streamRequest(UUID withId) = 0;
+
+    /// How far the run of a request has come: now, if it runs or is complete, and whenever more is known. A
+    /// fraction of 1 comes last, when the result is there and before the run's task ends; a run that fails or
+    /// is cancelled ends without it, and one that begins anew begins at 0. Of a run in another process the
+    /// end alone is told. Values come on the thread of whoever knows, mostly one of the module's, one at a
+    /// time for one request; else the rules are those of `streamRequest`, also for an unknown id.
+    virtual Stream<CorvantaSdkVideoProgress> streamProgress(UUID withId) = 0;
 };
 
 } // namespace corvanta

@@ -1,5 +1,6 @@
 #include <CorvantaSdkVideo/CorvantaSdkVideoInterfaceImp.hpp>
 
+#include <CorvantaSdkVideo/Commands/Helpers/RequestProgress.hpp>
 #include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorImplementation.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/NoiseCancellation/CorvantaNoiseCancellationEngine.hpp>
@@ -37,8 +38,18 @@ Task<CorvantaSdkVideoThumbnailResult> CorvantaSdkVideoInterfaceImp::generateThum
     co_return co_await generator->generateThumbnail(std::move(video));
 }
 
-Task<CorvantaSdkVideoCutInspection>
-CorvantaSdkVideoInterfaceImp::cutInspection(CorvantaSdkVideoFile file, double start, double end) {
+Task<CorvantaSdkVideoThumbnailResult> CorvantaSdkVideoInterfaceImp::generateThumbnail(
+    CorvantaSdkVideoFile input, CorvantaSdkVideoFileDescriptor output, double position,
+    std::optional<std::int64_t> width, std::optional<std::int64_t> height,
+    CorvantaSdkVideoProgressCallback onProgress) {
+    CorvantaSdkVideoThumbnailGeneratorImplementation generator;
+    CorvantaSdkVideoThumbnailInputVideo video(std::move(input), std::move(output), position, width, height);
+    auto meter = std::make_shared<ProgressMeter>(std::move(onProgress));
+    co_return co_await generator.generateThumbnail(std::move(video), std::move(meter));
+}
+
+Task<CorvantaSdkVideoCutInspection> CorvantaSdkVideoInterfaceImp::cutInspection(CorvantaSdkVideoFile file,
+                                                                                double start, double end) {
     CorvantaSdkVideoEditorImplementation editor;
     const CorvantaSdkVideoTimeRange range{start, end};
     co_return co_await editor.inspectCut(file.url(), range);
@@ -97,6 +108,11 @@ CorvantaSdkVideoInterfaceImp::streamRequests(std::optional<CorvantaSdkVideoReque
 Stream<std::shared_ptr<CorvantaSdkVideoRequest>> CorvantaSdkVideoInterfaceImp::streamRequest(UUID withId) {
     Logger::addLog(Event::streamRequestWithID, EventMessage::streamRequest(withId));
     return requestBuilder().streamVideoRequest(withId);
+}
+
+Stream<CorvantaSdkVideoProgress> CorvantaSdkVideoInterfaceImp::streamProgress(UUID withId) {
+    Logger::addLog(Event::streamRequestWithID, EventMessage::streamRequest(withId));
+    return RequestProgress::shared().stream(withId, *coreDataStore());
 }
 
 VideosInformationGenerator& CorvantaSdkVideoInterfaceImp::videosInformationGenerator() {

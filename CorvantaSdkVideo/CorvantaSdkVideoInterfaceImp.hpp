@@ -23,6 +23,10 @@ class CorvantaSdkVideoInterfaceImp : public CorvantaSdkVideoInterface {
     Task<CorvantaSdkVideoThumbnailResult>
     generateThumbnail(CorvantaSdkVideoFile input, CorvantaSdkVideoFileDescriptor output, double position,
                       std::optional<std::int64_t> width, std::optional<std::int64_t> height) override;
+    Task<CorvantaSdkVideoThumbnailResult>
+    generateThumbnail(CorvantaSdkVideoFile input, CorvantaSdkVideoFileDescriptor output, double position,
+                      std::optional<std::int64_t> width, std::optional<std::int64_t> height,
+                      CorvantaSdkVideoProgressCallback onProgress) override;
 
     Task<CorvantaSdkVideoCutInspection> cutInspection(CorvantaSdkVideoFile file, double start,
                                                       double end) override;
@@ -43,6 +47,7 @@ class CorvantaSdkVideoInterfaceImp : public CorvantaSdkVideoInterface {
     Stream<std::vector<std::shared_ptr<CorvantaSdkVideoRequest>>>
     streamRequests(std::optional<CorvantaSdkVideoRequest::Status> withStatus) override;
     Stream<std::shared_ptr<CorvantaSdkVideoRequest>> streamRequest(UUID withId) override;
+    Stream<CorvantaSdkVideoProgress> streamProgress(UUID withId) override;
 
     static VideosInformationGenerator& videosInformationGenerator();
     static URL storeURL();

@@ -158,8 +158,13 @@ void CommandRun::spawn() {
 }
 
 void CommandRun::setRunning() {
-    const std::lock_guard lock(session_->mutex_);
-    session_->state_ = SessionState::running;
+    {
+        const std::lock_guard lock(session_->mutex_);
+        session_->state_ = SessionState::running;
+    }
+    if (const auto onStart = std::exchange(plan_.onStart, nullptr)) {
+        onStart();
+    }
 }
 
 void CommandRun::drain(FileDescriptor& source, Consumer consumer) {

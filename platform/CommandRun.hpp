@@ -29,6 +29,8 @@ struct CommandPlan {
     /// block, and must not throw. Without an answer the program runs.
     std::function<std::optional<std::string>(const std::stop_token&)> answer;
     bool keepOutput = false;
+    /// The program has been started, or its answer is being made.
+    StartCallback onStart;
     CompleteCallback onComplete;
     LogCallback onLog;
     StatisticsCallback onStatistics;

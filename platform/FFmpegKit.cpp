@@ -84,7 +84,14 @@ std::optional<std::string> Session::getFailure() const {
 
 std::shared_ptr<Session> FFmpegKit::executeAsync(const std::string& command, CompleteCallback onComplete,
                                                  LogCallback onLog, StatisticsCallback onStatistics) {
+    return executeAsync(command, std::move(onComplete), std::move(onLog), std::move(onStatistics), nullptr);
+}
+
+std::shared_ptr<Session> FFmpegKit::executeAsync(const std::string& command, CompleteCallback onComplete,
+                                                 LogCallback onLog, StatisticsCallback onStatistics,
+                                                 StartCallback onStart) {
     CommandPlan plan;
+    plan.onStart = std::move(onStart);
     plan.program = ffmpegProgram();
     plan.arguments = {"-nostdin", "-hide_banner"};
     plan.onComplete = std::move(onComplete);

@@ -109,6 +109,7 @@ struct Statistics {
 
 using CompleteCallback = std::function<void(const std::shared_ptr<Session>&)>;
 using LogCallback = std::function<void(const Log&)>;
+using StartCallback = std::function<void()>;
 using StatisticsCallback = std::function<void(const Statistics&)>;
 
 class FFmpegKit {
@@ -118,6 +119,10 @@ class FFmpegKit {
     /// decoded path. Callbacks may be empty.
     static std::shared_ptr<Session> executeAsync(const std::string& command, CompleteCallback onComplete,
                                                  LogCallback onLog, StatisticsCallback onStatistics);
+    /// The same; `onStart` comes when the session leaves the line and its program runs.
+    static std::shared_ptr<Session> executeAsync(const std::string& command, CompleteCallback onComplete,
+                                                 LogCallback onLog, StatisticsCallback onStatistics,
+                                                 StartCallback onStart);
 
     /// Asks the running session of that id, of ffmpeg or ffprobe, to stop. Returns at once; an unknown or
     /// ended id, and a second call, do nothing. ffmpeg closes its output file properly.

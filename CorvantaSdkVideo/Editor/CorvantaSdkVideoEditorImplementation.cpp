@@ -72,9 +72,13 @@ CorvantaSdkVideoEditorImplementation::edit(CorvantaSdkVideoEditorInput video) {
         throw Error(Error::invalidTrimRange, "several ranges can't be cut by copying alone");
     }
     CorvantaSdkVideoEditorResult result{video.outputURL};
+    Meter meter = video.onProgress ? std::make_shared<ProgressMeter>(video.onProgress) : nullptr;
     try {
-        result.rangeWays = co_await write(std::move(video), std::move(ranges));
+        result.rangeWays = co_await write(std::move(video), std::move(ranges), meter);
         result.cutWay = wayOfAll(result.rangeWays);
+        if (meter) {
+            meter->complete();
+        }
     } catch (const std::exception& error) {
         Logger::logError(Event::editVideo, EventMessage::editVideoFailed(error));
         if (isCancellation(error)) {
@@ -87,29 +91,33 @@ CorvantaSdkVideoEditorImplementation::edit(CorvantaSdkVideoEditorInput video) {
 
 Task<std::vector<CorvantaSdkVideoCutWay>>
 CorvantaSdkVideoEditorImplementation::write(CorvantaSdkVideoEditorInput video,
-                                            std::vector<CorvantaSdkVideoTimeRange> ranges) {
+                                            std::vector<CorvantaSdkVideoTimeRange> ranges, Meter meter) {
     bool copies = video.cut == CorvantaSdkVideoCut::copied;
     if (video.cut == CorvantaSdkVideoCut::automatic && ranges.size() == 1) {
         const auto inspection = co_await ExactCut::inspect(video.videoURL, ranges.front());
         copies = !inspection.copyingLoses;
     }
     if (copies) {
-        co_await copy(std::move(video), ranges.front());
+        co_await copy(std::move(video), ranges.front(), std::move(meter));
         std::vector<CorvantaSdkVideoCutWay> ways(1, CorvantaSdkVideoCutWay::copied);
         co_return ways;
     }
     const ExactCut exact(commandExecutor_);
-    co_return co_await exact.write(std::move(video), std::move(ranges));
+    co_return co_await exact.write(std::move(video), std::move(ranges), std::move(meter));
 }
 
 Task<> CorvantaSdkVideoEditorImplementation::copy(CorvantaSdkVideoEditorInput video,
-                                                  CorvantaSdkVideoTimeRange range) {
+                                                  CorvantaSdkVideoTimeRange range, Meter meter) {
+    if (meter) {
+        meter->setTotal(range.end - range.start);
+        meter->beginPart(1, range.end - range.start);
+    }
     CommandPaths paths;
     const URL input = paths.input(video.videoURL, PathForm::quotedInTemplate);
     const URL output = paths.output(video.outputURL, PathForm::quoted);
     FFMPEGCommand command = commandGenerator_.generateEditCommand(input, range.start, range.end,
                                                                   video.rotationAngle, video.volumen, output);
-    co_await commandExecutor_->executeFFMPEGCommand(std::move(command.script));
+    co_await commandExecutor_->executeMeasured(std::move(command.script), nullptr, std::move(meter));
     paths.finish();
 }
 

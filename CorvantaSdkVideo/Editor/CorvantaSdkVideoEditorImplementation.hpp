@@ -30,9 +30,11 @@ class CorvantaSdkVideoEditorImplementation : public CorvantaSdkVideoEditor {
     Task<CorvantaSdkVideoCutInspection> inspectCut(URL video, CorvantaSdkVideoTimeRange range);
 
   private:
-    Task<std::vector<CorvantaSdkVideoCutWay>> write(CorvantaSdkVideoEditorInput video,
-                                                    std::vector<CorvantaSdkVideoTimeRange> ranges);
-    Task<> copy(CorvantaSdkVideoEditorInput video, CorvantaSdkVideoTimeRange range);
+    using Meter = std::shared_ptr<ProgressMeter>;
+
+    Task<std::vector<CorvantaSdkVideoCutWay>>
+    write(CorvantaSdkVideoEditorInput video, std::vector<CorvantaSdkVideoTimeRange> ranges, Meter meter);
+    Task<> copy(CorvantaSdkVideoEditorInput video, CorvantaSdkVideoTimeRange range, Meter meter);
     void validateTrimRange(const URL& url, double trimStart, double trimEnd) const;
     void validateThumbnailPosition(const URL& url, double interval) const;
 

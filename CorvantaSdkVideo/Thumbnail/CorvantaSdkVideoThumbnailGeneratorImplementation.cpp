@@ -38,8 +38,9 @@ void removeOlderThumbnail(const std::string& path) {
     }
 }
 
-Task<> run(std::shared_ptr<FFMPEGCommandExecutor> executor, std::string command, std::string outputPath) {
-    co_await executor->executeFFMPEGCommand(std::move(command));
+Task<> run(std::shared_ptr<FFMPEGCommandExecutor> executor, std::string command, std::string outputPath,
+           std::shared_ptr<ProgressMeter> meter) {
+    co_await executor->executeMeasured(std::move(command), nullptr, std::move(meter));
     // Past the last frame ffmpeg succeeds and writes nothing.
     if (!FileManager::fileExists(outputPath)) {
         throw PlatformError("Thumbnail", 1, "there is no picture at this position");
@@ -56,6 +57,12 @@ CorvantaSdkVideoThumbnailGeneratorImplementation::CorvantaSdkVideoThumbnailGener
 
 Task<CorvantaSdkVideoThumbnailResult> CorvantaSdkVideoThumbnailGeneratorImplementation::generateThumbnail(
     CorvantaSdkVideoThumbnailInputVideo video) {
+    return generateThumbnail(std::move(video), nullptr);
+}
+
+Task<CorvantaSdkVideoThumbnailResult>
+CorvantaSdkVideoThumbnailGeneratorImplementation::generateThumbnail(CorvantaSdkVideoThumbnailInputVideo video,
+                                                                    std::shared_ptr<ProgressMeter> meter) {
     const URL input = video.input().url();
     Logger::addLog(Event::createThumbnail, EventMessage::createThumbnail(input));
     if (!credentialsManager_->isUserAuthenticated()) {
@@ -95,8 +102,11 @@ Task<CorvantaSdkVideoThumbnailResult> CorvantaSdkVideoThumbnailGeneratorImplemen
     }
     removeOlderThumbnail(output->path());
     try {
-        co_await run(commandExecutor_, std::move(command), written.path());
+        co_await run(commandExecutor_, std::move(command), written.path(), meter);
         paths.finish();
+        if (meter) {
+            meter->complete();
+        }
     } catch (const std::exception& error) {
         throw failed(error);
     }

@@ -22,6 +22,10 @@ class CorvantaSdkVideoThumbnailGeneratorImplementation : public CorvantaSdkVideo
     Task<CorvantaSdkVideoThumbnailResult>
     generateThumbnail(CorvantaSdkVideoThumbnailInputVideo video) override;
 
+    /// The same, telling the meter, if there is one.
+    Task<CorvantaSdkVideoThumbnailResult> generateThumbnail(CorvantaSdkVideoThumbnailInputVideo video,
+                                                            std::shared_ptr<ProgressMeter> meter);
+
   private:
     FFMPEGCommandGenerator commandGenerator_;
     std::shared_ptr<FFMPEGCommandExecutor> commandExecutor_;

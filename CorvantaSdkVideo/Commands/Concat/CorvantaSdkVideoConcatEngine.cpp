@@ -62,7 +62,7 @@ Task<> CorvantaSdkVideoConcatEngine::join(UUID id, std::vector<CorvantaSdkVideoI
         paths.temporary(CorvantaSdkVideoUtils::outputURL(uuidString(makeUUID()), "txt"), PathForm::listFile);
     const FFMPEGCommand command = commandGenerator_.generateConcatCommandFor(inputs, list, output.path());
     markProcessing(id);
-    co_await run(id, command.script);
+    co_await run(id, command.script, totalSeconds(inputs));
     paths.finish();
     for (const std::string& path : command.inputFilesListFilePaths) {
         commandGenerator_.deleteInputFilesListFile(path);

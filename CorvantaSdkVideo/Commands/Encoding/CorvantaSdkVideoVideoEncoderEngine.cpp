@@ -73,6 +73,7 @@ Task<std::string> CorvantaSdkVideoVideoEncoderEngine::encode(UUID id, VideoEncod
     information.push_back(co_await commandExecutor().getMediaInformation(data.inputFileURL));
     CommandPaths paths;
     auto inputs = paths.inputs(std::move(information), PathForm::quotedURL);
+    const double seconds = totalSeconds(inputs);
     const URL output = paths.output(outputURL, PathForm::quoted);
     MergeCommand command{.generator = commandGenerator_,
                          .inputs = std::move(inputs),
@@ -85,7 +86,7 @@ Task<std::string> CorvantaSdkVideoVideoEncoderEngine::encode(UUID id, VideoEncod
     std::vector<EncoderRun> runs = co_await encoderRuns(std::move(command), data.encoding);
     markProcessing(id);
     CorvantaSdkVideoUtils::deleteFileIfExists(outputURL);
-    std::string encoder = co_await runFirstWorking(id, std::move(runs));
+    std::string encoder = co_await runFirstWorking(id, std::move(runs), seconds);
     paths.finish();
     co_return encoder;
 }

@@ -1,5 +1,6 @@
 #include <CorvantaSdkVideo/Commands/Helpers/StoredRequestEngine.hpp>
 
+#include <CorvantaSdkVideo/Commands/Helpers/RequestProgress.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <platform/Cancellation.hpp>
@@ -55,9 +56,11 @@ StoredRequestEngine::process(std::shared_ptr<CorvantaSdkVideoRequest> request) {
             }
         }
     } row{*this, request->id};
+    const auto meter = RequestProgress::shared().begin(request->id);
     try {
         CorvantaSdkVideoRequestResult result = co_await carryOut(request);
         row.isSettled = true;
+        meter->complete();
         co_return result;
     } catch (const std::exception& error) {
         row.isSettled = !isCancellation(error);
@@ -109,7 +112,12 @@ void StoredRequestEngine::updateRequestRequest(const UUID& id, Fields withFields
     }
 }
 
-Task<> StoredRequestEngine::run(UUID id, std::string script) {
+Task<> StoredRequestEngine::run(UUID id, std::string script, double seconds) {
+    const auto meter = RequestProgress::shared().running(id);
+    if (meter) {
+        meter->setTotal(seconds);
+        meter->beginPart(1, seconds);
+    }
     const auto running = std::make_shared<std::atomic<std::int64_t>>();
     const Subscription cancelledElsewhere =
         store_->observeCancelElsewhere(id, [executor = commandExecutor_, running] {
@@ -124,14 +132,18 @@ Task<> StoredRequestEngine::run(UUID id, std::string script) {
             self->updateRequestRequest(id, {Field::processId(std::to_string(sessionId))});
         }
     };
-    co_await commandExecutor_->executeFFMPEGCommand(std::move(script), std::move(onUpdateSessionId));
+    co_await commandExecutor_->executeMeasured(std::move(script), std::move(onUpdateSessionId), meter);
+    if (meter) {
+        meter->finish();
+    }
 }
 
-Task<std::string> StoredRequestEngine::runFirstWorking(UUID id, std::vector<EncoderRun> runs) {
+Task<std::string> StoredRequestEngine::runFirstWorking(UUID id, std::vector<EncoderRun> runs,
+                                                       double seconds) {
     for (auto tried = runs.begin();; ++tried) {
         const auto next = std::next(tried);
         try {
-            co_await run(id, std::move(tried->script));
+            co_await run(id, std::move(tried->script), seconds);
             if (!tried->encoder.empty()) {
                 Logger::addLog(Event::processRequest, EventMessage::encoderChosen(id, tried->encoder));
             }

@@ -39,12 +39,13 @@ class StoredRequestEngine : public CorvantaSdkVideoRequestEngine,
     /// Best effort: a failure is printed, so that it doesn't stop a run.
     void updateRequestRequest(const UUID& id, Fields withFields) const;
 
-    /// Runs a script; the session's id goes to the row as soon as there is one. Throws the executor's error.
-    Task<> run(UUID id, std::string script);
+    /// Runs a script, whose result will last about `seconds`; the session's id goes to the row as soon as
+    /// there is one. Throws the executor's error.
+    Task<> run(UUID id, std::string script, double seconds = 0);
 
     /// Runs the first of them; where that fails without having been stopped, the next one. Gives the encoder
     /// of the one that succeeded, throws the last one's error.
-    Task<std::string> runFirstWorking(UUID id, std::vector<EncoderRun> runs);
+    Task<std::string> runFirstWorking(UUID id, std::vector<EncoderRun> runs, double seconds);
 
     void markProcessing(const UUID& id) const;
     void markComplete(const UUID& id) const;

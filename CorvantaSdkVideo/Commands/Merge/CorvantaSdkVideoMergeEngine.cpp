@@ -63,6 +63,7 @@ Task<std::string> CorvantaSdkVideoMergeEngine::merge(UUID id, VideoMergeData dat
                                                      URL outputURL) {
     CommandPaths paths;
     auto inputs = paths.inputs(std::move(information), PathForm::quotedURL);
+    const double seconds = totalSeconds(inputs);
     const URL output = paths.output(outputURL, PathForm::quoted);
     MergeCommand command{.generator = commandGenerator_,
                          .inputs = std::move(inputs),
@@ -74,7 +75,7 @@ Task<std::string> CorvantaSdkVideoMergeEngine::merge(UUID id, VideoMergeData dat
                          .outputPath = output.path()};
     std::vector<EncoderRun> runs = co_await encoderRuns(std::move(command), data.encoding);
     markProcessing(id);
-    std::string encoder = co_await runFirstWorking(id, std::move(runs));
+    std::string encoder = co_await runFirstWorking(id, std::move(runs), seconds);
     paths.finish();
     co_return encoder;
 }

@@ -34,6 +34,7 @@ struct PlannedRun {
     PictureRun run = {};
     CutPiece piece = {};
     double decodeFromSeconds = 0;
+    double seconds = 0;
     std::size_t range = 0;
 };
 
@@ -130,6 +131,7 @@ Plan planFor(const std::string& source, const Ranges& ranges, Attempt attempt) {
         bool isFirst = true;
         for (CutPiece& piece : piecesOf(pictures, attempt, from, pictures.ticks(end))) {
             PlannedRun planned{.decodeFromSeconds = pictures.seconds(piece.decodeFrom), .range = index};
+            planned.seconds = pictures.seconds(piece.to) - pictures.seconds(piece.from);
             PictureRun& run = planned.run;
             run.isOriginal = piece.way == CutPiece::Way::copied;
             run.shift = place - from;
@@ -149,6 +151,25 @@ Plan planFor(const std::string& source, const Ranges& ranges, Attempt attempt) {
         placed += end - start;
     }
     return plan;
+}
+
+// What a second costs when its pictures are encoded, beside one of the last run.
+constexpr double encodingWork = 5;
+
+double secondsOf(const Ranges& ranges) {
+    double seconds = 0;
+    for (const auto& [start, end] : ranges) {
+        seconds += end - start;
+    }
+    return seconds;
+}
+
+double workOf(const Plan& plan) {
+    double work = 0;
+    for (const PlannedRun& planned : plan.runs) {
+        work += planned.run.isOriginal ? 0 : encodingWork * planned.seconds;
+    }
+    return work;
 }
 
 // What there is beside the pictures.
@@ -196,8 +217,11 @@ CorvantaSdkVideoCutInspection inspected(const std::string& path, CorvantaSdkVide
 
 ExactCut::ExactCut(std::shared_ptr<FFMPEGCommandExecutor> executor) : executor_(std::move(executor)) {}
 
-Task<std::vector<CorvantaSdkVideoCutWay>> ExactCut::write(CorvantaSdkVideoEditorInput input,
-                                                          Ranges ranges) const {
+Task<std::vector<CorvantaSdkVideoCutWay>> ExactCut::write(CorvantaSdkVideoEditorInput input, Ranges ranges,
+                                                          std::shared_ptr<ProgressMeter> meter) const {
+    if (meter) {
+        meter->setTotal(secondsOf(ranges));
+    }
     const auto executor = executor_;
     const std::string source = input.videoURL.path();
     CommandPaths paths;
@@ -221,13 +245,19 @@ Task<std::vector<CorvantaSdkVideoCutWay>> ExactCut::write(CorvantaSdkVideoEditor
                 *plan = planFor(source, ranges, attempt);
             };
             co_await runAside(std::move(makePlan));
+            double workLeft = secondsOf(ranges) + workOf(*plan);
             for (PlannedRun& planned : plan->runs) {
                 if (!planned.run.isOriginal) {
+                    const double work = encodingWork * planned.seconds;
+                    if (meter) {
+                        meter->beginPart(work / workLeft, planned.seconds);
+                    }
+                    workLeft -= work;
                     planned.run.file = workspace.newFile("nut");
                     std::string command =
                         encodePieceCommand(parts->source, plan->track, plan->format, plan->likeSource,
                                            planned.piece, planned.decodeFromSeconds, named(planned.run.file));
-                    co_await executor->executeFFMPEGCommand(std::move(command));
+                    co_await executor->executeMeasured(std::move(command), nullptr, meter);
                 }
             }
             std::function<void(std::stop_token)> join =
@@ -253,7 +283,13 @@ Task<std::vector<CorvantaSdkVideoCutWay>> ExactCut::write(CorvantaSdkVideoEditor
     co_await runAside(std::move(look));
     parts->pictureTrack = plan->track;
     std::string command = finishCutCommand(*parts);
-    co_await executor->executeFFMPEGCommand(std::move(command));
+    if (meter) {
+        meter->beginPart(1, secondsOf(ranges));
+    }
+    co_await executor->executeMeasured(std::move(command), nullptr, meter);
+    if (meter) {
+        meter->finish();
+    }
     paths.finish();
     std::vector<CorvantaSdkVideoCutWay> ways;
     for (std::size_t range = 0; range < ranges.size(); ++range) {

@@ -23,7 +23,8 @@ class ExactCut {
     /// Writes the ranges, one behind the other, to the input's output, and tells how it made each. Throws
     /// what keeps it from that.
     Task<std::vector<CorvantaSdkVideoCutWay>> write(CorvantaSdkVideoEditorInput input,
-                                                    std::vector<CorvantaSdkVideoTimeRange> ranges) const;
+                                                    std::vector<CorvantaSdkVideoTimeRange> ranges,
+                                                    std::shared_ptr<ProgressMeter> meter = nullptr) const;
 
     /// Throws PlatformError if the file can't be read or has no picture.
     static Task<CorvantaSdkVideoCutInspection> inspect(URL video, CorvantaSdkVideoTimeRange range);

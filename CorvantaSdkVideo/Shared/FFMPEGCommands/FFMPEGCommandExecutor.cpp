@@ -29,6 +29,18 @@ namespace {
 
 using SessionPointer = std::shared_ptr<Session>;
 
+// What hears of a session's id, with a meter that hears of the session.
+struct MeasuredRun {
+    FFMPEGCommandExecutor::OnUpdateSessionId onUpdateSessionId;
+    std::shared_ptr<ProgressMeter> meter;
+
+    void operator()(std::int64_t sessionId) const {
+        if (onUpdateSessionId) {
+            onUpdateSessionId(sessionId);
+        }
+    }
+};
+
 // Throws unless the session that `start` starts ends with success; `tail` is what the program itself has
 // said.
 Task<SessionPointer> run(StartSession start, std::string program, std::shared_ptr<const LogTail> tail) {
@@ -104,6 +116,18 @@ Task<> FFMPEGCommandExecutor::executeFFMPEGCommand(std::string command) {
     return executeFFMPEGCommand(std::move(command), nullptr);
 }
 
+Task<> FFMPEGCommandExecutor::executeMeasured(std::string command, OnUpdateSessionId onUpdateSessionId,
+                                              std::shared_ptr<ProgressMeter> meter) {
+    if (meter) {
+        meter->wait();
+        onUpdateSessionId = MeasuredRun{std::move(onUpdateSessionId), meter};
+    }
+    co_await executeFFMPEGCommand(std::move(command), std::move(onUpdateSessionId));
+    if (meter) {
+        meter->endPart();
+    }
+}
+
 void FFMPEGCommandExecutorImplementation::cancelCommandExecution(std::int64_t sessionId) {
     FFmpegKit::cancel(sessionId);
 }
@@ -112,13 +136,22 @@ Task<> FFMPEGCommandExecutorImplementation::executeFFMPEGCommand(std::string com
                                                                  OnUpdateSessionId onUpdateSessionId) {
     const auto output = std::make_shared<WrittenOutput>(command);
     const auto tail = std::make_shared<LogTail>();
-    StartSession start = [&command, &onUpdateSessionId, &output, &tail](CompleteCallback onComplete) {
+    StatisticsCallback onStatistics;
+    StartCallback onStart;
+    if (const auto* const measured = onUpdateSessionId.target<MeasuredRun>()) {
+        onStatistics = [meter = measured->meter](const Statistics& statistics) {
+            meter->advance(static_cast<double>(statistics.timeMillis) / 1000, statistics.speed);
+        };
+        onStart = [meter = measured->meter] { meter->start(); };
+    }
+    StartSession start = [&](CompleteCallback onComplete) {
         const auto onLog = [output, tail](const Log& log) {
             output->hear(log.getMessage());
             tail->add(log.getMessage());
             printToConsole(log.getMessage());
         };
-        const auto session = FFmpegKit::executeAsync(command, std::move(onComplete), onLog, nullptr);
+        const auto session =
+            FFmpegKit::executeAsync(command, std::move(onComplete), onLog, onStatistics, onStart);
         if (onUpdateSessionId) {
             onUpdateSessionId(session->getSessionId());
         }

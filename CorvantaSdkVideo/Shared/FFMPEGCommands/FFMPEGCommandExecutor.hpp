@@ -1,11 +1,13 @@
 #pragma once
 
 #include <CorvantaSdkVideo/Shared/Models/CorvantaSdkVideoInformation.hpp>
+#include <CorvantaSdkVideo/Shared/Progress/ProgressMeter.hpp>
 #include <platform/Task.hpp>
 #include <platform/URL.hpp>
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 
 namespace corvanta {
@@ -41,6 +43,12 @@ class FFMPEGCommandExecutor {
 
     /// For callers that don't need the session id.
     Task<> executeFFMPEGCommand(std::string command);
+
+    /// The same as the part of an operation that `meter`, which may be absent, is in, up to the part's end.
+    /// The meter goes along within `onUpdateSessionId`: an executor that knows nothing of it tells no
+    /// fraction.
+    Task<> executeMeasured(std::string command, OnUpdateSessionId onUpdateSessionId,
+                           std::shared_ptr<ProgressMeter> meter);
 };
 
 /// Stateless: every run is a session of its own.

@@ -67,4 +67,12 @@ std::int64_t CorvantaSdkVideoInformation::rotation() const {
     return videos.empty() ? 0 : videos.front().rotation;
 }
 
+double totalSeconds(const std::vector<CorvantaSdkVideoInformation>& files) {
+    double seconds = 0;
+    for (const CorvantaSdkVideoInformation& file : files) {
+        seconds += static_cast<double>(file.durationMillis) / 1000;
+    }
+    return seconds;
+}
+
 } // namespace corvanta

@@ -102,4 +102,7 @@ struct CorvantaSdkVideoInformation {
     bool hasAudio() const { return !audios.empty(); }
 };
 
+/// How long all of them last, in seconds.
+double totalSeconds(const std::vector<CorvantaSdkVideoInformation>& files);
+
 } // namespace corvanta
