@@ -11,6 +11,7 @@
 #include <platform/AssetReader.hpp>
 #include <platform/Bundle.hpp>
 #include <platform/Cancellation.hpp>
+#include <platform/ConsoleSink.hpp>
 #include <platform/Directories.hpp>
 #include <platform/UUID.hpp>
 
@@ -214,6 +215,7 @@ Task<URL> CorvantaNoiseCancellationEngine::cleanAudio(URL audioFileURL, std::sha
 }
 
 void CorvantaNoiseCancellationEngine::initialize() {
+    talvoAudioSetPrint([](const char* line, void*) { printToConsole(line); }, nullptr);
     withWideChars(Bundle::resourceDirectory(),
                   [this](const wchar_t* path) { ownsLibrary_ = talvoAudioGlobalInit(path) == 0; });
     state_ = ownsLibrary_ ? State::initialized : State::unknown;

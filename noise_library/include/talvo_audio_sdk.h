@@ -14,7 +14,8 @@
  * silence; nothing is ever dropped. A stream goes through one session from its start to its end.
  *
  * Errors: no exception leaves the library. The text of an error goes to standard error, of a warning
- * to standard output. Unless a function says otherwise it returns one of
+ * to standard output unless talvoAudioSetPrint says otherwise. Unless a function says otherwise it returns
+ * one of
  *
  *      0  success
  *      1  refused: a wrong frame size, a session that could not be removed
@@ -158,6 +159,20 @@ TALVO_AUDIO_API int talvoAudioNcCleanAmbientNoiseFloat(void* session, float cons
  * @return 0; 1 for any other strength, which changes nothing; 2 for a wrong session; -1, -2, -3.
  */
 TALVO_AUDIO_API int talvoAudioNcSetStrength(void* session, float strength);
+
+/**
+ * Takes one line of the library's warnings and of its account of the models it reads: UTF-8, without the
+ * line's end; some have a line feed within. Called from any thread, one call at a time; must not call the
+ * library.
+ */
+typedef void (*TalvoAudioPrint)(char const* line, void* context);
+
+/**
+ * Sets where such lines go, for the process, before the library is initialised or at any later time.
+ * @param print NULL: standard output, as at first.
+ * @param context handed to each call of print; must live until another print is set.
+ */
+TALVO_AUDIO_API void talvoAudioSetPrint(TalvoAudioPrint print, void* context);
 
 /**
  * The probability, 0 to 1, that a frame holds speech.

@@ -100,6 +100,13 @@ TEST(SetModel, RegistersUnderANewNameAndTellsWhyNot) {
         EXPECT_EQ(testing::internal::GetCapturedStdout(), c.printed)
             << (c.model == nullptr ? "null" : c.model);
     }
+    std::string led;
+    talvoAudioSetPrint([](char const* line, void* to) { *static_cast<std::string*>(to) += line; }, &led);
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(talvoAudioSetModel(L"gone.cfg", "led"), 2);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(led + '\n', missing);
+    talvoAudioSetPrint(nullptr, nullptr);
     for (auto const& [registered, opens] :
          {std::pair{"first", true}, {"second", true}, {"two", true}, {"double", false}})
         EXPECT_EQ(openCleaning(16000, 16000, 10, registered) != nullptr, opens) << registered;

@@ -1,12 +1,12 @@
 #include "noise_canceller/settings.hpp"
+#include "utils/printed_line.hpp"
 
 #include <algorithm>
-#include <iostream>
 
 namespace TALVO::NOISE_CANCELLER {
 namespace {
 
-void warn(char const* text) { std::cout << text << std::endl; }
+void warn(char const* text) { UTILS::printLine(text); }
 
 } // namespace
 

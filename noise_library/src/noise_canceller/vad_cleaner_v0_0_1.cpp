@@ -5,11 +5,11 @@
 #include "noise_canceller/setting_reader.hpp"
 #include "utils/fft.hpp"
 #include "utils/mean_energy.hpp"
+#include "utils/printed_line.hpp"
 #include "utils/window_functions.hpp"
 
 #include <algorithm>
 #include <cmath>
-#include <iostream>
 
 namespace TALVO::NOISE_CANCELLER {
 
@@ -47,7 +47,7 @@ VadCleaner_v0_0_1::VadCleaner_v0_0_1(WEIGHTS::ModelPtr model, std::size_t inputF
       state_(params_.stateSize, 0.0f) {
     std::size_t const input = params_.inputFrameDuration * params_.sampleRate / 1000;
     if (input > params_.frameLength)
-        std::cout << "ERROR FRAMEDURATIONS" << std::endl;
+        UTILS::printLine("ERROR FRAMEDURATIONS");
     else
         inputBlock_.push_backNULL(params_.frameLength - input);
     framesFutures_.push_backNULL(params_.frameCount * params_.frameFutureSize);

@@ -1,10 +1,9 @@
 #include "talvo_audio_sdk/instance.hpp"
 
 #include "utils/control_file.hpp"
+#include "utils/printed_line.hpp"
 #include "utils/talvo_exception.hpp"
 #include "utils/utf8.hpp"
-
-#include <iostream>
 
 namespace TALVO::TALVO_AUDIO {
 
@@ -69,7 +68,7 @@ bool TalvoAudioInstanceT::addWeightWithControlFile(wchar_t const* path, char con
     std::string const name = modelName != nullptr ? modelName : "";
     static_cast<void>(UTILS::fromUtf8(name)); // refuses a name that no other program could show
     if (name.empty() || modelNames_.contains(name)) {
-        std::cout << "WARNING model name exists or empty, please insert different name" << std::endl;
+        UTILS::printLine("WARNING model name exists or empty, please insert different name");
         return false;
     }
     auto const model = std::make_shared<WEIGHTS::Model>();
@@ -84,7 +83,7 @@ bool TalvoAudioInstanceT::addWeightWithControlFile(wchar_t const* path, char con
     }
     if (modelNames_.contains(name))
         return true;
-    std::cout << "Warning Weight name isn't included or weight has been included before \n";
+    UTILS::printLine("Warning Weight name isn't included or weight has been included before ");
     return false;
 }
 
@@ -96,7 +95,7 @@ bool TalvoAudioInstanceT::readModel(WEIGHTS::Model& model, std::wstring const& p
         return readControlledModel(model, path, weightName);
     if (extension == L"nmw" || extension == L"tw") {
         std::string const narrow = UTILS::toUtf8(path);
-        std::cout << "WEIGHT " << narrow << std::endl;
+        UTILS::printLine("WEIGHT " + narrow);
         std::tie(model.first, weightName) = readAndCheckWeight(UTILS::Path(path));
     }
     return true;
@@ -110,14 +109,13 @@ bool TalvoAudioInstanceT::readControlledModel(WEIGHTS::Model& model, std::wstrin
         return true;
     for (auto const& [key, value] : pairs) {
         if (key == "CONTROLFILE") {
-            std::cout << "WARNING there are CONTROLFILE parameter inside of controlFile, skipped"
-                      << std::endl;
+            UTILS::printLine("WARNING there are CONTROLFILE parameter inside of controlFile, skipped");
         } else if (key == "WEIGHT") {
             if (model.first != nullptr) {
-                std::cout << "WARNING multiple weight including, weight exists." << std::endl;
+                UTILS::printLine("WARNING multiple weight including, weight exists.");
                 continue;
             }
-            std::cout << "WEIGHT " << value << std::endl;
+            UTILS::printLine("WEIGHT " + value);
             UTILS::Path weightPath(UTILS::fromUtf8(value));
             weightPath.pushFront(workingPath_.getFileNameWStr());
             weightPath.normalize();
@@ -131,7 +129,7 @@ bool TalvoAudioInstanceT::readControlledModel(WEIGHTS::Model& model, std::wstrin
 
 bool TalvoAudioInstanceT::addModelEnvironment(WEIGHTS::Model& model, char const* key, char const* value) {
     TALVO_ASSERT(nullptr != key && nullptr != value, "nullptr != key && nullptr != value");
-    std::cout << "ENVIRONMENT KEY-\"" << key << "\" VALUE-\"" << value << "\"" << std::endl;
+    UTILS::printLine(std::string("ENVIRONMENT KEY-\"") + key + "\" VALUE-\"" + value + "\"");
     return model.second.insert<std::string>(key, value, CONTAINERS::AnyMap::OVERWRITE) != nullptr;
 }
 
@@ -139,7 +137,7 @@ std::pair<std::shared_ptr<WEIGHTS::Weight>, std::string>
 TalvoAudioInstanceT::readAndCheckWeight(UTILS::Path const& path) {
     std::string const name = UTILS::toUtf8(UTILS::getFileName(path.getFileNameWStr().c_str()));
     if (name.size() < 2) {
-        std::cout << "ERROR WEIGHT NAME ISNT LONG ENOUGHT\n";
+        UTILS::printLine("ERROR WEIGHT NAME ISNT LONG ENOUGHT");
         return {};
     }
     if (auto const known = weightNames_.find(name); known != weightNames_.end())
@@ -147,8 +145,8 @@ TalvoAudioInstanceT::readAndCheckWeight(UTILS::Path const& path) {
     auto weight = std::make_shared<WEIGHTS::Weight>();
     if (weight->read(path))
         return {weight, name};
-    std::cout << "WARNING weight isn't loaded \n weigth file: " << UTILS::toUtf8(path.getFileNameWStr())
-              << "\nWeight read result: " << weight->error() << std::endl;
+    UTILS::printLine("WARNING weight isn't loaded \n weigth file: " + UTILS::toUtf8(path.getFileNameWStr()) +
+                     "\nWeight read result: " + weight->error());
     return {};
 }
 
@@ -189,7 +187,7 @@ bool TalvoAudioInstanceT::destroySession(void* session) {
     std::scoped_lock const lock(mutexForInputs_);
     if (sessions_.remove(session))
         return true;
-    std::cout << "WARNING SESSION ISN'T FOUND" << std::endl;
+    UTILS::printLine("WARNING SESSION ISN'T FOUND");
     return false;
 }
 

@@ -1,6 +1,7 @@
 #include "talvo_audio_sdk.h"
 
 #include "talvo_audio_sdk/instance.hpp"
+#include "utils/printed_line.hpp"
 #include "utils/talvo_exception.hpp"
 
 #include <algorithm>
@@ -124,6 +125,8 @@ int talvoAudioGlobalInit(wchar_t const* workingPath) {
     });
 }
 
+void talvoAudioSetPrint(TalvoAudioPrint print, void* context) { TALVO::UTILS::setPrint(print, context); }
+
 int talvoAudioGlobalDestroy() {
     return guardedCode([] {
         TalvoAudioInstanceT::Instance(MODE::destroy);
@@ -134,7 +137,7 @@ int talvoAudioGlobalDestroy() {
 int talvoAudioSetModel(wchar_t const* weightFilePath, char const* modelName) {
     return guardedCode([&] {
         if (weightFilePath == nullptr) {
-            std::cout << "WARRNING talvoAudioSetModel FUNCTION CALL with nullptr" << std::endl;
+            TALVO::UTILS::printLine("WARRNING talvoAudioSetModel FUNCTION CALL with nullptr");
             return 2;
         }
         TalvoAudioInstanceT* const pInstance = TalvoAudioInstanceT::Instance(MODE::access);

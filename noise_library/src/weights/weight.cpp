@@ -2,6 +2,7 @@
 
 #include "utils/crypto.hpp"
 #include "utils/matrix.hpp"
+#include "utils/printed_line.hpp"
 #include "utils/serializer_fstream.hpp"
 #include "utils/serializer_sstream.hpp"
 
@@ -10,7 +11,6 @@
 #include <cstdint>
 #include <cstring>
 #include <fstream>
-#include <iostream>
 #include <vector>
 
 namespace TALVO::WEIGHTS {
@@ -54,7 +54,7 @@ bool Weight::read(UTILS::Path const& path) {
     if (!read)
         return false;
     if (data_.empty())
-        std::cout << "Warning Nothing added from weight" << std::endl;
+        UTILS::printLine("Warning Nothing added from weight");
     error_.clear();
     return true;
 }
