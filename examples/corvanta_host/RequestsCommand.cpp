@@ -113,20 +113,29 @@ void printEmission(Console& console, const RequestPointer& request) {
     }
 }
 
+// The store's own error doesn't tell which request it misses.
+Stream<RequestPointer> streamOf(const std::string& id) {
+    try {
+        return CorvantaSdkVideo->streamRequest(parsedId(id));
+    } catch (const CoreDataCorvantaStoreError& error) {
+        if (error.kind() != CoreDataCorvantaStoreError::uploadNotFound) {
+            throw;
+        }
+        throw Refusal(error.what(), "there is no such request: " + id);
+    }
+}
+
 void watch(Console& console, const std::string& id) {
     const auto print = [&console](const auto& value) { printEmission(console, value); };
-    const Subscription subscription = id.empty()
-                                          ? CorvantaSdkVideo->streamRequests().subscribe(print)
-                                          : CorvantaSdkVideo->streamRequest(parsedId(id)).subscribe(print);
+    const Subscription subscription =
+        id.empty() ? CorvantaSdkVideo->streamRequests().subscribe(print) : streamOf(id).subscribe(print);
     waitForInterrupt();
 }
 
 void process(Console& console, const std::string& id, bool force) {
     RequestPointer stored;
-    const Subscription subscription =
-        CorvantaSdkVideo->streamRequest(parsedId(id)).subscribe([&stored](const RequestPointer& request) {
-            stored = stored ? stored : request;
-        });
+    const Subscription subscription = streamOf(id).subscribe(
+        [&stored](const RequestPointer& request) { stored = stored ? stored : request; });
     if (!stored) {
         throw CorvantaSdkVideoError(CorvantaSdkVideoError::operationNotFound);
     }

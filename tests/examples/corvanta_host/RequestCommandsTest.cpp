@@ -105,8 +105,8 @@ TEST_F(RequestCommandsTest, TellResultsAndFailures) {
              {{"concat", "-o", file("x"), clip_, wide_}, toldHost + different},
              {{"concat", "-o", file("x"), clip_, "/no/such.mp4"},
               host + "notFoundVideo: there is no /no/such.mp4\n$"},
-             {{"process", unknownID}, host + "uploadNotFound"},
-             {{"watch", unknownID}, host + "uploadNotFound"},
+             {{"process", unknownID}, host + "there is no such request: " + unknownID + "\n$"},
+             {{"watch", unknownID}, host + "there is no such request: " + unknownID + "\n$"},
              {{"requests", "--logged-out"}, host + "userNotAuthenticated: .*\n$"},
          }) {
         SCOPED_TRACE(::testing::PrintToString(arguments));
