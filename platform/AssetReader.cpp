@@ -42,7 +42,8 @@ bool hasTimes(OpenMedia& media, int track) {
 } // namespace
 
 struct AssetReader::Context {
-    explicit Context(const URL& url) : path(url.path()), media(path) {}
+    Context(const URL& url, std::stop_token stop)
+        : path(url.path()), media(path, {.stop = std::move(stop)}) {}
 
     AVFormatContext& format() const { return media.format(); }
 
@@ -61,7 +62,8 @@ struct AssetReader::Context {
     OpenMedia media;
 };
 
-AssetReader::AssetReader(const URL& url) : context_(std::make_unique<Context>(url)) {}
+AssetReader::AssetReader(const URL& url, std::stop_token stop)
+    : context_(std::make_unique<Context>(url, std::move(stop))) {}
 
 AssetReader::AssetReader(AssetReader&&) noexcept = default;
 AssetReader& AssetReader::operator=(AssetReader&&) noexcept = default;

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -51,7 +52,9 @@ struct VideoTrackFormat {
 class AssetReader {
   public:
     /// Opens the file at `url`'s path. Throws PlatformError if it can't be opened or is no media file.
-    explicit AssetReader(const URL& url);
+    /// Opening and each later call end with an error after 30 s, and within one read once `stop` is
+    /// requested.
+    explicit AssetReader(const URL& url, std::stop_token stop = {});
     AssetReader(AssetReader&&) noexcept;
     AssetReader& operator=(AssetReader&&) noexcept;
     ~AssetReader();

@@ -6,7 +6,7 @@
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
-#include <platform/AssetReader.hpp>
+#include <platform/AssetDuration.hpp>
 #include <platform/Cancellation.hpp>
 #include <platform/UUID.hpp>
 
@@ -22,10 +22,13 @@ namespace {
 
 using Error = CorvantaSdkVideoError;
 
-double durationOf(const URL& url) {
+Task<double> durationOf(URL url) {
     try {
-        return AssetReader(url).duration();
+        co_return co_await assetDuration(std::move(url));
     } catch (const std::exception& error) {
+        if (isCancellation(error)) {
+            throw;
+        }
         throw Error(Error::invalidFile, detailsOf(error));
     }
 }
@@ -66,7 +69,7 @@ CorvantaSdkVideoEditorImplementation::edit(CorvantaSdkVideoEditorInput video) {
     videoValidator_.validateFileAt(video.videoURL);
     auto ranges = rangesOf(video);
     for (const auto& [start, end] : ranges) {
-        validateTrimRange(video.videoURL, start, end);
+        co_await validateTrimRange(video.videoURL, start, end);
     }
     if (ranges.size() > 1 && video.cut == CorvantaSdkVideoCut::copied) {
         throw Error(Error::invalidTrimRange, "several ranges can't be cut by copying alone");
@@ -127,7 +130,7 @@ CorvantaSdkVideoEditorImplementation::inspectCut(URL video, CorvantaSdkVideoTime
         throw Error(Error::userNotAuthenticated);
     }
     videoValidator_.validateFileAt(video);
-    validateTrimRange(video, range.start, range.end);
+    co_await validateTrimRange(video, range.start, range.end);
     co_return co_await ExactCut::inspect(std::move(video), range);
 }
 
@@ -138,7 +141,7 @@ Task<URL> CorvantaSdkVideoEditorImplementation::getThumbnailForVideo(URL at, dou
         throw Error(Error::userNotAuthenticated, "nobody is logged in");
     }
     videoValidator_.validateFileAt(at);
-    validateThumbnailPosition(at, interval);
+    co_await validateThumbnailPosition(at, interval);
     const URL output = CorvantaSdkVideoUtils::outputURL(uuidString(makeUUID()),
                                                         FileExtension(FileExtension::jpg).rawValue());
     try {
@@ -157,16 +160,15 @@ Task<URL> CorvantaSdkVideoEditorImplementation::getThumbnailForVideo(URL at, dou
     co_return output;
 }
 
-void CorvantaSdkVideoEditorImplementation::validateTrimRange(const URL& url, double trimStart,
-                                                             double trimEnd) const {
-    const double duration = durationOf(url);
+Task<> CorvantaSdkVideoEditorImplementation::validateTrimRange(URL url, double trimStart, double trimEnd) {
+    const double duration = co_await durationOf(url);
     if (!(trimStart >= 0 && trimEnd > trimStart && duration >= trimEnd)) {
         throw Error(Error::invalidTrimRange, rangeDetails(trimStart, trimEnd, duration));
     }
 }
 
-void CorvantaSdkVideoEditorImplementation::validateThumbnailPosition(const URL& url, double interval) const {
-    const double duration = durationOf(url);
+Task<> CorvantaSdkVideoEditorImplementation::validateThumbnailPosition(URL url, double interval) {
+    const double duration = co_await durationOf(std::move(url));
     if (!(duration >= interval)) {
         throw Error(Error::invalidTrimRange, rangeDetails(interval, duration, duration));
     }

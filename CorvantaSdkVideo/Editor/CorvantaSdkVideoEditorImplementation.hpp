@@ -35,8 +35,8 @@ class CorvantaSdkVideoEditorImplementation : public CorvantaSdkVideoEditor {
     Task<std::vector<CorvantaSdkVideoCutWay>>
     write(CorvantaSdkVideoEditorInput video, std::vector<CorvantaSdkVideoTimeRange> ranges, Meter meter);
     Task<> copy(CorvantaSdkVideoEditorInput video, CorvantaSdkVideoTimeRange range, Meter meter);
-    void validateTrimRange(const URL& url, double trimStart, double trimEnd) const;
-    void validateThumbnailPosition(const URL& url, double interval) const;
+    static Task<> validateTrimRange(URL url, double trimStart, double trimEnd);
+    static Task<> validateThumbnailPosition(URL url, double interval);
 
     std::shared_ptr<CorvantaCredentialsManager> credentialsManager_;
     std::shared_ptr<FFMPEGCommandExecutor> commandExecutor_;

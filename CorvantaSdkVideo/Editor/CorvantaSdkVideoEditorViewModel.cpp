@@ -47,17 +47,9 @@ CorvantaSdkVideoEditorViewModel::CorvantaSdkVideoEditorViewModel(
             onDidFinishPlaying();
         }
     });
-    const QString noPicture = QStringLiteral("The picture can't be shown.");
-    connect(videoPlayer_.get(), &VideoPlayer::failed, this, [this, noPicture] {
-        if (notice().isEmpty()) {
-            notice_ = noPicture;
-        }
-    });
-    connect(videoPlayer_.get(), &VideoPlayer::recovered, this, [this, noPicture] {
-        if (notice() == noPicture) {
-            notice_ = QString();
-        }
-    });
+    connect(videoPlayer_.get(), &VideoPlayer::failed, this, [this] { tellWhatIsWrong(fileNotice_, true); });
+    connect(videoPlayer_.get(), &VideoPlayer::recovered, this,
+            [this] { tellWhatIsWrong(fileNotice_, false); });
 }
 
 void CorvantaSdkVideoEditorViewModel::showTrimmer() { showTab(true, false, false); }

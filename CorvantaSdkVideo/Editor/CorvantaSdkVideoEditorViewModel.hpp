@@ -273,6 +273,7 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     void placeEdges(double left, double right);
 
     void takeInformation(const CorvantaSdkVideoInformation& information, double duration);
+    void tellWhatIsWrong(const QString& file, bool playerHasFailed);
     void generateThumbnails();
     QSize thumbnailPixels() const;
     void setThumbnail(int index, const QImage& image);
@@ -310,6 +311,8 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     double rightEdgePosition_ = 0;
     double trimmerRightEdgePosition_ = 0;
     bool isUnreadable_ = false;
+    QString fileNotice_;
+    bool playerHasFailed_ = false;
     double videoDuration_ = 0;
     /// Seconds.
     double frameDuration_ = 0;

@@ -2,7 +2,7 @@
 
 #include <CorvantaSdkVideo/Editor/EditorTasks.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
-#include <platform/AssetReader.hpp>
+#include <platform/AssetDuration.hpp>
 #include <platform/Directories.hpp>
 #include <platform/NeverDestroyed.hpp>
 
@@ -25,8 +25,6 @@ Task<std::vector<CorvantaSdkVideoInformation>> probed(VideosInformationGenerator
     std::vector<URL> videos{std::move(video)};
     co_return co_await generator.getVideosInformation(std::move(videos));
 }
-
-Task<double> durationOf(URL video) { co_return AssetReader(video).duration(); }
 
 // The files of thumbnails that are being made. An application that ends waits for them, but not for one that
 // hangs: else they would stay in the user's documents.
@@ -106,7 +104,7 @@ Task<> CorvantaSdkVideoEditorViewModel::readVideo(QPointer<ViewModel> model,
     double duration = 0;
     try {
         videos = co_await onEditorWorker(probed(std::move(generator), video));
-        duration = co_await onEditorWorker(durationOf(video));
+        duration = co_await onEditorWorker(assetDuration(video));
     } catch (const std::exception&) {
         videos.clear();
     }
@@ -115,7 +113,8 @@ Task<> CorvantaSdkVideoEditorViewModel::readVideo(QPointer<ViewModel> model,
     }
     if (videos.empty()) {
         model->isUnreadable_ = true;
-        model->notice_ = QStringLiteral("This file can't be read as a video.");
+        model->tellWhatIsWrong(QStringLiteral("This file can't be read as a video."),
+                               model->playerHasFailed_);
     } else {
         model->takeInformation(videos.front(), duration);
     }
@@ -136,12 +135,24 @@ void CorvantaSdkVideoEditorViewModel::takeInformation(const CorvantaSdkVideoInfo
     setStopAt(duration);
     isReady_ = duration > 0;
     isUnreadable_ = !isReady();
+    QString notice;
     if (isUnreadable()) {
-        notice_ = QStringLiteral("This video has no length.");
+        notice = QStringLiteral("This video has no length.");
     } else if (information.videos.empty()) {
-        notice_ = QStringLiteral("There is no picture in this file.");
+        notice = QStringLiteral("There is no picture in this file.");
     }
+    tellWhatIsWrong(notice, playerHasFailed_);
     generateThumbnails();
+}
+
+// Why a player fails is often found by reading the file, which may end later.
+void CorvantaSdkVideoEditorViewModel::tellWhatIsWrong(const QString& file, bool playerHasFailed) {
+    fileNotice_ = file;
+    playerHasFailed_ = playerHasFailed;
+    const bool isRead = isReady() || isUnreadable();
+    notice_ = fileNotice_.isEmpty() && playerHasFailed_ && isRead
+                  ? QStringLiteral("The picture can't be shown.")
+                  : fileNotice_;
 }
 
 void CorvantaSdkVideoEditorViewModel::generateThumbnails() {

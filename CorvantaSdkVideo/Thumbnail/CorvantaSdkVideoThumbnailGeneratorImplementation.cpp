@@ -3,7 +3,7 @@
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
-#include <platform/AssetReader.hpp>
+#include <platform/AssetDuration.hpp>
 #include <platform/Cancellation.hpp>
 #include <platform/FileManager.hpp>
 
@@ -18,8 +18,8 @@ namespace {
 
 using Error = CorvantaSdkVideoError;
 
-void validatePosition(double position, const URL& video) {
-    const double duration = AssetReader(video).duration();
+Task<> validatePosition(double position, URL video) {
+    const double duration = co_await assetDuration(video);
     if (!(position >= 0 && position < duration)) {
         std::ostringstream details;
         details << position << " s is not within " << video.path() << ", which ends at " << duration << " s";
@@ -77,7 +77,7 @@ CorvantaSdkVideoThumbnailGeneratorImplementation::generateThumbnail(CorvantaSdkV
     if (video.height().value_or(0) < 0) {
         throw Error(Error::invalidThumbnailHeight, std::to_string(*video.height()) + " pixels");
     }
-    validatePosition(video.position(), input);
+    co_await validatePosition(video.position(), input);
     const auto output = video.output().url(FileExtension(FileExtension::jpg).rawValue());
     if (!output) {
         throw Error(Error::notFoundVideo, "the output location is no URL");

@@ -1,6 +1,10 @@
 #include <CorvantaSdkVideo/Editor/Player/PlaybackEngine.hpp>
 
+#include <platform/Errors.hpp>
+#include <platform/MediaOpening.hpp>
+
 #include <chrono>
+#include <optional>
 #include <utility>
 
 namespace corvanta {
@@ -19,6 +23,16 @@ constexpr int attempts = 4;
 bool belongsTo(qint64 position, const QVideoFrame& frame) {
     const qint64 time = frame.startTime() / 1000;
     return frame.startTime() < 0 || (time > position - 1000 && time < position + 2000);
+}
+
+// Why the module itself doesn't open a file: the player would, a playlist that names other files too.
+std::optional<QString> refusalOf(const QUrl& source) {
+    try {
+        const OpenMedia allowed(source.toLocalFile().toStdString());
+    } catch (const PlatformError& error) {
+        return QString::fromStdString(error.details());
+    }
+    return std::nullopt;
 }
 
 } // namespace
@@ -47,6 +61,11 @@ void PlaybackEngine::close() {
 
 void PlaybackEngine::open() {
     close();
+    if (const auto refusal = refusalOf(source_)) {
+        hasFailed_ = true;
+        Q_EMIT failed(*refusal);
+        return;
+    }
     player_ = std::make_unique<QMediaPlayer>();
     connect(player_.get(), &QMediaPlayer::mediaStatusChanged, this, &PlaybackEngine::mediaStatusChanged);
     connect(player_.get(), &QMediaPlayer::positionChanged, this, &PlaybackEngine::positionChanged);

@@ -78,12 +78,17 @@ TEST_F(QtVideoPlayerTest, TakesWhatIsAskedOfItBeforeTheFileIsLoaded) {
     EXPECT_THAT(observed_, testing::Each(Ge(2)));
 }
 
-TEST_F(QtVideoPlayerTest, FailsInTheEndOnWhatIsNoVideo) {
-    test::writeFile(directory_.file("notes.mp4"), "no video");
-    start(directory_.file("notes.mp4"));
-    bool failed = false;
-    QObject::connect(real_.get(), &VideoPlayer::failed, [&failed] { failed = true; });
-    EXPECT_TRUE(eventually([&failed] { return failed; }));
+TEST_F(QtVideoPlayerTest, RefusesWhatTheModuleWouldNotOpen) {
+    const std::string clip = test::makeClip({.seconds = 1, .sounds = {}});
+    for (const std::string& text :
+         {std::string("no video"), "#EXTM3U\n#EXTINF:1,\n" + clip + "\n#EXT-X-ENDLIST\n"}) {
+        test::writeFile(directory_.file("notes.mp4"), text);
+        start(directory_.file("notes.mp4"));
+        QString reason;
+        QObject::connect(real_.get(), &VideoPlayer::failed,
+                         [&reason](const QString& told) { reason = told; });
+        EXPECT_TRUE(eventually([&reason] { return reason.contains("notes.mp4"); })) << text;
+    }
 }
 
 // The thread that draws may be busy for as long as it likes.
