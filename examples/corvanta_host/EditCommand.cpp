@@ -11,7 +11,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <map>
@@ -109,20 +108,17 @@ void edit(Console& console, const EditOptions& options) {
     const auto inputs = inputFiles(files.inputs);
     const Output output = outputFor(files, "mp4");
     UnfinishedOutput unfinished(output.path);
-    double seconds = 0;
-    for (const auto& [start, end] : ranges) {
-        seconds += std::clamp(end - start, 0.0, 1e9);
-    }
     CorvantaSdkVideoEditorResult result;
     {
-        const Progress progress(console, "edit", std::llround(std::min(seconds, 1e9) * 1000));
+        const Progress progress(console, "edit", std::nullopt);
         CorvantaSdkVideoEditorImplementation editor;
         result = runInterruptible(editor.edit({.videoURL = inputs.front().url(),
                                                .outputURL = URL::fromFilePath(output.path),
                                                .rotationAngle = options.rotationDegrees,
                                                .volumen = options.volume,
                                                .cut = cut,
-                                               .ranges = ranges}));
+                                               .ranges = ranges,
+                                               .onProgress = progress.listener()}));
     }
     unfinished.keep();
     tell(console, output.path, ranges, result, cut != CorvantaSdkVideoCut::copied);

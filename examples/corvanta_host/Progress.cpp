@@ -67,8 +67,24 @@ class Progress::Display {
 
     void show(const Statistics& statistics) {
         const std::lock_guard lock(mutex_);
-        if (isDue()) {
-            draw(describe(statistics));
+        if (isDue() && !isTold_) {
+            const bool isMeasured = totalMillis_ && *totalMillis_ > 0;
+            const double share =
+                isMeasured ? static_cast<double>(statistics.timeMillis) / static_cast<double>(*totalMillis_)
+                           : 0;
+            draw(isMeasured ? describe(std::clamp(share, 0.0, 1.0), statistics.speed)
+                            : fmt::format("{} {}", label_, clockTime(secondsSince(start_))));
+        }
+    }
+
+    void show(const CorvantaSdkVideoProgress& progress) {
+        using Phase = CorvantaSdkVideoProgress::Phase;
+        const std::lock_guard lock(mutex_);
+        isTold_ = isTold_ || progress.phase != Phase::probing;
+        // What has been begun is seen to end.
+        const bool isEnd = progress.fraction == 1 && !closed_ && !isSilent_ && (onTerminal_ || drawn_);
+        if (isTold_ && (isDue() || isEnd)) {
+            draw(describe(progress.fraction, progress.speed));
         }
     }
 
@@ -99,15 +115,10 @@ class Progress::Display {
     }
 
     // What finds no place in the line is left out: the bar first, then the speed.
-    std::string describe(const Statistics& statistics) const {
+    std::string describe(double share, double outputSpeed) const {
         const double spent = secondsSince(start_);
-        if (!totalMillis_ || *totalMillis_ <= 0) {
-            return fmt::format("{} {}", label_, clockTime(spent));
-        }
-        const double share = std::clamp(
-            static_cast<double>(statistics.timeMillis) / static_cast<double>(*totalMillis_), 0.0, 1.0);
         const std::string percent = fmt::format(" {:3.0f} %", share * 100);
-        const std::string speed = statistics.speed > 0 ? fmt::format(" {:.3g}x", statistics.speed) : "";
+        const std::string speed = outputSpeed > 0 ? fmt::format(" {:.3g}x", outputSpeed) : "";
         const std::string left = timeLeft(spent, share);
         const std::size_t room = onTerminal_ ? columns() : usualColumns;
         const std::size_t taken = label_.size() + percent.size() + speed.size() + left.size() + 3;
@@ -126,6 +137,7 @@ class Progress::Display {
     std::mutex mutex_;
     Clock::time_point lastLine_ = Clock::now();
     std::size_t probes_ = 0;
+    bool isTold_ = false;
     bool drawn_ = false;
     bool closed_ = false;
 };
@@ -137,6 +149,10 @@ Progress::Progress(Console& console, std::string label, std::optional<std::int64
     FFmpegKitConfig::enableStatisticsCallback(
         [display = display_](const Statistics& statistics) { display->show(statistics); });
     console.listenToProbes([display = display_] { display->showProbe(); });
+}
+
+CorvantaSdkVideoProgressCallback Progress::listener() const {
+    return [display = display_](const CorvantaSdkVideoProgress& progress) { display->show(progress); };
 }
 
 Progress::~Progress() {

@@ -2,6 +2,8 @@
 
 #include "Console.hpp"
 
+#include <CorvantaSdkVideo/CorvantaSdkVideoProgress.hpp>
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -17,6 +19,8 @@ class Progress {
     /// first, once or more often.
     Progress(Console& console, std::string label, std::optional<std::int64_t> totalMillis,
              std::size_t fileCount = 1);
+    /// What an operation tells of itself; it takes the place of everything else that is known.
+    corvanta::CorvantaSdkVideoProgressCallback listener() const;
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
     ~Progress();

@@ -36,7 +36,7 @@ void thumbnail(Console& console, const ThumbnailOptions& options) {
     const Output output = outputFor(files, "jpg");
     const Progress progress(console, "thumbnail", std::nullopt);
     runInterruptible(CorvantaSdkVideo->generateThumbnail(inputs.front(), output.location, position * 1000,
-                                                         options.width, options.height));
+                                                         options.width, options.height, progress.listener()));
     console.printPath(output.path, {});
 }
 
