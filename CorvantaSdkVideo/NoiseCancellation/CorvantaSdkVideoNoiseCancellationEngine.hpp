@@ -5,6 +5,7 @@
 #include <platform/Task.hpp>
 
 #include <optional>
+#include <utility>
 
 namespace corvanta {
 
@@ -42,10 +43,13 @@ class CorvantaSdkVideoNoiseCancellationEngine {
     virtual Task<CorvantaSdkVideoNoiseCancellationResult>
     clearNoiseForFile(CorvantaSdkVideoFile input, CorvantaSdkVideoFileDescriptor output) = 0;
 
-    /// The same with options. Throws `configurationError` for a strength that is not from 0 to 1 as well.
+    /// The same with options. Throws `configurationError` for a strength that is not from 0 to 1 as well. An
+    /// engine of another's making that knows no options cleans without.
     virtual Task<CorvantaSdkVideoNoiseCancellationResult>
     clearNoiseForFile(CorvantaSdkVideoFile input, CorvantaSdkVideoFileDescriptor output,
-                      CorvantaSdkVideoNoiseCancellationOptions options) = 0;
+                      CorvantaSdkVideoNoiseCancellationOptions /*options*/) {
+        return clearNoiseForFile(std::move(input), std::move(output));
+    }
 };
 
 } // namespace corvanta
