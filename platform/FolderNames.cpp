@@ -13,7 +13,7 @@ namespace corvanta {
 namespace {
 
 // Longer than a clock tick of any kernel, and than the granularity of the file systems that round to 10 ms.
-constexpr std::int64_t settlingTime = 20'000'000;
+constexpr std::int64_t folderSettlingTime = 20'000'000;
 
 // Also what is read of a folder in any case.
 constexpr std::size_t entriesBetweenLooksAtTheClock = 512;
@@ -42,7 +42,7 @@ FolderNames::FolderNames(std::string folder, Clock::time_point deadline) : folde
     std::sort(names_.begin(), names_.end());
     const std::int64_t age =
         before ? (now.tv_sec - before->seconds) * 1'000'000'000 + now.tv_nsec - before->nanoseconds : 0;
-    if (age > settlingTime) {
+    if (age > folderSettlingTime) {
         stamp_ = before;
     }
 }
