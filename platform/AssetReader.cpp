@@ -2,6 +2,7 @@
 
 #include <platform/Errors.hpp>
 #include <platform/MediaOpening.hpp>
+#include <platform/MediaPacket.hpp>
 #include <platform/MediaTracks.hpp>
 
 #include <algorithm>
@@ -20,14 +21,10 @@ namespace corvanta {
 
 namespace {
 
-struct FreePacket {
-    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
-};
-
 // AVI, and what comes from it, states when a picture is decoded alone.
 bool hasTimes(OpenMedia& media, int track) {
     constexpr int enough = 64;
-    const std::unique_ptr<AVPacket, FreePacket> packet(av_packet_alloc());
+    const PacketPointer packet(av_packet_alloc());
     for (int seen = 0; packet && seen < enough && media.read(*packet); av_packet_unref(packet.get())) {
         if (packet->stream_index == track) {
             if (packet->pts == AV_NOPTS_VALUE) {

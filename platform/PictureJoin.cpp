@@ -2,6 +2,7 @@
 
 #include <platform/CodedPictures.hpp>
 #include <platform/Errors.hpp>
+#include <platform/MediaPacket.hpp>
 #include <platform/NalUnits.hpp>
 
 #include <algorithm>
@@ -33,12 +34,6 @@ void check(int result) {
 struct FreeFilter {
     void operator()(AVBSFContext* filter) const { av_bsf_free(&filter); }
 };
-
-struct FreePacket {
-    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
-};
-
-using PacketPointer = std::unique_ptr<AVPacket, FreePacket>;
 
 PacketPointer makePacket() {
     PacketPointer packet(av_packet_alloc());

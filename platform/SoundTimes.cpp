@@ -1,5 +1,6 @@
 #include <platform/SoundTimes.hpp>
 
+#include <platform/MediaPacket.hpp>
 #include <platform/MediaTracks.hpp>
 
 #include <algorithm>
@@ -22,10 +23,6 @@ namespace {
 
 // Containers round times to a millisecond, and recorders state them a little late and early in turn.
 constexpr double tolerance = 0.010;
-
-struct FreePacket {
-    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
-};
 
 // What decoding drops at the ends of a packet, in samples.
 struct Dropped {
@@ -162,7 +159,7 @@ SoundTimes soundTimes(const std::string& path, OpenMedia::Options options) {
     const double zero = zeroOf(format);
     SoundLine line(longestTime(format), mayJump(format));
     double toDrop = 0;
-    const std::unique_ptr<AVPacket, FreePacket> packet(av_packet_alloc());
+    const PacketPointer packet(av_packet_alloc());
     for (; packet && media.read(*packet); av_packet_unref(packet.get())) {
         if (packet->stream_index != track->index) {
             continue;
