@@ -5,6 +5,7 @@
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/NoiseCancellation/CorvantaNoiseCancellationEngine.hpp>
 #include <CorvantaSdkVideo/Shared/FileURLs.hpp>
+#include <CorvantaSdkVideo/Shared/Progress/ProgressMeter.hpp>
 #include <CorvantaSdkVideo/Store/CoreData/CoreDataCorvantaStore.hpp>
 #include <CorvantaSdkVideo/Thumbnail/CorvantaSdkVideoThumbnailGeneratorImplementation.hpp>
 

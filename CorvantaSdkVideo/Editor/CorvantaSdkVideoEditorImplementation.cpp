@@ -6,6 +6,7 @@
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
+#include <CorvantaSdkVideo/Shared/Progress/ProgressMeter.hpp>
 #include <platform/AssetDuration.hpp>
 #include <platform/Cancellation.hpp>
 #include <platform/UUID.hpp>

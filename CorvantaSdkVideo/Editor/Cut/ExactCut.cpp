@@ -5,6 +5,7 @@
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
+#include <CorvantaSdkVideo/Shared/Progress/ProgressMeter.hpp>
 #include <platform/Aside.hpp>
 #include <platform/AssetReader.hpp>
 #include <platform/Errors.hpp>

@@ -6,6 +6,7 @@
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/LogTail.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/ProbeOutput.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/WrittenOutput.hpp>
+#include <CorvantaSdkVideo/Shared/Progress/ProgressMeter.hpp>
 #include <platform/AssetReader.hpp>
 #include <platform/Cancellation.hpp>
 #include <platform/ConsoleSink.hpp>

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <CorvantaSdkVideo/Shared/Models/CorvantaSdkVideoInformation.hpp>
-#include <CorvantaSdkVideo/Shared/Progress/ProgressMeter.hpp>
 #include <platform/Task.hpp>
 #include <platform/URL.hpp>
 
@@ -11,6 +10,8 @@
 #include <string>
 
 namespace corvanta {
+
+class ProgressMeter;
 
 /// Everything that ffprobe wrote to its output.
 struct ExecutionResult {
