@@ -36,11 +36,10 @@ class CorvantaSdkVideoEditor {
     /// source's own turn. Of H.264 and HEVC only the pictures before the first key picture that can be
     /// entered, and ones at the end that refer to pictures behind it, are encoded anew; the result's `cutWay`
     /// says so. Other codecs, interlaced pictures and open groups of H.264 are encoded as a whole. HEVC comes
-    /// out as "hev1". The tags of the file and of both tracks are kept
-    /// (title, date, place, language; in mp4 and mov an application's own too, or where there are none,
-    /// covers); chapters go. An exact cut needs room for
-    /// its pictures in the documents folder while it runs. A host that wants an older output kept writes to a
-    /// new place and moves the file when the edit has succeeded.
+    /// out as "hev1". The tags of the file and of both tracks are kept (title, date, place, language; in mp4
+    /// and mov an application's own too, or where there are none, covers); chapters go. An exact cut needs
+    /// room for its pictures in the documents folder while it runs. A host that wants an older output kept
+    /// writes to a new place and moves the file when the edit has succeeded.
     ///
     /// Throws `userNotAuthenticated`, `notFoundVideo` or `invalidFile` for the source, `invalidTrimRange`, or
     /// `trimFailed`, whose cause goes to the log. `trimFailed` without a run, and with the output untouched,

@@ -69,9 +69,7 @@ CorvantaSdkVideoEditorImplementation::edit(CorvantaSdkVideoEditorInput video) {
     }
     videoValidator_.validateFileAt(video.videoURL);
     auto ranges = rangesOf(video);
-    for (const auto& [start, end] : ranges) {
-        co_await validateTrimRange(video.videoURL, start, end);
-    }
+    co_await validateTrimRanges(video.videoURL, ranges);
     if (ranges.size() > 1 && video.cut == CorvantaSdkVideoCut::copied) {
         throw Error(Error::invalidTrimRange, "several ranges can't be cut by copying alone");
     }
@@ -131,7 +129,8 @@ CorvantaSdkVideoEditorImplementation::inspectCut(URL video, CorvantaSdkVideoTime
         throw Error(Error::userNotAuthenticated);
     }
     videoValidator_.validateFileAt(video);
-    co_await validateTrimRange(video, range.start, range.end);
+    std::vector<CorvantaSdkVideoTimeRange> ranges(1, range);
+    co_await validateTrimRanges(video, std::move(ranges));
     co_return co_await ExactCut::inspect(std::move(video), range);
 }
 
@@ -161,10 +160,14 @@ Task<URL> CorvantaSdkVideoEditorImplementation::getThumbnailForVideo(URL at, dou
     co_return output;
 }
 
-Task<> CorvantaSdkVideoEditorImplementation::validateTrimRange(URL url, double trimStart, double trimEnd) {
-    const double duration = co_await durationOf(url);
-    if (!(trimStart >= 0 && trimEnd > trimStart && duration >= trimEnd)) {
-        throw Error(Error::invalidTrimRange, rangeDetails(trimStart, trimEnd, duration));
+Task<>
+CorvantaSdkVideoEditorImplementation::validateTrimRanges(URL url,
+                                                         std::vector<CorvantaSdkVideoTimeRange> ranges) {
+    const double duration = co_await durationOf(std::move(url));
+    for (const auto& [start, end] : ranges) {
+        if (!(start >= 0 && end > start && duration >= end)) {
+            throw Error(Error::invalidTrimRange, rangeDetails(start, end, duration));
+        }
     }
 }
 

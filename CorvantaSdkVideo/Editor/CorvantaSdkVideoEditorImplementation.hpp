@@ -35,7 +35,7 @@ class CorvantaSdkVideoEditorImplementation : public CorvantaSdkVideoEditor {
     Task<std::vector<CorvantaSdkVideoCutWay>>
     write(CorvantaSdkVideoEditorInput video, std::vector<CorvantaSdkVideoTimeRange> ranges, Meter meter);
     Task<> copy(CorvantaSdkVideoEditorInput video, CorvantaSdkVideoTimeRange range, Meter meter);
-    static Task<> validateTrimRange(URL url, double trimStart, double trimEnd);
+    static Task<> validateTrimRanges(URL url, std::vector<CorvantaSdkVideoTimeRange> ranges);
     static Task<> validateThumbnailPosition(URL url, double interval);
 
     std::shared_ptr<CorvantaCredentialsManager> credentialsManager_;
