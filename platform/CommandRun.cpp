@@ -130,8 +130,16 @@ void CommandRun::spawn() {
     try {
         child_ = std::make_unique<ChildProcess>(plan_.program, plan_.arguments, options);
     } catch (const std::system_error& error) {
-        if (isShortage(error.code()) && line_.putBack()) {
-            return;
+        if (isShortage(error.code())) {
+            if (line_.putBack()) {
+                triedAlone_ = false;
+                return;
+            }
+            // The others may have ended since: only an attempt beside nobody tells.
+            if (!std::exchange(triedAlone_, true)) {
+                spawn();
+                return;
+            }
         }
         const std::string failure = plan_.program + " could not be started: " + error.what();
         {
@@ -183,6 +191,9 @@ void CommandRun::readMore(const std::shared_ptr<Drain>& drain) {
                 self->readMore(drain);
                 return;
             }
+            // Before the line is told: the next run may need just this descriptor.
+            boost::system::error_code ignored;
+            drain->source.close(ignored);
             --self->openDrains_;
             self->endIfDone();
         });

@@ -93,6 +93,7 @@ class CommandRun : public std::enable_shared_from_this<CommandRun> {
     boost::asio::steady_timer drainTimer_;
     boost::asio::steady_timer stallTimer_;
     bool stalled_ = false;
+    bool triedAlone_ = false;
     bool terminating_ = false;
     std::vector<std::weak_ptr<Drain>> drains_;
     std::size_t openDrains_ = 0;
