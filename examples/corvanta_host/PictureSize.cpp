@@ -3,6 +3,7 @@
 #include "Failures.hpp"
 #include "Inputs.hpp"
 #include "Run.hpp"
+#include "Values.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -10,8 +11,6 @@
 using namespace corvanta;
 
 namespace {
-
-constexpr double leastSide = 128;
 
 double even(double side) { return side - std::fmod(side, 2); }
 

@@ -25,12 +25,12 @@ struct ThumbnailOptions {
 };
 
 // What the picture's format can hold.
-constexpr std::int64_t mostSide = 65500;
+constexpr std::int64_t mostThumbnailSide = 65500;
 
 void thumbnail(Console& console, const ThumbnailOptions& options) {
     const double position = secondsFrom("--at", options.position, 0.001);
-    requireSideWithin("--width", options.width, 1, mostSide);
-    requireSideWithin("--height", options.height, 1, mostSide);
+    requireSideWithin("--width", options.width, 1, mostThumbnailSide);
+    requireSideWithin("--height", options.height, 1, mostThumbnailSide);
     const Files files = options.arguments.files();
     const auto inputs = inputFiles(files.inputs);
     const Output output = outputFor(files, "jpg");

@@ -10,11 +10,8 @@ using namespace corvanta;
 
 namespace {
 
-constexpr std::int64_t leastSide = 2;
-constexpr std::int64_t mostSide = 8190;
-
 void requireTrackSide(std::optional<std::int64_t> side) {
-    requireSideWithin("a track", side, leastSide, mostSide);
+    requireSideWithin("a track", side, leastTrackSide, mostTrackSide);
     if (side && *side % 2 != 0) {
         throw UsageError("a track takes an even number of pixels, not " + std::to_string(*side));
     }

@@ -17,9 +17,6 @@ using namespace corvanta;
 
 namespace {
 
-constexpr std::int64_t leastSide = 2;
-constexpr std::int64_t mostSide = 8190;
-
 /// One file in, one file out, and what the track is like.
 struct TracksOptions {
     std::string duration = "1000";
@@ -36,8 +33,8 @@ using Operation = Task<> (*)(const TracksManager&, URL, URL, const TracksOptions
 
 void change(Console& console, const FileArguments& arguments, const TracksOptions& options,
             Operation operation) {
-    requireSideWithin("--width", options.width, leastSide, mostSide);
-    requireSideWithin("--height", options.height, leastSide, mostSide);
+    requireSideWithin("--width", options.width, leastTrackSide, mostTrackSide);
+    requireSideWithin("--height", options.height, leastTrackSide, mostTrackSide);
     const Files files = arguments.files();
     const auto inputs = inputFiles(files.inputs);
     const std::string output = outputPath(files);

@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr double leastSide = 128;
-constexpr double mostSide = 8190;
 constexpr double minute = 60;
 
 std::optional<double> numberFrom(std::string_view text) {
