@@ -26,7 +26,7 @@ struct CorvantaSdkVideoProgress {
     double secondsDone = 0;
     /// How long the result will be, in seconds; absent as long as nothing is known of it.
     std::optional<double> secondsTotal;
-    /// Seconds that ffmpeg writes in a second; 0 as long as that isn't known.
+    /// Seconds that are written, or cleaned, in a second; 0 as long as that isn't known.
     double speed = 0;
 };
 

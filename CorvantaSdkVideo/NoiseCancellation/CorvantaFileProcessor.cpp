@@ -5,6 +5,7 @@
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
+#include <CorvantaSdkVideo/Shared/Progress/ProgressMeter.hpp>
 #include <platform/AssetReader.hpp>
 #include <platform/Cancellation.hpp>
 
@@ -64,7 +65,17 @@ std::string exportCommand(const VideoTrackFormat& format, const std::string& tag
 CorvantaFileProcessor::CorvantaFileProcessor(std::shared_ptr<FFMPEGCommandExecutor> commandExecutor)
     : commandExecutor_(std::move(commandExecutor)) {}
 
-Task<> CorvantaFileProcessor::mergeVideoWithAudio(URL videoURL, URL audioURL, URL outputURL) const {
+bool CorvantaFileProcessor::copiesPicture(const URL& video) {
+    try {
+        const auto format = AssetReader(video).firstVideoTrackFormat();
+        return !format || canBeCopied(*format);
+    } catch (const PlatformError&) {
+        return true;
+    }
+}
+
+Task<> CorvantaFileProcessor::mergeVideoWithAudio(URL videoURL, URL audioURL, URL outputURL,
+                                                  std::shared_ptr<ProgressMeter> meter) const {
     const VideoTrackFormat format = firstVideoTrack(videoURL);
     if (!AssetReader(audioURL).hasAudioTrack()) {
         throw CorvantaSdkVideoError(CorvantaSdkVideoError::unableToProcessOutput,
@@ -83,8 +94,11 @@ Task<> CorvantaFileProcessor::mergeVideoWithAudio(URL videoURL, URL audioURL, UR
     }
     CorvantaSdkVideoUtils::deleteFileIfExists(outputURL);
     try {
-        co_await commandExecutor_->executeFFMPEGCommand(std::move(command));
+        co_await commandExecutor_->executeMeasured(std::move(command), nullptr, meter);
         paths.finish();
+        if (meter) {
+            meter->complete();
+        }
     } catch (const std::exception& error) {
         if (isCancellation(error)) {
             throw;

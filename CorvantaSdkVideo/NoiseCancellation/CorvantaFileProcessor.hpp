@@ -8,6 +8,8 @@
 
 namespace corvanta {
 
+class ProgressMeter;
+
 /// Puts a sound file on a video. Keeps no state.
 class CorvantaFileProcessor {
   public:
@@ -22,8 +24,13 @@ class CorvantaFileProcessor {
     ///
     /// Throws `unableToProcessOutput` if one of the tracks is missing, the asset reader's PlatformError if a
     /// file can't be read. A failure of the writing itself is not reported: the file is missing or broken
-    /// then.
-    Task<> mergeVideoWithAudio(URL videoURL, URL audioURL, URL outputURL) const;
+    /// then. `meter`, which may be absent, is in the part of an operation that this is, and hears that the
+    /// operation is complete once the file is there.
+    Task<> mergeVideoWithAudio(URL videoURL, URL audioURL, URL outputURL,
+                               std::shared_ptr<ProgressMeter> meter = nullptr) const;
+
+    /// Whether the picture of the video would be copied. A file that can't be read counts as such.
+    static bool copiesPicture(const URL& video);
 
     /// Ignores a failure.
     void removeFile(const URL& at) const;

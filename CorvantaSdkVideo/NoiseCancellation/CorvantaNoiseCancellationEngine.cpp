@@ -2,6 +2,7 @@
 
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
+#include <CorvantaSdkVideo/NoiseCancellation/CleaningProgress.hpp>
 #include <CorvantaSdkVideo/NoiseCancellation/CorvantaNoiseProcessor.hpp>
 #include <CorvantaSdkVideo/NoiseCancellation/SoundCleaning.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
@@ -61,19 +62,21 @@ void requireValid(const CorvantaSdkVideoNoiseCancellationOptions& options) {
     }
 }
 
-// What the extracted sound takes: 16-bit samples, as long as the video.
-void requireSpaceForSound(const URL& video) {
-    constexpr double bytesPerSecond = 2 * 16000.0;
-    double seconds = 0;
+// 0 if that isn't known, or the file can't be read: the extraction tells what is wrong with it.
+double statedSeconds(const URL& video) {
     try {
-        seconds = AssetReader(video).statedDuration().value_or(0);
+        const double seconds = AssetReader(video).statedDuration().value_or(0);
+        return isPossibleDuration(seconds) ? seconds : 0;
     } catch (const PlatformError&) {
-        // The extraction tells what is wrong with it.
+        return 0;
     }
-    if (isPossibleDuration(seconds)) {
-        requireFreeSpace(Directories::documents().path() + "/", std::llround(seconds * bytesPerSecond),
-                         Error::unableToProcessInput);
-    }
+}
+
+// What the extracted sound takes: 16-bit samples, as long as the video.
+void requireSpaceForSound(double seconds) {
+    constexpr double bytesPerSecond = 2 * 16000.0;
+    requireFreeSpace(Directories::documents().path() + "/", std::llround(seconds * bytesPerSecond),
+                     Error::unableToProcessInput);
 }
 
 } // namespace
@@ -156,25 +159,33 @@ Task<> CorvantaNoiseCancellationEngine::clean(URL input, URL output,
     }
     requireValid(options);
     videoValidator_.validateFileAt(input);
-    requireSpaceForSound(input);
+    const double seconds = statedSeconds(input);
+    requireSpaceForSound(seconds);
+    const auto progress = std::make_shared<CleaningProgress>(options.onProgress, seconds);
     const auto times = std::make_shared<SoundTimes>();
     Task<> reading = readSoundTimes(input, times);
-    Task<URL> extraction = extractAudioForFile(input);
+    progress->extracts(fileProcessor_.copiesPicture(input));
+    Task<URL> extraction = extractAudio(input, progress->meter());
     const URL audio = co_await (std::move(extraction) && std::move(reading));
     processedFiles.push_back(audio);
-    const URL cleaned = co_await cleanAudio(audio, times, options);
+    const URL cleaned = co_await cleanAudio(audio, times, options, progress);
     processedFiles.push_back(cleaned);
-    co_await fileProcessor_.mergeVideoWithAudio(input, cleaned, output);
+    progress->writes();
+    co_await fileProcessor_.mergeVideoWithAudio(input, cleaned, output, progress->meter());
 }
 
 Task<URL> CorvantaNoiseCancellationEngine::extractAudioForFile(URL at) {
+    return extractAudio(std::move(at), nullptr);
+}
+
+Task<URL> CorvantaNoiseCancellationEngine::extractAudio(URL at, std::shared_ptr<ProgressMeter> meter) {
     const URL audio = CorvantaSdkVideoUtils::outputURL(uuidString(makeUUID()), "wav");
     try {
         CommandPaths paths;
         const URL video = paths.input(at, PathForm::quoted);
         const URL sound = paths.temporary(audio, PathForm::quoted);
         std::string command = commandGenerator_.generateExtractAudioCommandFor(video, sound);
-        co_await commandExecutor_->executeFFMPEGCommand(std::move(command));
+        co_await commandExecutor_->executeMeasured(std::move(command), nullptr, std::move(meter));
     } catch (const std::exception& error) {
         // What a failed extraction has begun to write is of no use to anybody.
         fileProcessor_.removeFile(audio);
@@ -187,7 +198,8 @@ Task<URL> CorvantaNoiseCancellationEngine::extractAudioForFile(URL at) {
 }
 
 Task<URL> CorvantaNoiseCancellationEngine::cleanAudio(URL audioFileURL, std::shared_ptr<SoundTimes> times,
-                                                      CorvantaSdkVideoNoiseCancellationOptions options) {
+                                                      CorvantaSdkVideoNoiseCancellationOptions options,
+                                                      std::shared_ptr<CleaningProgress> progress) {
     // The instance of an engine that has run is gone, and one that is there is another engine's.
     if (!ownsLibrary_) {
         throw Error(Error::configurationError, "the noise library is another engine's");
@@ -204,7 +216,9 @@ Task<URL> CorvantaNoiseCancellationEngine::cleanAudio(URL audioFileURL, std::sha
     } cleaned{fileProcessor_, Directories::temporaryFile("caf")};
     SoundCleaning cleaning(audioFileURL, cleaned.url, *times, options);
     const auto executor = co_await boost::asio::this_coro::executor;
+    progress->cleans(cleaning.seconds());
     while (cleaning.cleanFrames(framesPerTurn)) {
+        progress->hasCleaned(cleaning.secondsDone());
         throwIfCancelled(co_await boost::asio::this_coro::cancellation_state);
         co_await boost::asio::post(executor, boost::asio::use_awaitable);
     }

@@ -14,6 +14,8 @@
 
 namespace corvanta {
 
+class CleaningProgress;
+
 /// Extracts the sound, cleans it frame by frame, and puts it back. Holds the audio library's one instance
 /// from its construction to the end of its run, or to its own end. Made as a shared_ptr.
 class CorvantaNoiseCancellationEngine : public CorvantaSdkVideoNoiseCancellationEngine,
@@ -52,8 +54,10 @@ class CorvantaNoiseCancellationEngine : public CorvantaSdkVideoNoiseCancellation
     void enterProcessing();
     Task<> clean(URL input, URL output, CorvantaSdkVideoNoiseCancellationOptions options,
                  std::vector<URL>& processedFiles);
+    Task<URL> extractAudio(URL at, std::shared_ptr<ProgressMeter> meter);
     Task<URL> cleanAudio(URL audioFileURL, std::shared_ptr<SoundTimes> times,
-                         CorvantaSdkVideoNoiseCancellationOptions options);
+                         CorvantaSdkVideoNoiseCancellationOptions options,
+                         std::shared_ptr<CleaningProgress> progress);
 
     void initialize();
     void endSession();

@@ -2,6 +2,7 @@
 
 #include <CorvantaSdkVideo/CorvantaSdkVideoFile.hpp>
 #include <CorvantaSdkVideo/CorvantaSdkVideoFileDescriptor.hpp>
+#include <CorvantaSdkVideo/CorvantaSdkVideoProgress.hpp>
 #include <platform/Task.hpp>
 
 #include <optional>
@@ -21,6 +22,9 @@ struct CorvantaSdkVideoNoiseCancellationOptions {
     std::optional<double> strength = {};
     /// Takes out the model's delay, so that sound and picture are together to the millisecond.
     bool compensated = false;
+    /// Hears how far the run has come: the extraction, the cleaning and the writing as one course. A fraction
+    /// of 1 tells that the video is written.
+    CorvantaSdkVideoProgressCallback onProgress = {};
 };
 
 class CorvantaSdkVideoNoiseCancellationEngine {

@@ -49,6 +49,7 @@ bool SoundCleaning::cleanFrames(int count) {
                 return false;
             }
             cleanFrame();
+            ++framesDone_;
         }
     } catch (const std::exception& error) {
         // Nobody else will, and it may be these that fill the disk.
@@ -58,6 +59,12 @@ bool SoundCleaning::cleanFrames(int count) {
     }
     return true;
 }
+
+double SoundCleaning::seconds() const {
+    return static_cast<double>(source_.length()) / source_.file().sampleRate();
+}
+
+double SoundCleaning::secondsDone() const { return static_cast<double>(framesDone_) / soundFramesPerSecond; }
 
 bool SoundCleaning::renderFrame() {
     std::vector<float>& rendered = *rendered_.floatChannelData();

@@ -23,6 +23,10 @@ class SoundCleaning {
     /// broken module, and ends the process.
     bool cleanFrames(int count);
 
+    /// Seconds in all, and those that are cleaned.
+    double seconds() const;
+    double secondsDone() const;
+
     /// Ends the session and the library's instance. Throws `configurationError`.
     void end() { processor_.endSession(); }
 
@@ -38,6 +42,7 @@ class SoundCleaning {
     PCMBuffer rendered_;
     PCMBuffer result_;
     bool sourceEnded_ = false;
+    std::int64_t framesDone_ = 0;
     // Samples that the model is late by: left out at the start, and fetched from it at the end.
     std::int64_t early_ = 0;
     std::int64_t owed_ = 0;

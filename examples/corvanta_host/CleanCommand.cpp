@@ -42,9 +42,11 @@ void clean(Console& console, const CleanOptions& options) {
     requireReadable(inputs);
     UnfinishedOutput unfinished(output.path);
     {
-        const Progress progress(console, "clean", totalMillis(urlsOf(inputs)));
+        const Progress progress(console, "clean");
+        auto engine = options.engine;
+        engine.onProgress = progress.listener();
         runInterruptible(
-            CorvantaSdkVideo->engine()->clearNoiseForFile(inputs.front(), output.location, options.engine));
+            CorvantaSdkVideo->engine()->clearNoiseForFile(inputs.front(), output.location, engine));
     }
     requireWritten(URL::fromFilePath(output.path));
     unfinished.keep();

@@ -43,8 +43,9 @@ class Console {
     /// Asks on the terminal; no where there is none.
     static bool confirm(const std::string& question);
 
-    /// Names the request that failures are about from now on.
+    /// Names the request that failures are about from now on: told, or only kept for them.
     void tellRequest(const std::string& id);
+    void setRequest(const std::string& id) { request_ = id; }
 
     /// Tells of a failure in one line: the error's case name, and what it was about.
     void fail(const std::exception& error) const;

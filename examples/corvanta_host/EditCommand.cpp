@@ -110,7 +110,7 @@ void edit(Console& console, const EditOptions& options) {
     UnfinishedOutput unfinished(output.path);
     CorvantaSdkVideoEditorResult result;
     {
-        const Progress progress(console, "edit", std::nullopt);
+        const Progress progress(console, "edit");
         CorvantaSdkVideoEditorImplementation editor;
         result = runInterruptible(editor.edit({.videoURL = inputs.front().url(),
                                                .outputURL = URL::fromFilePath(output.path),

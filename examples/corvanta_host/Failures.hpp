@@ -36,6 +36,12 @@ class Refusal : public std::runtime_error {
     std::string name_;
 };
 
+/// Some of several runs have failed, each of which has been told.
+class SomeFailed : public std::exception {
+  public:
+    const char* what() const noexcept override { return "some of several runs have failed"; }
+};
+
 /// A run that Ctrl-C or a termination signal has ended.
 class Cancelled : public std::exception {
   public:

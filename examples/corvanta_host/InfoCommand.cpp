@@ -100,7 +100,7 @@ void printTable(Console& console, const CorvantaSdkVideoInformation& file) {
 
 std::vector<CorvantaSdkVideoInformation> informationOf(Console& console,
                                                        const std::vector<std::string>& paths) {
-    const Progress progress(console, "info", std::nullopt, paths.size());
+    const Progress progress(console, "info", paths.size());
     return runInterruptible(CorvantaSdkVideo->getVideosInformation(inputFiles(paths)));
 }
 

@@ -3,13 +3,9 @@
 #include <platform/AssetReader.hpp>
 #include <platform/FileManager.hpp>
 
-#include <cmath>
-
 using namespace corvanta;
 
 namespace {
-
-constexpr double longestMillis = 1e15;
 
 bool isTurnedUpright(const URL& url) {
     try {
@@ -52,18 +48,6 @@ void requireReadable(const std::vector<CorvantaSdkVideoFile>& files) {
             throw CorvantaSdkVideoError(CorvantaSdkVideoError::getInformationFailed, detailsOf(error));
         }
     }
-}
-
-std::optional<std::int64_t> totalMillis(const std::vector<URL>& urls) {
-    double total = 0;
-    for (const URL& url : urls) {
-        try {
-            total += AssetReader(url).duration() * 1000;
-        } catch (const PlatformError&) {
-            return std::nullopt;
-        }
-    }
-    return total > 0 && total < longestMillis ? std::optional(std::llround(total)) : std::nullopt;
 }
 
 std::vector<URL> uprightClips(const std::vector<URL>& urls) {

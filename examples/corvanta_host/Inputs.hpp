@@ -2,8 +2,6 @@
 
 #include <CorvantaSdkVideo/CorvantaSdkVideo.hpp>
 
-#include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,9 +13,6 @@ std::vector<corvanta::URL> urlsOf(const std::vector<corvanta::CorvantaSdkVideoFi
 /// Throws for a file that is not there or holds no media: a request's `build()` removes an older output
 /// before the module looks at its inputs. Ends at the first one.
 void requireReadable(const std::vector<corvanta::CorvantaSdkVideoFile>& files);
-
-/// How long the files are together, in milliseconds; nothing if one of them doesn't tell.
-std::optional<std::int64_t> totalMillis(const std::vector<corvanta::URL>& urls);
 
 /// The files that a camera held upright has written with a turn of -90 degrees, whose picture is small in a
 /// frame of the files' own sizes.

@@ -60,20 +60,14 @@ std::string bar(double share, int width) {
 /// Shared with the callbacks, which come on other threads and may come late.
 class Progress::Display {
   public:
-    Display(const Console& console, std::string label, std::optional<std::int64_t> totalMillis,
-            std::size_t fileCount)
+    Display(const Console& console, std::string label, std::size_t fileCount)
         : onTerminal_(console.drawsProgress()), isSilent_(!onTerminal_ && !console.printsProgress()),
-          label_(std::move(label)), totalMillis_(totalMillis), fileCount_(fileCount) {}
+          label_(std::move(label)), fileCount_(fileCount) {}
 
-    void show(const Statistics& statistics) {
+    void showTime() {
         const std::lock_guard lock(mutex_);
         if (isDue() && !isTold_) {
-            const bool isMeasured = totalMillis_ && *totalMillis_ > 0;
-            const double share =
-                isMeasured ? static_cast<double>(statistics.timeMillis) / static_cast<double>(*totalMillis_)
-                           : 0;
-            draw(isMeasured ? describe(std::clamp(share, 0.0, 1.0), statistics.speed)
-                            : fmt::format("{} {}", label_, clockTime(secondsSince(start_))));
+            draw(fmt::format("{} {}", label_, clockTime(secondsSince(start_))));
         }
     }
 
@@ -130,7 +124,6 @@ class Progress::Display {
     const bool onTerminal_;
     const bool isSilent_;
     const std::string label_;
-    const std::optional<std::int64_t> totalMillis_;
     const std::size_t fileCount_;
     const Clock::time_point start_ = Clock::now();
 
@@ -142,12 +135,10 @@ class Progress::Display {
     bool closed_ = false;
 };
 
-Progress::Progress(Console& console, std::string label, std::optional<std::int64_t> totalMillis,
-                   std::size_t fileCount)
-    : console_(console),
-      display_(std::make_shared<Display>(console, std::move(label), totalMillis, fileCount)) {
+Progress::Progress(Console& console, std::string label, std::size_t fileCount)
+    : console_(console), display_(std::make_shared<Display>(console, std::move(label), fileCount)) {
     FFmpegKitConfig::enableStatisticsCallback(
-        [display = display_](const Statistics& statistics) { display->show(statistics); });
+        [display = display_](const Statistics&) { display->showTime(); });
     console.listenToProbes([display = display_] { display->showProbe(); });
 }
 

@@ -5,9 +5,7 @@
 #include <CorvantaSdkVideo/CorvantaSdkVideoProgress.hpp>
 
 #include <cstddef>
-#include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 
 /// Shows how far the module has come, as long as it lives: files that are probed, then a bar with percent,
@@ -15,10 +13,9 @@
 /// a log.
 class Progress {
   public:
-    /// Without `totalMillis` of output to come, only the time spent is shown. `fileCount` files are probed
+    /// Only the time spent is shown, unless an operation tells `listener` more. `fileCount` files are probed
     /// first, once or more often.
-    Progress(Console& console, std::string label, std::optional<std::int64_t> totalMillis,
-             std::size_t fileCount = 1);
+    Progress(Console& console, std::string label, std::size_t fileCount = 1);
     /// What an operation tells of itself; it takes the place of everything else that is known.
     corvanta::CorvantaSdkVideoProgressCallback listener() const;
     Progress(const Progress&) = delete;

@@ -43,7 +43,7 @@ void runRequest(Console& console, const RequestPointer& request, const std::stri
     json about{{"id", id}};
     std::string encoder;
     {
-        const Progress progress(console, std::string(name(request->type)), std::nullopt, inputs.size());
+        const Progress progress(console, std::string(name(request->type)), inputs.size());
         const Subscription told =
             CorvantaSdkVideo->streamProgress(request->id).subscribe(progress.listener());
         try {

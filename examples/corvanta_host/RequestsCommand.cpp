@@ -148,6 +148,28 @@ void process(Console& console, const std::string& id, bool force) {
     runRequest(console, stored, path);
 }
 
+// One after the other; a failure is told in its place, and the others go on.
+void processAll(Console& console, const std::vector<std::string>& ids, bool force) {
+    for (const std::string& id : ids) {
+        parsedId(id);
+    }
+    bool haveAllSucceeded = true;
+    for (const std::string& id : ids) {
+        console.setRequest(id);
+        try {
+            process(console, id, force);
+        } catch (const Cancelled&) {
+            throw;
+        } catch (const std::exception& error) {
+            console.fail(error);
+            haveAllSucceeded = false;
+        }
+    }
+    if (!haveAllSucceeded) {
+        throw SomeFailed();
+    }
+}
+
 } // namespace
 
 void addRequestsCommand(CLI::App& app, Command& chosen) {
@@ -185,11 +207,13 @@ void addWatchCommand(CLI::App& app, Command& chosen) {
 }
 
 void addProcessCommand(CLI::App& app, Command& chosen) {
-    auto* command = app.add_subcommand("process", "Run a stored request");
-    const auto id = std::make_shared<std::string>();
+    auto* command = app.add_subcommand("process", "Run stored requests, one after the other");
+    const auto ids = std::make_shared<std::vector<std::string>>();
     const auto force = std::make_shared<bool>(false);
-    command->add_option("ID", *id, "The request's id")->required();
+    command->add_option("ID", *ids, "The requests' ids; where one fails, the next ones are run all the same")
+        ->required();
     command->add_flag("--force", *force, "Write over a file that is there already");
-    command->callback(
-        [&chosen, id, force] { chosen = [id, force](Console& console) { process(console, *id, *force); }; });
+    command->callback([&chosen, ids, force] {
+        chosen = [ids, force](Console& console) { processAll(console, *ids, *force); };
+    });
 }

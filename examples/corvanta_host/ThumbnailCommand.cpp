@@ -34,7 +34,7 @@ void thumbnail(Console& console, const ThumbnailOptions& options) {
     const Files files = options.arguments.files();
     const auto inputs = inputFiles(files.inputs);
     const Output output = outputFor(files, "jpg");
-    const Progress progress(console, "thumbnail", std::nullopt);
+    const Progress progress(console, "thumbnail");
     runInterruptible(CorvantaSdkVideo->generateThumbnail(inputs.front(), output.location, position * 1000,
                                                          options.width, options.height, progress.listener()));
     console.printPath(output.path, {});

@@ -40,7 +40,7 @@ void change(Console& console, const FileArguments& arguments, const TracksOption
     const std::string output = outputPath(files);
     requireReadable(inputs);
     UnfinishedOutput unfinished(output);
-    const Progress progress(console, "tracks", std::nullopt);
+    const Progress progress(console, "tracks");
     const TracksManager manager;
     runInterruptible(operation(manager, inputs.front().url(), URL::fromFilePath(output), options));
     unfinished.keep();

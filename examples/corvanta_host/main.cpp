@@ -33,6 +33,8 @@ int follow(const Command& command, const Console::Options& options, bool loggedO
     } catch (const Cancelled& cancelled) {
         console.fail(cancelled);
         return cancelled.status();
+    } catch (const SomeFailed&) {
+        return exitStatus::failed;
     } catch (const UsageError& error) {
         console.fail(error);
         return exitStatus::wrongUsage;

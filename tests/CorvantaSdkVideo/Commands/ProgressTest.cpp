@@ -95,6 +95,33 @@ TEST(Progress, RisesToOneExactlyWhenTheResultIsThere) {
     EXPECT_LT(cut.values.back().fraction, 1);
 }
 
+TEST(Progress, OfACleaningIsOneCourse) {
+    const RecordedLog log;
+    static const UserFolders folders;
+    SharedCorvantaSdkCommonKt::sdk_common().setAuth(std::make_shared<SharedCorvantaSdkFixedAuth>(true));
+    for (const Clip& clip : {Clip{.seconds = 6}, Clip{.seconds = 3, .pictures = {{.rate = "25"}}},
+                             Clip{.seconds = 3, .container = "mkv"}}) {
+        const CorvantaSdkVideoFile file(URL::fromFilePath(makeClip(clip)));
+        SCOPED_TRACE(file.url().path());
+        for (const std::string place : {"cleaned", "no folder/cleaned"}) {
+            Told told;
+            told.result = folders.file(place + '.' + clip.container);
+            CorvantaSdkVideoNoiseCancellationOptions options;
+            options.onProgress = [&told](const Progress& now) { told.hear(now); };
+            runBlocking(CorvantaSdkVideo->engine()->clearNoiseForFile(
+                file, CorvantaSdkVideoFileDescriptor::custom(folders.file(place)), options));
+            if (place == "cleaned") {
+                told.expectWhole(clip.seconds);
+                // The cleaning tells by itself.
+                EXPECT_GE(told.values.size(), static_cast<std::size_t>(clip.seconds));
+            } else {
+                ASSERT_FALSE(told.values.empty());
+                EXPECT_LT(told.values.back().fraction, 1) << "A video that can't be written is no error.";
+            }
+        }
+    }
+}
+
 TEST(Progress, OfPartsThatEndEarlyOrRunAgainNeverFalls) {
     std::vector<double> fractions;
     ProgressMeter meter([&](const Progress& now) { fractions.push_back(now.fraction); });

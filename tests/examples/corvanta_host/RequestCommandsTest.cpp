@@ -171,6 +171,28 @@ TEST_F(RequestCommandsTest, FindTheRequestsOfAnotherProcess) {
     EXPECT_EQ(run({"process", idle.id()}).output, file("joined.mp4\n"));
 }
 
+TEST_F(RequestCommandsTest, ProcessSeveral) {
+    std::vector<std::string> ids;
+    for (const char* name : {"a", "b", "c"}) {
+        const FakeProgram broken("CORVANTA_FFMPEG", "exit 1\n");
+        ids.push_back(run({"concat", file(name), clip_, clip_}).id());
+    }
+    writeFile(file("b.mp4"), "of value");
+    const std::string absent = "01234567-89ab-4def-8123-456789abcdef";
+    EXPECT_EQ(run({"process", ids[0], "x"}).status, 2);
+    EXPECT_EQ(requests("complete").size(), 0U) << "A word that is no id is told before anything runs.";
+    const HostRun ended = run({"--json", "process", ids[0], absent, ids[1], ids[2]});
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_THAT(ended.output, testing::AllOf(HasSubstr(file("a.mp4")), HasSubstr(file("c.mp4"))));
+    for (const auto& [id, name] : {std::pair(absent, "uploadNotFound"), {ids[1], "outputExists"}}) {
+        EXPECT_THAT(ended.errors, testing::AllOf(HasSubstr(name), HasSubstr("\"request\": \"" + id)));
+    }
+    EXPECT_EQ(readFile(file("b.mp4")), "of value");
+    const HostRun rest = run({"process", "--force", ids[1]});
+    EXPECT_EQ(rest.status, 0) << rest.errors;
+    EXPECT_EQ(rest.output, file("b.mp4\n"));
+}
+
 TEST_F(RequestCommandsTest, DeleteRequests) {
     for (const char* name : {"a", "b"}) {
         const FakeProgram broken("CORVANTA_FFMPEG", "exit 1\n");
