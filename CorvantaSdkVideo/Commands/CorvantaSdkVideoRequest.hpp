@@ -2,9 +2,9 @@
 
 #include <CorvantaSdkVideo/Commands/CorvantaSdkVideoRequestEngine.hpp>
 #include <CorvantaSdkVideo/Commands/CorvantaSdkVideoRequestHandler.hpp>
-#include <CorvantaSdkVideo/Commands/CorvantaSdkVideoRequestStatus.hpp>
 #include <CorvantaSdkVideo/Commands/VideoOperationData.hpp>
 #include <CorvantaSdkVideo/CorvantaSdkVideoFileDescriptor.hpp>
+#include <CorvantaSdkVideo/CorvantaSdkVideoRequestStatus.hpp>
 #include <platform/UUID.hpp>
 
 #include <chrono>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <CorvantaSdkVideo/Commands/CorvantaSdkVideoMergeTracks.hpp>
 #include <CorvantaSdkVideo/CorvantaSdkVideoEncoding.hpp>
 #include <CorvantaSdkVideo/CorvantaSdkVideoFrameRate.hpp>
+#include <CorvantaSdkVideo/CorvantaSdkVideoMergeTracks.hpp>
 #include <platform/URL.hpp>
 
 #include <cstdint>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <CorvantaSdkVideo/Commands/CorvantaSdkVideoRequestStatus.hpp>
+#include <CorvantaSdkVideo/CorvantaSdkVideoRequestStatus.hpp>
 #include <CorvantaSdkVideo/Store/LocalVideoRequest.hpp>
 #include <CorvantaSdkVideo/Store/UpdateRequestData.hpp>
 #include <platform/Stream.hpp>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <CorvantaSdkVideo/Commands/CorvantaSdkVideoMergeTracks.hpp>
+#include <CorvantaSdkVideo/CorvantaSdkVideoMergeTracks.hpp>
 
 #include <string>
 

@@ -34,9 +34,9 @@ void compare(const CorvantaSdkVideoInformation& reference, const CorvantaSdkVide
         throw CorvantaSdkVideoError(Reason::differentVideoTracks, videoTracksDifference(reference, video));
     }
     if (coversAmongTracks(video) != coversAmongTracks(reference)) {
-        throw CorvantaSdkVideoError(Reason::differentVideoTracks,
-                                    "a cover among the tracks of " + reference.url.path() + " or " +
-                                        video.url.path() + " moves them");
+        throw CorvantaSdkVideoError(Reason::differentVideoTracks, "a cover among the tracks of " +
+                                                                      reference.url.path() + " or " +
+                                                                      video.url.path() + " moves them");
     }
     if (video.audios != reference.audios) {
         throw CorvantaSdkVideoError(Reason::differentAudioTracks, audioTracksDifference(reference, video));

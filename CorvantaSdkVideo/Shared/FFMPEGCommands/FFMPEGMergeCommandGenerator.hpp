@@ -1,7 +1,7 @@
 #pragma once
 
-#include <CorvantaSdkVideo/Commands/CorvantaSdkVideoMergeTracks.hpp>
 #include <CorvantaSdkVideo/CorvantaSdkVideoFrameRate.hpp>
+#include <CorvantaSdkVideo/CorvantaSdkVideoMergeTracks.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/FFMPEGCommand.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/MergeForm.hpp>
 #include <CorvantaSdkVideo/Shared/Models/CorvantaSdkVideoInformation.hpp>

@@ -106,10 +106,9 @@ TEST_F(ComparisonTest, NamesTheFirstDifferenceWhereverItIs) {
         {"channel layout", [](Information& i) { i.audios[0].channelLayout = "mono"; }, audioTracks},
         {"number of audio tracks", [](Information& i) { i.audios.clear(); }, audioTracks},
         {"number of audio tracks", [](Information& i) { i.audios.push_back(i.audios[0]); }, audioTracks},
-        {"format",
-         [](Information& i) { i = {i.url, 0, 0, "avi", {}, {}, i.orientation, i.videoSize}; }, formats},
-        {"number of video tracks", [](Information& i) { i.videos.clear(), i.audios.clear(); },
-         videoTracks},
+        {"format", [](Information& i) { i = {i.url, 0, 0, "avi", {}, {}, i.orientation, i.videoSize}; },
+         formats},
+        {"number of video tracks", [](Information& i) { i.videos.clear(), i.audios.clear(); }, videoTracks},
     };
     for (const Case& change : cases) {
         SCOPED_TRACE(change.name);

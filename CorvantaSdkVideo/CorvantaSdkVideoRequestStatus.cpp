@@ -1,4 +1,4 @@
-#include <CorvantaSdkVideo/Commands/CorvantaSdkVideoRequestStatus.hpp>
+#include <CorvantaSdkVideo/CorvantaSdkVideoRequestStatus.hpp>
 
 #include <array>
 #include <cstddef>
