@@ -2,6 +2,7 @@
 
 #include <platform/Errors.hpp>
 #include <platform/MediaOpening.hpp>
+#include <platform/ProbeMemory.hpp>
 
 #include <nlohmann/json.hpp>
 
@@ -287,8 +288,16 @@ std::optional<std::string> fileOfPlainProbe(const std::vector<std::string>& word
 }
 
 std::optional<std::string> probeInProcess(const std::string& file, const std::stop_token& stop) {
+    const auto before = stop.stop_requested() ? std::nullopt : settledState(pathOf(file));
+    if (auto known = before ? ProbeMemory::shared().find(file, *before) : std::nullopt) {
+        return known;
+    }
     try {
-        return answerFor(file, stop);
+        std::string answer = answerFor(file, stop);
+        if (before && settledState(pathOf(file)) == before) {
+            ProbeMemory::shared().keep(file, *before, answer);
+        }
+        return answer;
     } catch (const std::exception&) {
         // ffprobe tells, in its own way, what is wrong with the file.
         return std::nullopt;

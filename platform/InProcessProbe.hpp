@@ -15,7 +15,8 @@ std::optional<std::string> fileOfPlainProbe(const std::vector<std::string>& word
 
 /// What ffprobe would write for that command and file, but for some details of side data. Nothing if ffprobe
 /// would fail, if the file can't be read within bounds, or once `stop` is requested: ffprobe itself is to be
-/// asked then. Blocks; safe from any thread.
+/// asked then. A file that is the same as when it was asked about before isn't read again. Blocks; safe from
+/// any thread.
 std::optional<std::string> probeInProcess(const std::string& file, const std::stop_token& stop);
 
 } // namespace corvanta

@@ -8,6 +8,7 @@
 #include <CorvantaSdkVideo/Shared/VideosInformationGenerator.hpp>
 #include <platform/AssetReader.hpp>
 #include <platform/InProcessProbe.hpp>
+#include <platform/ProbeMemory.hpp>
 
 #include <boost/algorithm/string/join.hpp>
 #include <gmock/gmock.h>
@@ -271,6 +272,34 @@ TEST(ProbeTest, AnswersInProcessAsFfprobeDoes) {
     std::stop_source stopped;
     stopped.request_stop();
     EXPECT_FALSE(probeInProcess(paths.front(), stopped.get_token()));
+}
+
+// As old as the checkout, where a clip of the test's own is too young to be remembered.
+TEST(ProbeTest, RemembersAFileForAsLongAsItIsTheSame) {
+    const std::string file = KEPT_CLIP;
+    const auto state = settledState(file);
+    ASSERT_TRUE(state);
+    EXPECT_FALSE(ProbeMemory::shared().find(file, *state));
+    const auto answer = probeInProcess(file, {});
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(ProbeMemory::shared().find(file, *state), answer);
+    FileState other = *state;
+    other.changed += std::chrono::nanoseconds(1);
+    EXPECT_FALSE(ProbeMemory::shared().find(file, other));
+
+    const TemporaryDirectory directory;
+    writeFile(directory.file("young"), readFile(file));
+    EXPECT_FALSE(settledState(directory.file("young")));
+    EXPECT_FALSE(settledState(directory.path()));
+
+    ProbeMemory small(5);
+    small.keep("a", *state, "1234");
+    small.keep("a", other, "12");
+    small.keep("b", *state, "345");
+    EXPECT_EQ(small.find("a", other), "12");
+    small.keep("c", *state, "6");
+    EXPECT_FALSE(small.find("a", other));
+    EXPECT_TRUE(small.find("b", *state) && small.find("c", *state));
 }
 
 TEST(ProbeTest, NeedsNoProgramForItsOwnQuestion) {
