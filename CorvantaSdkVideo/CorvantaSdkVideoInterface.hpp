@@ -2,6 +2,7 @@
 
 #include <CorvantaSdkVideo/Commands/Builders/ConcatBuilder.hpp>
 #include <CorvantaSdkVideo/Commands/Builders/EncodingBuilder.hpp>
+#include <CorvantaSdkVideo/Commands/Builders/JoinBuilder.hpp>
 #include <CorvantaSdkVideo/Commands/Builders/MergeBuilder.hpp>
 #include <CorvantaSdkVideo/Commands/CorvantaSdkVideoRequest.hpp>
 #include <CorvantaSdkVideo/CorvantaSdkVideoCut.hpp>
@@ -78,6 +79,17 @@ class CorvantaSdkVideoInterface {
     virtual Task<CorvantaSdkVideoCutInspection> cutInspection(CorvantaSdkVideoFile file, double start,
                                                               double end) = 0;
 
+    /// What a join of the files would do, and why: whether they are copied, and else at which size and rate
+    /// they are encoded. Reads the files' heads; of tracks that state no length, what tells it. Throws
+    /// `invalidInputFiles` for less than two files or one that isn't there, `getInformationFailed` for one
+    /// that can't be read, `invalidResolution`, and `mergeFailed` for files that can be neither copied nor
+    /// encoded as one.
+    virtual Task<CorvantaSdkVideoJoinInspection> joinInspection(std::vector<CorvantaSdkVideoFile> input,
+                                                                CorvantaSdkVideoJoinOptions options = {}) = 0;
+
+    /// Makes one video of several: copied if that is possible, else encoded.
+    virtual ::corvanta::JoinBuilder JoinBuilder(std::vector<CorvantaSdkVideoFile> input,
+                                                CorvantaSdkVideoFileDescriptor output) = 0;
     /// Joins unlike videos by re-encoding them.
     virtual ::corvanta::MergeBuilder MergeBuilder(std::vector<CorvantaSdkVideoFile> input,
                                                   CorvantaSdkVideoFileDescriptor output) = 0;

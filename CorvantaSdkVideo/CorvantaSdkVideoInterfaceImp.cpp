@@ -1,6 +1,7 @@
 #include <CorvantaSdkVideo/CorvantaSdkVideoInterfaceImp.hpp>
 
 #include <CorvantaSdkVideo/Commands/Helpers/RequestProgress.hpp>
+#include <CorvantaSdkVideo/Commands/Join/JoinInspector.hpp>
 #include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorImplementation.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/NoiseCancellation/CorvantaNoiseCancellationEngine.hpp>
@@ -67,6 +68,19 @@ CorvantaSdkVideoInterfaceImp::obstacleToConcat(std::vector<CorvantaSdkVideoFile>
     std::vector<URL> videos = urls(input);
     Logger::addLog(Event::compareVideo, EventMessage::compare(videos));
     co_return co_await concatInputValidator().obstacleToConcat(std::move(videos));
+}
+
+Task<CorvantaSdkVideoJoinInspection>
+CorvantaSdkVideoInterfaceImp::joinInspection(std::vector<CorvantaSdkVideoFile> input,
+                                             CorvantaSdkVideoJoinOptions options) {
+    return joinInspector()->inspect(urls(input), std::move(options));
+}
+
+::corvanta::JoinBuilder CorvantaSdkVideoInterfaceImp::JoinBuilder(std::vector<CorvantaSdkVideoFile> input,
+                                                                  CorvantaSdkVideoFileDescriptor output) {
+    Logger::addLog(Event::createConcatBuilder, EventMessage::createConcatBuilder());
+    return {std::move(input), std::move(output), joinInspector(),
+            concatEngine(),   mergeEngine(),     coreDataStore()};
 }
 
 ::corvanta::MergeBuilder CorvantaSdkVideoInterfaceImp::MergeBuilder(std::vector<CorvantaSdkVideoFile> input,
@@ -139,6 +153,12 @@ std::shared_ptr<VideoStore> CorvantaSdkVideoInterfaceImp::coreDataStore() {
 ConcatInputValidator& CorvantaSdkVideoInterfaceImp::concatInputValidator() {
     static NeverDestroyed<ConcatInputValidator> validator;
     return *validator;
+}
+
+std::shared_ptr<const JoinInspector> CorvantaSdkVideoInterfaceImp::joinInspector() {
+    static NeverDestroyed<std::shared_ptr<const JoinInspector>> inspector(
+        std::make_shared<const JoinInspector>(videosInformationGenerator()));
+    return *inspector;
 }
 
 std::shared_ptr<CorvantaSdkVideoConcatEngine> CorvantaSdkVideoInterfaceImp::concatEngine() {

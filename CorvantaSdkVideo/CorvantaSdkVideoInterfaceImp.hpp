@@ -34,6 +34,11 @@ class CorvantaSdkVideoInterfaceImp : public CorvantaSdkVideoInterface {
     Task<std::optional<CorvantaSdkVideoError>>
     obstacleToConcat(std::vector<CorvantaSdkVideoFile> input) override;
 
+    Task<CorvantaSdkVideoJoinInspection> joinInspection(std::vector<CorvantaSdkVideoFile> input,
+                                                        CorvantaSdkVideoJoinOptions options) override;
+
+    ::corvanta::JoinBuilder JoinBuilder(std::vector<CorvantaSdkVideoFile> input,
+                                        CorvantaSdkVideoFileDescriptor output) override;
     ::corvanta::MergeBuilder MergeBuilder(std::vector<CorvantaSdkVideoFile> input,
                                           CorvantaSdkVideoFileDescriptor output) override;
     ::corvanta::ConcatBuilder ConcatBuilder(std::vector<CorvantaSdkVideoFile> input,
@@ -54,6 +59,7 @@ class CorvantaSdkVideoInterfaceImp : public CorvantaSdkVideoInterface {
     /// A store that can't be opened stops the process.
     static std::shared_ptr<VideoStore> coreDataStore();
     static ConcatInputValidator& concatInputValidator();
+    static std::shared_ptr<const JoinInspector> joinInspector();
     static std::shared_ptr<CorvantaSdkVideoConcatEngine> concatEngine();
     static std::shared_ptr<CorvantaSdkVideoMergeEngine> mergeEngine();
     static std::shared_ptr<CorvantaSdkVideoVideoEncoderEngine> encoderEngine();

@@ -73,7 +73,13 @@ std::optional<VideoMergeData> mergeData(const LocalVideoRequest& localRequest) {
                           .framesRate = *rate,
                           .videoTracks = std::move(data->videoTracks),
                           .audioTracks = std::move(data->audioTracks),
-                          .encoding = std::move(data->encoding)};
+                          .encoding = std::move(data->encoding),
+                          .isJoin = data->isJoin};
+}
+
+VideoConcatData concatData(const LocalVideoRequest& localRequest) {
+    auto data = decode<VideoConcatData::SerializableConcatData>(localRequest.rawData);
+    return {inputPaths(localRequest), data ? std::move(data->joinExtension) : std::nullopt};
 }
 
 std::optional<VideoEncodingData> encodingData(const LocalVideoRequest& localRequest) {
@@ -101,7 +107,7 @@ RequestPointer map(const LocalVideoRequest& localRequest, const Engines& engines
     std::optional<VideoConcatData> concat;
     switch (localRequest.type) {
     case LocalVideoRequest::OperationType::concat:
-        concat = VideoConcatData{inputPaths(localRequest)};
+        concat = concatData(localRequest);
         break;
     case LocalVideoRequest::OperationType::merge:
         type = Type::merge;

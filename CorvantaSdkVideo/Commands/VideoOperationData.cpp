@@ -4,6 +4,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <utility>
 
@@ -80,7 +82,20 @@ json storedForm(const Serializable& data) {
     return object;
 }
 
-json toJson(const VideoMergeData::SerializableMergeData& data) { return storedForm(data); }
+json toJson(const VideoMergeData::SerializableMergeData& data) {
+    json object = storedForm(data);
+    if (data.isJoin) {
+        object["join"] = true;
+    }
+    return object;
+}
+json toJson(const VideoConcatData::SerializableConcatData& data) {
+    json object = json::object();
+    if (data.joinExtension) {
+        object["join"] = {{"fileExtension", *data.joinExtension}};
+    }
+    return object;
+}
 json toJson(const VideoEncodingData::SerializableEncodingData& data) { return storedForm(data); }
 
 // The readers throw json::exception for a value that is missing or of another type.
@@ -152,7 +167,32 @@ void readStoredForm(const json& object, Serializable& data) {
     }
 }
 
-void read(const json& object, VideoMergeData::SerializableMergeData& data) { readStoredForm(object, data); }
+void read(const json& object, VideoMergeData::SerializableMergeData& data) {
+    readStoredForm(object, data);
+    if (const auto found = object.find("join"); found != object.end() && !found->is_null()) {
+        data.isJoin = found->get<bool>();
+    }
+}
+
+// It becomes part of a path.
+bool isExtension(const std::string& text) {
+    constexpr std::size_t longest = 8;
+    return !text.empty() && text.size() <= longest &&
+           std::ranges::all_of(text, [](unsigned char character) { return std::isalnum(character) != 0; });
+}
+
+void read(const json& object, VideoConcatData::SerializableConcatData& data) {
+    const auto found = object.find("join");
+    if (found == object.end() || found->is_null()) {
+        return;
+    }
+    const auto& extension = found->at("fileExtension").get_ref<const std::string&>();
+    if (!isExtension(extension)) {
+        throw json::other_error::create(501, "no extension", &*found);
+    }
+    data.joinExtension = extension;
+}
+
 void read(const json& object, VideoEncodingData::SerializableEncodingData& data) {
     readStoredForm(object, data);
 }
@@ -170,7 +210,9 @@ Serializable serialized(const Data& data) {
 } // namespace
 
 VideoMergeData::SerializableMergeData VideoMergeData::serializable() const {
-    return serialized<SerializableMergeData>(*this);
+    auto data = serialized<SerializableMergeData>(*this);
+    data.isJoin = isJoin;
+    return data;
 }
 
 VideoEncodingData::SerializableEncodingData VideoEncodingData::serializable() const {
@@ -209,6 +251,8 @@ template std::optional<std::string> jsonRepresentation(const CorvantaSdkVideoMer
 template std::optional<CorvantaSdkVideoMergeAudioTrack> decode(const std::optional<std::string>&);
 template std::optional<std::string> jsonRepresentation(const CorvantaSdkVideoEncodeVideoEntry&);
 template std::optional<CorvantaSdkVideoEncodeVideoEntry> decode(const std::optional<std::string>&);
+template std::optional<std::string> jsonRepresentation(const VideoConcatData::SerializableConcatData&);
+template std::optional<VideoConcatData::SerializableConcatData> decode(const std::optional<std::string>&);
 template std::optional<std::string> jsonRepresentation(const VideoMergeData::SerializableMergeData&);
 template std::optional<VideoMergeData::SerializableMergeData> decode(const std::optional<std::string>&);
 template std::optional<std::string> jsonRepresentation(const VideoEncodingData::SerializableEncodingData&);

@@ -14,7 +14,18 @@ namespace corvanta {
 
 /// What a concat joins.
 struct VideoConcatData {
+    /// What is stored of it: all but the videos, which are stored as input files. Nothing, unless a join made
+    /// the request.
+    struct SerializableConcatData {
+        std::optional<std::string> joinExtension;
+    };
+
     std::vector<URL> videos;
+    /// For a join: the output's extension. All tracks are joined then, with the tags of the first file, and
+    /// the files are compared as a join does it.
+    std::optional<std::string> joinExtension = {};
+
+    SerializableConcatData serializable() const { return {joinExtension}; }
 };
 
 /// What a merge joins, and how.
@@ -28,6 +39,7 @@ struct VideoMergeData {
         /// The raw value of a frame rate.
         std::string framesRate;
         std::optional<CorvantaSdkVideoEncoding> encoding = {};
+        bool isJoin = false;
     };
 
     std::vector<URL> videos;
@@ -39,6 +51,9 @@ struct VideoMergeData {
     std::vector<CorvantaSdkVideoMergeVideoTrack> videoTracks;
     std::vector<CorvantaSdkVideoMergeAudioTrack> audioTracks;
     std::optional<CorvantaSdkVideoEncoding> encoding = {};
+    /// Whether a join made the request: the tags of the first file are kept then, and tracks that state no
+    /// length are measured.
+    bool isJoin = false;
 
     SerializableMergeData serializable() const;
 

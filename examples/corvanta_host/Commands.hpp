@@ -16,6 +16,7 @@ void addInfoCommand(CLI::App& app, Command& chosen);
 void addThumbnailCommand(CLI::App& app, Command& chosen);
 void addCanConcatCommand(CLI::App& app, Command& chosen);
 void addConcatCommand(CLI::App& app, Command& chosen);
+void addJoinCommand(CLI::App& app, Command& chosen);
 void addMergeCommand(CLI::App& app, Command& chosen);
 void addEncodeCommand(CLI::App& app, Command& chosen);
 void addRequestsCommand(CLI::App& app, Command& chosen);

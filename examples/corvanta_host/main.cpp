@@ -64,9 +64,10 @@ int main(int argumentCount, char** arguments) {
     app.set_version_flag("--version", "corvanta_host " CORVANTA_VERSION);
 
     Command command;
-    for (const auto add : {addInfoCommand, addThumbnailCommand, addCanConcatCommand, addConcatCommand,
-                           addMergeCommand, addEncodeCommand, addEditCommand, addCleanCommand,
-                           addTracksCommand, addRequestsCommand, addWatchCommand, addProcessCommand}) {
+    for (const auto add :
+         {addInfoCommand, addThumbnailCommand, addJoinCommand, addCanConcatCommand, addConcatCommand,
+          addMergeCommand, addEncodeCommand, addEditCommand, addCleanCommand, addTracksCommand,
+          addRequestsCommand, addWatchCommand, addProcessCommand}) {
         add(app, command);
     }
     app.add_subcommand("help", "Show this text, or that of a command");

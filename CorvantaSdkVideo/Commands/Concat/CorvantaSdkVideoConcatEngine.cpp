@@ -1,5 +1,7 @@
 #include <CorvantaSdkVideo/Commands/Concat/CorvantaSdkVideoConcatEngine.hpp>
 
+#include <CorvantaSdkVideo/Commands/Join/JoinCommands.hpp>
+#include <CorvantaSdkVideo/Commands/Join/JoinInspector.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
@@ -13,6 +15,18 @@ namespace corvanta {
 namespace {
 
 using Error = CorvantaSdkVideoError;
+
+struct RemovedAtEnd {
+    const URL& file;
+    ~RemovedAtEnd() { CorvantaSdkVideoUtils::deleteFileIfExists(file); }
+};
+
+// They may have changed since the request was built.
+void requireAlike(const std::vector<JoinFile>& files) {
+    if (const std::string obstacle = copyObstacle(files); !obstacle.empty()) {
+        throw Error(Error::InvalidInputFilesReason::differentVideoTracks, obstacle);
+    }
+}
 
 } // namespace
 
@@ -32,15 +46,27 @@ CorvantaSdkVideoConcatEngine::carryOut(std::shared_ptr<CorvantaSdkVideoRequest> 
         throw Error(Error::concatFailed, "the request tells of no videos");
     }
     const std::vector<URL> videos = request->concatData->videos;
-    const auto outputURL = request->output.url(videos.empty() ? "mp4" : videos.front().pathExtension());
+    const auto joinExtension = request->concatData->joinExtension;
+    const auto outputURL = request->output.url(
+        joinExtension ? *joinExtension : (videos.empty() ? "mp4" : videos.front().pathExtension()));
     if (!outputURL) {
         throw Error(Error::concatFailed, "the output location is no URL");
     }
     videosValidator_.validateVideosExistence(videos, 2);
     auto information = co_await videosInformationGenerator_.generateAssetsMetadata(videos);
-    co_await inputValidator_.validateVideosForConcat(videos);
+    std::vector<JoinFile> files;
+    if (joinExtension) {
+        files = co_await joinFiles(std::move(information));
+        requireAlike(files);
+    } else {
+        co_await inputValidator_.validateVideosForConcat(videos);
+    }
     try {
-        co_await join(request->id, std::move(information), *outputURL);
+        if (joinExtension) {
+            co_await joinAlike(request->id, std::move(files), *outputURL);
+        } else {
+            co_await join(request->id, std::move(information), *outputURL);
+        }
     } catch (const std::exception& error) {
         markFailed(request->id, error);
         throw Error(Error::concatFailed, detailsOf(error));
@@ -67,6 +93,28 @@ Task<> CorvantaSdkVideoConcatEngine::join(UUID id, std::vector<CorvantaSdkVideoI
     for (const std::string& path : command.inputFilesListFilePaths) {
         commandGenerator_.deleteInputFilesListFile(path);
     }
+}
+
+Task<> CorvantaSdkVideoConcatEngine::joinAlike(UUID id, std::vector<JoinFile> files, URL outputURL) {
+    CommandPaths paths;
+    const JoinFile& first = files.front();
+    const URL tagged = paths.input(first.information.url, PathForm::quoted);
+    std::vector<std::string> listed;
+    double seconds = 0;
+    for (const JoinFile& file : files) {
+        listed.push_back(paths.input(file.information.url, PathForm::listed).path());
+        seconds += static_cast<double>(file.information.durationMillis) / 1000;
+    }
+    const URL output = paths.output(outputURL, PathForm::quoted);
+    const URL list =
+        paths.temporary(CorvantaSdkVideoUtils::outputURL(uuidString(makeUUID()), "txt"), PathForm::listFile);
+    const std::string tags = keptTags(first.information.url, 1, output.path());
+    const FFMPEGCommand command = joinByCopyCommand(first, listed, tagged, list, tags, output.path());
+    // Also when the run fails.
+    const RemovedAtEnd removed{list};
+    markProcessing(id);
+    co_await run(id, command.script, seconds);
+    paths.finish();
 }
 
 } // namespace corvanta

@@ -2,6 +2,7 @@
 
 #include <CorvantaSdkVideo/Commands/Concat/ConcatInputValidator.hpp>
 #include <CorvantaSdkVideo/Commands/Helpers/StoredRequestEngine.hpp>
+#include <CorvantaSdkVideo/Commands/Join/JoinForm.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/FFMPEGCommandGenerator.hpp>
 
 #include <memory>
@@ -31,6 +32,8 @@ class CorvantaSdkVideoConcatEngine : public StoredRequestEngine {
     Task<CorvantaSdkVideoRequestResult> carryOut(std::shared_ptr<CorvantaSdkVideoRequest> request) override;
 
     Task<> join(UUID id, std::vector<CorvantaSdkVideoInformation> information, URL outputURL);
+    /// The same for a request that a join has made.
+    Task<> joinAlike(UUID id, std::vector<JoinFile> files, URL outputURL);
 
     FFMPEGCommandGenerator commandGenerator_;
     ConcatInputValidator inputValidator_;

@@ -1,6 +1,7 @@
 #include <CorvantaSdkVideo/Commands/Encoding/CorvantaSdkVideoVideoEncoderEngine.hpp>
 
 #include <CorvantaSdkVideo/Commands/Encoding/EncodingForms.hpp>
+#include <CorvantaSdkVideo/Commands/Join/JoinCommands.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
@@ -83,6 +84,9 @@ Task<std::string> CorvantaSdkVideoVideoEncoderEngine::encode(UUID id, VideoEncod
                          .audioTracks = mergeTracks(data.audioTracks),
                          .framesRate = data.framesRate,
                          .outputPath = output.path()};
+    if (data.encoding) {
+        command.tagOptions = keptTags(data.inputFileURL, 0, output.path());
+    }
     std::vector<EncoderRun> runs = co_await encoderRuns(std::move(command), data.encoding);
     markProcessing(id);
     CorvantaSdkVideoUtils::deleteFileIfExists(outputURL);

@@ -183,7 +183,9 @@ MergeForm formFor(const Encoder& encoder, const Encoding& encoding, const Pictur
 
 } // namespace
 
-std::string MergeCommand::script(const MergeForm& form) const {
+std::string MergeCommand::script(const MergeForm& given) const {
+    MergeForm form = given;
+    form.outputOptions += tagOptions.empty() ? "" : tagOptions.substr(1) + " ";
     return generator
         .generateCommand(inputs, width, height, videoTracks, audioTracks, framesRate, outputPath, form)
         .script;

@@ -23,6 +23,8 @@ struct MergeCommand {
     std::vector<CorvantaSdkVideoMergeAudioTrack> audioTracks = {};
     CorvantaSdkVideoFrameRate framesRate = CorvantaSdkVideoFrameRate::thirtyFps;
     std::string outputPath = {};
+    /// What keeps the tags of the first file, with a blank before each option; empty: as ffmpeg does it.
+    std::string tagOptions = {};
 
     std::string script(const MergeForm& form) const;
 };

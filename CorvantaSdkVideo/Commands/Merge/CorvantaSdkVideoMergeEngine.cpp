@@ -1,6 +1,8 @@
 #include <CorvantaSdkVideo/Commands/Merge/CorvantaSdkVideoMergeEngine.hpp>
 
 #include <CorvantaSdkVideo/Commands/Encoding/EncodingForms.hpp>
+#include <CorvantaSdkVideo/Commands/Join/JoinCommands.hpp>
+#include <CorvantaSdkVideo/Commands/Join/JoinInspector.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
@@ -42,6 +44,9 @@ CorvantaSdkVideoMergeEngine::carryOut(std::shared_ptr<CorvantaSdkVideoRequest> r
     validateResolution(data.width);
     validateResolution(data.height);
     auto information = co_await videosInformationGenerator_.generateAssetsMetadata(data.videos);
+    if (data.isJoin) {
+        information = withoutOverhang(co_await withMeasuredLengths(std::move(information)));
+    }
     const auto outputURL = request->output.url(FileExtension(FileExtension::mp4).rawValue());
     if (!outputURL) {
         throw Error(Error::unableToProcessOutput, "the output location is no URL");
@@ -73,6 +78,9 @@ Task<std::string> CorvantaSdkVideoMergeEngine::merge(UUID id, VideoMergeData dat
                          .audioTracks = data.audioTracks,
                          .framesRate = data.framesRate,
                          .outputPath = output.path()};
+    if (data.isJoin || data.encoding) {
+        command.tagOptions = keptTags(data.videos.front(), 0, output.path());
+    }
     std::vector<EncoderRun> runs = co_await encoderRuns(std::move(command), data.encoding);
     markProcessing(id);
     std::string encoder = co_await runFirstWorking(id, std::move(runs), seconds);

@@ -171,6 +171,36 @@ TEST_F(RequestCommandsTest, FindTheRequestsOfAnotherProcess) {
     EXPECT_EQ(run({"process", idle.id()}).output, file("joined.mp4\n"));
 }
 
+TEST_F(RequestCommandsTest, JoinTellsBeforeItBegins) {
+    const std::string other = makeClip({.pictures = {{.rate = "25"}}, .codecs = "-c:v mpeg4 -c:a aac"});
+    const HostRun copy = run({"--json", "join", clip_, clip_, "-o", file("film"), "--dry-run"});
+    EXPECT_EQ(json::parse(copy.output)["way"], "copied") << copy.errors;
+    const json merge =
+        json::parse(run({"--json", "join", clip_, other, "-o", file("film"), "--dry-run"}).output);
+    EXPECT_EQ(merge["way"], "merged");
+    EXPECT_EQ(merge["path"], file("film.mp4"));
+    EXPECT_THAT(std::string(merge["obstacle"]), HasSubstr("the codec of video track 0 is mpeg4 in " + other));
+    EXPECT_TRUE(requests("idle").empty());
+    for (const auto& [arguments, status, text] :
+         std::vector<std::tuple<std::vector<std::string>, int, std::string>>{
+             {{"join", clip_, "-o", file("film")}, 1, "notEnoughVideos: 1 given"},
+             {{"join", clip_, other, "-o", file("film.mkv")}, 2, "name it " + file("film.mp4")},
+             {{"join", clip_, clip_, "-o", file("film"), "--width", "641"}, 2, "an even number"},
+             {{"join", file("film"), clip_, clip_}, 0, "copied: the files are alike"},
+             {{"join", clip_, clip_, "-o", file("film")}, 1, "film.mp4 is there already"},
+             {{"join", clip_, clip_, "-o", file("in another.mkv")}, 0, "copied"},
+             {{"join", clip_, other, "-o", file("film"), "--force", "--fps", "25"},
+              0,
+              "25 frames a second"}}) {
+        const HostRun ended = run(arguments);
+        EXPECT_EQ(ended.status, status) << ended.errors;
+        EXPECT_THAT(ended.errors, HasSubstr(text));
+    }
+    EXPECT_EQ(probed(file("in another.mkv")).videoCodec(), "h264");
+    EXPECT_EQ(probed(file("film.mp4")).videos[0].frameRate, "25/1");
+    EXPECT_EQ(requests("complete").size(), 3U);
+}
+
 TEST_F(RequestCommandsTest, ProcessSeveral) {
     std::vector<std::string> ids;
     for (const char* name : {"a", "b", "c"}) {
