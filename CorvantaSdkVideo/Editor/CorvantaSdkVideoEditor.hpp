@@ -55,6 +55,17 @@ class CorvantaSdkVideoEditor {
     /// longer than the file, or `trimFailed`.
     virtual Task<URL> getThumbnailForVideo(URL at, double interval, std::optional<std::int64_t> width,
                                            std::optional<std::int64_t> height) = 0;
+
+    /// What a cut of that range would do, found out without encoding anything. Throws as `edit` does before
+    /// it runs anything, and PlatformError for a file without a picture. An editor of a host's own that
+    /// doesn't override it finds that copying loses nothing.
+    virtual Task<CorvantaSdkVideoCutInspection> inspectCut(URL video, CorvantaSdkVideoTimeRange range);
+
+    /// Draws how loud the first sound track is over its whole length, white on nothing, as a PNG file of that
+    /// many pixels in the documents directory. The new file is the caller's, to remove when it has been read.
+    /// Absent from an editor of a host's own that doesn't override it. Throws as `getThumbnailForVideo` does;
+    /// a file without sound is `trimFailed`.
+    virtual Task<std::optional<URL>> getWaveformForVideo(URL at, std::int64_t width, std::int64_t height);
 };
 
 /// An editor of the module's own.

@@ -2,6 +2,7 @@
 
 #include <CorvantaSdkVideo/CorvantaSdkVideoFileDescriptor.hpp>
 #include <CorvantaSdkVideo/Editor/Cut/ExactCut.hpp>
+#include <CorvantaSdkVideo/Editor/WaveformCommand.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
@@ -152,6 +153,29 @@ Task<URL> CorvantaSdkVideoEditorImplementation::getThumbnailForVideo(URL at, dou
             commandGenerator_.generateThumbnailForTrim(video, interval, width, height, image.path());
         co_await commandExecutor_->executeFFMPEGCommand(std::move(command.script));
     } catch (const std::exception& error) {
+        if (isCancellation(error)) {
+            throw;
+        }
+        throw Error(Error::trimFailed, detailsOf(error));
+    }
+    co_return output;
+}
+
+Task<std::optional<URL>> CorvantaSdkVideoEditorImplementation::getWaveformForVideo(URL at, std::int64_t width,
+                                                                                   std::int64_t height) {
+    if (!credentialsManager_->isUserAuthenticated()) {
+        throw Error(Error::userNotAuthenticated, "nobody is logged in");
+    }
+    videoValidator_.validateFileAt(at);
+    const URL output = CorvantaSdkVideoUtils::outputURL(uuidString(makeUUID()), "png");
+    try {
+        CommandPaths paths;
+        const URL video = paths.input(at, PathForm::quoted);
+        const URL image = paths.temporary(output, PathForm::quotedImage);
+        std::string command = waveformCommand(video, width, height, image);
+        co_await commandExecutor_->executeFFMPEGCommand(std::move(command));
+    } catch (const std::exception& error) {
+        CorvantaSdkVideoUtils::deleteFileIfExists(output);
         if (isCancellation(error)) {
             throw;
         }

@@ -25,9 +25,8 @@ class CorvantaSdkVideoEditorImplementation : public CorvantaSdkVideoEditor {
     Task<CorvantaSdkVideoEditorResult> edit(CorvantaSdkVideoEditorInput video) override;
     Task<URL> getThumbnailForVideo(URL at, double interval, std::optional<std::int64_t> width,
                                    std::optional<std::int64_t> height) override;
-
-    /// What a cut of that range would do. Throws as `edit` does before it runs anything.
-    Task<CorvantaSdkVideoCutInspection> inspectCut(URL video, CorvantaSdkVideoTimeRange range);
+    Task<CorvantaSdkVideoCutInspection> inspectCut(URL video, CorvantaSdkVideoTimeRange range) override;
+    Task<std::optional<URL>> getWaveformForVideo(URL at, std::int64_t width, std::int64_t height) override;
 
   private:
     using Meter = std::shared_ptr<ProgressMeter>;

@@ -77,6 +77,39 @@ CorvantaSdkVideoCut cutFrom(const EditOptions& options) {
     return cut;
 }
 
+// What copying would lose or change without a word. What can't be found out, the edit itself stumbles over.
+void warn(Console& console, const CorvantaSdkVideoFile& file, CorvantaSdkVideoTimeRange range,
+          std::int64_t rotationDegrees) {
+    if (console.json()) {
+        return;
+    }
+    try {
+        CorvantaSdkVideoEditorImplementation editor;
+        const auto cut = runInterruptible(editor.inspectCut(file.url(), range));
+        if (cut.copyingLoses && !cut.copiedStart) {
+            console.note("copying keeps no picture of this range: --cut exact keeps all of it");
+        } else if (cut.copyingLoses) {
+            const double late = *cut.copiedStart - range.start;
+            console.note(
+                fmt::format("copying {} {:.2f} s{}: --cut exact keeps all of it, and encodes {:.2f} s",
+                            range.start > 0 ? "starts the picture" : "loses the first", late,
+                            range.start > 0 ? " late" : " of the picture", cut.encodedSeconds));
+        }
+        std::vector<CorvantaSdkVideoFile> files(1, file);
+        const auto information = runInterruptible(CorvantaSdkVideo->getVideosInformation(std::move(files)));
+        // A turn is recorded in the opposite sense to how a probe states it.
+        const std::int64_t own = information.front().rotation();
+        if (own % 360 != 0 && (own + rotationDegrees) % 360 != 0) {
+            console.note(
+                fmt::format("the clip's own turn isn't kept: --rotate {} keeps it, and so does --cut exact",
+                            (720 - own) % 360));
+        }
+    } catch (const Cancelled&) {
+        throw;
+    } catch (const std::exception&) {
+    }
+}
+
 // How each range was made; where nothing but copying was asked for there is nothing to tell.
 void tell(Console& console, const std::string& path, const std::vector<CorvantaSdkVideoTimeRange>& ranges,
           const CorvantaSdkVideoEditorResult& result, bool isAsked) {
@@ -107,6 +140,9 @@ void edit(Console& console, const EditOptions& options) {
     const Files files = options.arguments.files();
     const auto inputs = inputFiles(files.inputs);
     const Output output = outputFor(files, "mp4");
+    if (cut == CorvantaSdkVideoCut::copied) {
+        warn(console, inputs.front(), ranges.front(), options.rotationDegrees);
+    }
     UnfinishedOutput unfinished(output.path);
     CorvantaSdkVideoEditorResult result;
     {

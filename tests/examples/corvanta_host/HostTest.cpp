@@ -117,6 +117,39 @@ TEST(HostTest, FailuresAreOneLineThatNamesTheCause) {
 }
 
 // Before anything is run, stored or removed.
+TEST(HostTest, AnEditTellsWhatCopyingWouldLose) {
+    const TemporaryDirectory directory;
+    const Program::Options there{.environment = {{"XDG_DATA_HOME", directory.file("data")}},
+                                 .workingDirectory = directory.path()};
+    const std::string codecs = "-c:v libx264 -preset ultrafast -g 30 -pix_fmt yuv420p -c:a aac -bf ";
+    const std::string plain = makeClip({.seconds = 3, .codecs = codecs + "0"});
+    const std::string bFrames = makeClip({.seconds = 3, .codecs = codecs + "2"});
+    const std::string phone = makeClip({.seconds = 3, .codecs = codecs + "0", .rotation = -90});
+    const std::string turned =
+        "the clip's own turn isn't kept: --rotate 90 keeps it, and so does --cut exact";
+    for (const auto& [clip, start, more, note] :
+         std::vector<std::tuple<std::string, std::string, Words, std::string>>{
+             {plain, "0", {}, ""},
+             {plain,
+              "0.5",
+              {},
+              "copying starts the picture 0.50 s late: --cut exact keeps all of it, and encodes 0.50 s"},
+             {plain, "2.5", {}, "copying keeps no picture of this range"},
+             {bFrames, "0", {}, "copying loses the first 1.00 s of the picture"},
+             {bFrames, "0", {"--cut", "exact"}, ""},
+             {phone, "0", {}, turned},
+             {phone, "0", {"--rotate", "90"}, ""}}) {
+        Words arguments{"edit", clip, "-o", "e", "--force", "--end", "2.9", "--start", start};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        const std::string errors = runHost(arguments, there).errors;
+        EXPECT_THAT(errors, testing::HasSubstr(note));
+        EXPECT_TRUE(!note.empty() ||
+                    (errors.find("copying") == std::string::npos && errors.find(turned) == std::string::npos))
+            << errors;
+    }
+}
+
 TEST(HostTest, WhatCannotBeFollowedIsToldInWords) {
     const TemporaryDirectory directory;
     const Program::Options there{.environment = {{"XDG_DATA_HOME", directory.file("data")}},
