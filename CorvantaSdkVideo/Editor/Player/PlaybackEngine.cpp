@@ -18,6 +18,7 @@ constexpr std::chrono::milliseconds longestFrameWait{500};
 constexpr std::chrono::seconds firstFrameWait{2};
 constexpr std::chrono::milliseconds waitAfterError{250};
 constexpr int attempts = 4;
+constexpr int mostRecoveries = 20;
 
 // A frame is shown for a while before a position, and clocks of files start at other times than 0.
 bool belongsTo(qint64 position, const QVideoFrame& frame) {
@@ -72,6 +73,10 @@ void PlaybackEngine::open() {
     connect(player_.get(), &QMediaPlayer::errorOccurred, this, [this] {
         if (!hasFrame_ && !hasFailed_) {
             firstFrameWait_.start(waitAfterError);
+        } else if (hasFrame_ && recoveries_ < mostRecoveries) {
+            // Not from within the player that is given up.
+            hasFrame_ = false;
+            QMetaObject::invokeMethod(this, &PlaybackEngine::recover, Qt::QueuedConnection);
         }
     });
     // An audio output without a device makes the player hang.
@@ -86,6 +91,19 @@ void PlaybackEngine::open() {
     firstFrameWait_.start(firstFrameWait * (1 << attempts_));
     ++attempts_;
     player_->setSource(source_);
+}
+
+// Seeks close to a clip's end may break the pipeline: it shows what is sought after that, but doesn't play.
+void PlaybackEngine::recover() {
+    ++recoveries_;
+    frameWait_.stop();
+    if (!wantedPosition_) {
+        wantedPosition_ = soughtPosition_.value_or(lastPosition_);
+    }
+    soughtPosition_.reset();
+    isRestoring_ = true;
+    attempts_ = 0;
+    open();
 }
 
 void PlaybackEngine::endFirstFrameWait() {
@@ -129,6 +147,7 @@ void PlaybackEngine::seek(qint64 milliseconds, quint64 number) {
 void PlaybackEngine::startSeek() {
     if (wantedPosition_) {
         soughtPosition_ = std::exchange(wantedPosition_, std::nullopt);
+        lastPosition_ = *soughtPosition_;
         frameWait_.start();
         player_->setPosition(*soughtPosition_);
     }
@@ -137,6 +156,7 @@ void PlaybackEngine::startSeek() {
 void PlaybackEngine::endSeek() {
     frameWait_.stop();
     soughtPosition_.reset();
+    isRestoring_ = false;
     if (isReady_) {
         startSeek();
     }
@@ -159,11 +179,20 @@ void PlaybackEngine::keepFrame(const QVideoFrame& frame) {
     }
     hasFrame_ = true;
     firstFrameWait_.stop();
+    // The clip's first one would flash up.
+    if (isRestoring_ && !(soughtPosition_ && belongsTo(*soughtPosition_, frame))) {
+        return;
+    }
+    Shown shown{frame};
+    if (player_->playbackState() == QMediaPlayer::PlayingState && !soughtPosition_) {
+        lastPosition_ = player_->position();
+        shown.position = static_cast<double>(lastPosition_) / 1000;
+    }
     bool isTaken = false;
     {
         const std::lock_guard lock(mutex_);
-        isTaken = !newestFrame_.isValid();
-        newestFrame_ = frame;
+        isTaken = !newest_.frame.isValid();
+        newest_ = shown;
     }
     if (isTaken) {
         Q_EMIT frameWaiting();
@@ -176,9 +205,9 @@ void PlaybackEngine::keepFrame(const QVideoFrame& frame) {
     }
 }
 
-QVideoFrame PlaybackEngine::takeFrame() {
+PlaybackEngine::Shown PlaybackEngine::takeFrame() {
     const std::lock_guard lock(mutex_);
-    return std::exchange(newestFrame_, {});
+    return std::exchange(newest_, {});
 }
 
 void PlaybackEngine::mediaStatusChanged(QMediaPlayer::MediaStatus status) {

@@ -32,8 +32,13 @@ class PlaybackEngine : public QObject {
     void seek(qint64 milliseconds, quint64 number);
     void setVolume(float volume);
 
+    struct Shown {
+        QVideoFrame frame;
+        /// Seconds; absent unless it plays.
+        std::optional<double> position = {};
+    };
     /// The newest frame. Safe from any thread.
-    QVideoFrame takeFrame();
+    Shown takeFrame();
 
   Q_SIGNALS:
     /// There is a frame to take. Not repeated until it has been taken.
@@ -49,6 +54,7 @@ class PlaybackEngine : public QObject {
 
   private:
     void close();
+    void recover();
     void endFirstFrameWait();
     void mediaStatusChanged(QMediaPlayer::MediaStatus status);
     void positionChanged(qint64 milliseconds);
@@ -70,10 +76,14 @@ class PlaybackEngine : public QObject {
     int attempts_ = 0;
     bool hasFrame_ = false;
     bool hasFailed_ = false;
+    int recoveries_ = 0;
+    /// Opened anew after an error, and not yet where it stood.
+    bool isRestoring_ = false;
     /// Runs until the first frame, or until another attempt to get one.
     QTimer firstFrameWait_;
 
-    /// Milliseconds.
+    /// Milliseconds, all three.
+    qint64 lastPosition_ = 0;
     std::optional<qint64> wantedPosition_;
     std::optional<qint64> soughtPosition_;
     quint64 seekNumber_ = 0;
@@ -82,7 +92,7 @@ class PlaybackEngine : public QObject {
     qint64 observedSecond_ = 0;
 
     std::mutex mutex_;
-    QVideoFrame newestFrame_;
+    Shown newest_;
 };
 
 } // namespace corvanta

@@ -68,9 +68,13 @@ void QtVideoPlayer::setVideoSink(QVideoSink* sink) {
 }
 
 void QtVideoPlayer::showFrame() {
-    frame_ = engine_->takeFrame();
+    const PlaybackEngine::Shown shown = engine_->takeFrame();
+    frame_ = shown.frame;
     if (sink_) {
         sink_->setVideoFrame(frame_);
+    }
+    if (shown.position && !isSeeking()) {
+        Q_EMIT positionChanged(*shown.position);
     }
 }
 
@@ -81,6 +85,7 @@ void QtVideoPlayer::pause() { QMetaObject::invokeMethod(engine_, &PlaybackEngine
 void QtVideoPlayer::seek(double seconds) {
     QMetaObject::invokeMethod(engine_, [engine = engine_, milliseconds = std::llround(seconds * 1000),
                                         number = ++seeksAsked_] { engine->seek(milliseconds, number); });
+    Q_EMIT positionChanged(seconds);
 }
 
 float QtVideoPlayer::volume() const { return volume_; }

@@ -34,6 +34,9 @@ class VideoPlayer : public QObject {
   Q_SIGNALS:
     /// About once in each second of the file while it plays.
     void timeObserved(double seconds);
+    /// Where it stands: with each seek, at once, and with each frame while it plays. A player that doesn't
+    /// tell is stopped at a range's end by `timeObserved` alone.
+    void positionChanged(double seconds);
     void didPlayToEndTime();
     /// No frame can be shown; the reason may be empty.
     void failed(const QString& reason);

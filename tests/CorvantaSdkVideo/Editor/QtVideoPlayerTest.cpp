@@ -105,13 +105,13 @@ TEST(PlaybackEngineTest, OpensAndSeeksWithoutTheQtThread) {
         Qt::DirectConnection);
     QMetaObject::invokeMethod(engine, &PlaybackEngine::open);
     QVideoFrame frame;
-    EXPECT_TRUE(test::eventually([&] { return (frame = engine->takeFrame()).isValid(); }));
+    EXPECT_TRUE(test::eventually([&] { return (frame = engine->takeFrame().frame).isValid(); }));
     for (quint64 number = 1; number <= 50; ++number) {
         const qint64 position = number < 50 ? static_cast<qint64>(number % 2) * 1000 : 2000;
         QMetaObject::invokeMethod(engine, [=] { engine->seek(position, number); });
     }
     EXPECT_TRUE(test::eventually([&] { return sought == 50; }));
-    frame = engine->takeFrame();
+    frame = engine->takeFrame().frame;
     EXPECT_NEAR(static_cast<double>(frame.startTime()) / 1e6, 2, 0.04) << "the last one";
     thread.quit();
     thread.wait();
