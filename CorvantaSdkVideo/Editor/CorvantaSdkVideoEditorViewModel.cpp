@@ -1,15 +1,17 @@
 #include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorViewModel.hpp>
 
-#include <CorvantaSdkVideo/Editor/EditorTasks.hpp>
 #include <CorvantaSdkVideo/Editor/Player/QtVideoPlayer.hpp>
 #include <CorvantaSdkVideo/Editor/QtExecutor.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 #include <platform/UUID.hpp>
 
+#include <QCoreApplication>
+
 #include <boost/asio/post.hpp>
 
-#include <exception>
+#include <string>
+#include <string_view>
 #include <utility>
 
 namespace corvanta {
@@ -22,11 +24,6 @@ URL locationFor(const std::optional<CorvantaSdkVideoFileDescriptor>& output) {
         return *chosen;
     }
     return CorvantaSdkVideoUtils::outputURL(uuidString(makeUUID()), fileExtension);
-}
-
-Task<CorvantaSdkVideoEditorResult> edited(std::shared_ptr<CorvantaSdkVideoEditor> editor,
-                                          CorvantaSdkVideoEditorInput input) {
-    co_return co_await editor->edit(std::move(input));
 }
 
 } // namespace
@@ -50,6 +47,7 @@ CorvantaSdkVideoEditorViewModel::CorvantaSdkVideoEditorViewModel(
     connect(videoPlayer_.get(), &VideoPlayer::failed, this, [this] { tellWhatIsWrong(fileNotice_, true); });
     connect(videoPlayer_.get(), &VideoPlayer::recovered, this,
             [this] { tellWhatIsWrong(fileNotice_, false); });
+    connect(videoPlayer_.get(), &VideoPlayer::positionChanged, this, &ViewModel::followPlayer);
 }
 
 void CorvantaSdkVideoEditorViewModel::showTrimmer() { showTab(true, false, false); }
@@ -65,41 +63,9 @@ void CorvantaSdkVideoEditorViewModel::showTab(bool trimmer, bool sound, bool rot
 }
 
 void CorvantaSdkVideoEditorViewModel::trimVideo(Handler handler) {
-    if (isTrimming() || isClosing_ || hasEnded()) {
-        return;
-    }
-    isTrimming_ = true;
-    CorvantaSdkVideoEditorInput input{videoURL_,
-                                      outputURL_,
-                                      trimmerStart(),
-                                      stopAt(),
-                                      videoRotation() + currentRotation_,
-                                      videoPlayer_->volume()};
-    startOnQtThread(runEdit(this, editor_, std::move(input), std::move(handler)));
-}
-
-Task<> CorvantaSdkVideoEditorViewModel::runEdit(QPointer<ViewModel> model,
-                                                std::shared_ptr<CorvantaSdkVideoEditor> editor,
-                                                CorvantaSdkVideoEditorInput input, Handler handler) {
-    std::optional<CorvantaSdkVideoEditorResult> result;
-    std::string details;
-    try {
-        result = co_await onEditorWorker(edited(std::move(editor), std::move(input)));
-    } catch (const std::exception& error) {
-        // Whatever the cause was, the user reads one text.
-        details = detailsOf(error);
-    }
-    if (!model) {
-        co_return;
-    }
-    if (result) {
-        model->end(*result, handler);
-    } else {
-        model->error_ = CorvantaSdkVideoError(CorvantaSdkVideoError::trimFailed, details);
-    }
-    if (model) {
-        model->isTrimming_ = false;
-    }
+    startEdit({videoURL_, outputURL_, trimmerStart(), stopAt(), videoRotation() + currentRotation_,
+               videoPlayer_->volume()},
+              std::move(handler));
 }
 
 void CorvantaSdkVideoEditorViewModel::closeTrimmer(Handler handler) {
@@ -128,8 +94,8 @@ void CorvantaSdkVideoEditorViewModel::end(const CorvantaSdkVideoEditorResult& re
 
 QString CorvantaSdkVideoEditorViewModel::errorDescription() const {
     const auto present = error();
-    const std::string_view text = present ? present->description() : std::string_view();
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    const std::string text(present ? present->description() : std::string_view());
+    return text.empty() ? QString() : QCoreApplication::translate("CorvantaSdkVideoEditor", text.c_str());
 }
 
 } // namespace corvanta

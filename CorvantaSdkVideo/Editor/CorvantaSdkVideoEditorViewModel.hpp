@@ -54,6 +54,10 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     Q_PROPERTY(int thumbnailCount MEMBER thumbnailCount CONSTANT)
     Q_PROPERTY(int totalTrimmerHorizontalPadding READ totalTrimmerHorizontalPadding CONSTANT)
     Q_PROPERTY(double frameDistance READ frameDistance NOTIFY isReadyChanged)
+    Q_PROPERTY(double frameDuration READ frameDuration NOTIFY isReadyChanged)
+    Q_PROPERTY(double videoDuration READ videoDuration NOTIFY isReadyChanged)
+    Q_PROPERTY(double keptLength READ keptLength NOTIFY keptLengthChanged)
+    Q_PROPERTY(bool keepsAll READ keepsAll NOTIFY keepsAllChanged)
     Q_PROPERTY(double pixelRatio MEMBER pixelRatio_)
 
     // Playback, sound and rotation
@@ -66,6 +70,7 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     Q_PROPERTY(int videoRotation READ videoRotation NOTIFY videoRotationChanged)
     Q_PROPERTY(double videoAspectRatio READ videoAspectRatio NOTIFY videoAspectRatioChanged)
     Q_PROPERTY(double volumeHeight READ volumeHeight NOTIFY volumeHeightChanged)
+    Q_PROPERTY(bool hasSound READ hasSound NOTIFY isReadyChanged)
 
     // Tabs and the course of the editor
     Q_PROPERTY(bool isTrimmerVisible READ isTrimmerVisible NOTIFY isTrimmerVisibleChanged)
@@ -75,6 +80,7 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     Q_PROPERTY(bool isUnreadable READ isUnreadable NOTIFY noticeChanged)
     Q_PROPERTY(QString notice READ notice NOTIFY noticeChanged)
     Q_PROPERTY(bool isTrimming READ isTrimming NOTIFY isTrimmingChanged)
+    Q_PROPERTY(double editProgress READ editProgress NOTIFY editProgressChanged)
     Q_PROPERTY(bool isAuthenticated READ isAuthenticated CONSTANT)
     Q_PROPERTY(bool hasError READ hasError NOTIFY errorChanged)
     Q_PROPERTY(QString errorDescription READ errorDescription NOTIFY errorChanged)
@@ -123,8 +129,22 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     Q_INVOKABLE void moveStartBy(double distance);
     Q_INVOKABLE void moveEndBy(double distance);
     Q_INVOKABLE void moveRangeBy(double distance);
+    /// Keeps what lies between two times, as far as the clip has it and the edges can stand so close. Nothing
+    /// before the file has been read.
+    Q_INVOKABLE void keep(double start, double end);
+    /// Keeps the whole clip again. Turn and volume stay.
+    Q_INVOKABLE void resetRange();
+
+    /// Whether a drag that begins there, inside of the frame, is on none of its parts.
+    Q_INVOKABLE bool isFreeAt(double position) const;
+    /// Whether a tap there is inside of the frame and beside what shows of the handles.
+    Q_INVOKABLE bool isBetweenHandlesAt(double position) const;
+    /// The time that a position on the strip stands for.
+    Q_INVOKABLE double secondsAt(double position) const;
 
     Q_INVOKABLE void handleAction();
+    /// Shows the picture at that time, which need not be a whole second; playing goes on from there.
+    void seekTo(double seconds);
 
     Q_INVOKABLE void showTrimmer();
     Q_INVOKABLE void showSound();
@@ -143,6 +163,11 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     /// The edit records `videoRotation` plus `currentRotation`, whose senses are opposite: a clip whose probe
     /// states a quarter turn comes out at 180 degrees to what the screen shows.
     void trimVideo(Handler handler);
+    /// The same with a cut that has been chosen, and with the picture coming out as the screen shows it: the
+    /// file's own turn and the chosen one on top.
+    void trimVideo(CorvantaSdkVideoCut cut, Handler handler);
+    /// Ends an edit that runs; the editor stays as it is. An output that wasn't there before goes.
+    Q_INVOKABLE void cancelEdit();
 
     /// Cancels: calls `completion` without a URL and then `handler`, from the event loop. Does nothing while
     /// an edit runs and after the editor has ended.
@@ -166,6 +191,16 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
 
     /// What one frame of the file takes on the strip.
     double frameDistance() const;
+    /// Seconds; 0 before the file has been read.
+    double frameDuration() const { return frameDuration_; }
+    /// Seconds.
+    double keptLength() const { return keptLength_; }
+    /// Whether the range is the whole clip, by what a hand can tell.
+    bool keepsAll() const { return keepsAll_; }
+    /// Whether an edit would change anything.
+    Q_INVOKABLE bool hasChanges() const;
+    /// Of a thumbnail on the strip.
+    QSize thumbnailPixels() const;
     bool isMakingThumbnails() const { return isMakingThumbnails_; }
 
     double screenWidth() const { return screenWidth_; }
@@ -202,6 +237,9 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     /// Degrees, as the file's probe states them.
     std::int64_t currentRotation() const { return currentRotation_; }
 
+    /// Whether the file has a sound track.
+    bool hasSound() const { return hasSound_; }
+
     /// The file has been read: it has a length, and can be edited.
     bool isReady() const { return isReady_; }
     /// It has been tried, and can't be.
@@ -213,6 +251,8 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     bool isSoundVisible() const { return isSoundVisible_; }
     bool isRotationVisible() const { return isRotationVisible_; }
     bool isTrimming() const { return isTrimming_; }
+    /// How far the edit that runs has come, 0 to 1.
+    double editProgress() const { return editProgress_; }
     bool isAuthenticated() const { return isAuthenticated_; }
     std::optional<CorvantaSdkVideoError> error() const { return error_; }
     bool hasError() const { return error().has_value(); }
@@ -221,6 +261,7 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     const URL& videoURL() const { return videoURL_; }
     const URL& outputURL() const { return outputURL_; }
     VideoPlayer& videoPlayer() const { return *videoPlayer_; }
+    const std::shared_ptr<CorvantaSdkVideoEditor>& editor() const { return editor_; }
 
   Q_SIGNALS:
     void trimmerSizeChanged();
@@ -250,6 +291,9 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     void isReadyChanged();
     void noticeChanged();
     void isTrimmingChanged();
+    void editProgressChanged();
+    void keepsAllChanged();
+    void keptLengthChanged();
     void errorChanged();
 
   private:
@@ -269,24 +313,24 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     void setTrimmerStart(double seconds);
     void setStopAt(double seconds);
     void updateRange();
-    double secondsAt(double position) const;
     void placeEdges(double left, double right);
 
     void takeInformation(const CorvantaSdkVideoInformation& information, double duration);
     void tellWhatIsWrong(const QString& file, bool playerHasFailed);
     void generateThumbnails();
-    QSize thumbnailPixels() const;
     void setThumbnail(int index, const QImage& image);
 
     void play();
     void pause();
     void seek(double seconds);
     void onDidFinishPlaying();
+    void followPlayer(double seconds);
     void setVolumeHeight(double height);
     void checkVideoOrientation();
     void showTab(bool trimmer, bool sound, bool rotation);
 
     bool hasEnded() const { return !completion_; }
+    void startEdit(CorvantaSdkVideoEditorInput input, Handler handler);
     /// The view model may be gone afterwards.
     void end(const CorvantaSdkVideoEditorResult& result, const Handler& handler);
 
@@ -316,11 +360,16 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     double videoDuration_ = 0;
     /// Seconds.
     double frameDuration_ = 0;
+    bool hasSound_ = false;
+    /// Where the player stands, in seconds.
+    double playerPosition_ = 0;
     QSizeF videoResolution_{0, 0};
     std::optional<Orientation> videoOrientation_;
     std::int64_t currentRotation_ = 0;
     double previousVolumeHeight_ = 0;
     bool isClosing_ = false;
+    /// Ends the edit that runs; empty while none does.
+    std::function<void()> stopEdit_;
 
     /// The screen's pixels in a point.
     double pixelRatio_ = 1;
@@ -359,6 +408,9 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     CORVANTA_OBSERVABLE(bool, isReady, false)
     CORVANTA_OBSERVABLE(QString, notice, QString())
     CORVANTA_OBSERVABLE(bool, isTrimming, false)
+    CORVANTA_OBSERVABLE(double, editProgress, 0)
+    CORVANTA_OBSERVABLE(bool, keepsAll, true)
+    CORVANTA_OBSERVABLE(double, keptLength, 0)
     CORVANTA_OBSERVABLE(std::optional<CorvantaSdkVideoError>, error, std::nullopt)
 #undef CORVANTA_OBSERVABLE
 

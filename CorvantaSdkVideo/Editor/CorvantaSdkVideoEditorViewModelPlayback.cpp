@@ -21,12 +21,26 @@ void CorvantaSdkVideoEditorViewModel::pause() {
 }
 
 void CorvantaSdkVideoEditorViewModel::play() {
-    if (didFinishPlaying()) {
+    // The range may have been moved since, to before where the player stands.
+    const bool isBehind = isReady() && playerPosition_ >= stopAt() - frameDuration_ / 2;
+    if (didFinishPlaying() || isBehind) {
         seek(secondsAt(trimmerXOffset()));
     }
     isPlaying_ = true;
     didFinishPlaying_ = false;
     videoPlayer_->play();
+}
+
+void CorvantaSdkVideoEditorViewModel::followPlayer(double seconds) {
+    playerPosition_ = seconds;
+    if (isPlaying() && isReady() && seconds >= stopAt()) {
+        onDidFinishPlaying();
+    }
+}
+
+void CorvantaSdkVideoEditorViewModel::seekTo(double seconds) {
+    didFinishPlaying_ = false;
+    videoPlayer_->seek(std::clamp(seconds, 0.0, videoDuration_));
 }
 
 // On whole seconds: that is how coarse the picture shown while trimming is meant to be.

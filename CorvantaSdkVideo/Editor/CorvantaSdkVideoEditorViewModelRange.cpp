@@ -60,6 +60,44 @@ void CorvantaSdkVideoEditorViewModel::moveRangeBy(double distance) {
     videoPlayer_->seek(trimmerStart());
 }
 
+void CorvantaSdkVideoEditorViewModel::keep(double start, double end) {
+    if (!isReady()) {
+        return;
+    }
+    updateUIforTrimmingIfNeeded();
+    const double pointsPerSecond = trimmerInitialWidth() / videoDuration_;
+    const double least = (minimumEdgeDistance + 2 * handleInset) / pointsPerSecond;
+    // The edge that stays holds the one that moves.
+    const bool movesStart = start != trimmerStart();
+    const double first = std::clamp(start, 0.0, std::max(0.0, videoDuration_ - least));
+    const double last = std::clamp(end, std::min(least, videoDuration_), videoDuration_);
+    const double from = movesStart ? std::min(first, std::max(0.0, last - least)) : first;
+    const double to = movesStart ? last : std::max(last, std::min(videoDuration_, first + least));
+    placeEdges(from * pointsPerSecond + handleInset, to * pointsPerSecond - handleInset);
+    setTrimmerStart(from);
+    setStopAt(to);
+}
+
+void CorvantaSdkVideoEditorViewModel::resetRange() {
+    if (isReady()) {
+        keep(0, videoDuration_);
+        videoPlayer_->seek(0);
+    }
+}
+
+bool CorvantaSdkVideoEditorViewModel::hasChanges() const {
+    return !keepsAll() || videoRotation() != 0 || volumeHeight() != initialVolumeHeight;
+}
+
+bool CorvantaSdkVideoEditorViewModel::isFreeAt(double position) const {
+    return isReady() && isBetweenHandlesAt(position) && getTrimEdge(QPointF(position, 0)) == TrimEdge::none;
+}
+
+bool CorvantaSdkVideoEditorViewModel::isBetweenHandlesAt(double position) const {
+    return isReady() && position >= leftEdgePosition_ + handleInset &&
+           position <= rightEdgePosition_ - handleInset;
+}
+
 double CorvantaSdkVideoEditorViewModel::frameDistance() const {
     return isReady() ? trimmerInitialWidth() * frameDuration_ / videoDuration_ : 0;
 }

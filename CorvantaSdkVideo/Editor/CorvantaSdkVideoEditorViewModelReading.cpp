@@ -1,80 +1,33 @@
 #include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorViewModel.hpp>
 
 #include <CorvantaSdkVideo/Editor/EditorTasks.hpp>
-#include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
+#include <CorvantaSdkVideo/Editor/PictureFile.hpp>
 #include <platform/AssetDuration.hpp>
-#include <platform/Directories.hpp>
-#include <platform/NeverDestroyed.hpp>
 
 #include <QCoreApplication>
 #include <QStringList>
 
-#include <chrono>
 #include <cmath>
-#include <condition_variable>
 #include <exception>
-#include <filesystem>
-#include <mutex>
 #include <utility>
 
 namespace corvanta {
 
 namespace {
 
+QString noticeText(const char* source) {
+    return QCoreApplication::translate("CorvantaSdkVideoEditor", source);
+}
+
 Task<std::vector<CorvantaSdkVideoInformation>> probed(VideosInformationGenerator generator, URL video) {
     std::vector<URL> videos{std::move(video)};
     co_return co_await generator.getVideosInformation(std::move(videos));
 }
 
-// The files of thumbnails that are being made. An application that ends waits for them, but not for one that
-// hangs: else they would stay in the user's documents.
-class OpenThumbnails {
-  public:
-    OpenThumbnails() {
-        qAddPostRoutine([] { shared().waitForEnd(); });
-    }
-
-    static OpenThumbnails& shared() {
-        static NeverDestroyed<OpenThumbnails> made;
-        return *made;
-    }
-
-    void add(int change) {
-        const std::lock_guard lock(mutex_);
-        count_ += change;
-        changed_.notify_all();
-    }
-
-  private:
-    void waitForEnd() {
-        std::unique_lock lock(mutex_);
-        changed_.wait_for(lock, std::chrono::seconds(10), [this] { return count_ == 0; });
-    }
-
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    int count_ = 0;
-};
-
-struct OpenThumbnail {
-    OpenThumbnail() { OpenThumbnails::shared().add(1); }
-    OpenThumbnail(const OpenThumbnail&) = delete;
-    OpenThumbnail& operator=(const OpenThumbnail&) = delete;
-    ~OpenThumbnail() { OpenThumbnails::shared().add(-1); }
-};
-
-// An editor of the host's own may hand out files from elsewhere, which aren't ours to remove.
-void removeIfMade(const URL& thumbnail) {
-    const std::filesystem::path path = thumbnail.path();
-    if (path.parent_path() == Directories::documents().path()) {
-        CorvantaSdkVideoUtils::deleteFileIfExists(thumbnail);
-    }
-}
-
 // The picture is null if there is none that can be read.
 Task<QImage> thumbnail(std::shared_ptr<CorvantaSdkVideoEditor> editor, URL video, double position,
                        QSize size) {
-    const OpenThumbnail open;
+    const PictureInTheMaking open;
     std::optional<URL> file;
     try {
         file = co_await editor->getThumbnailForVideo(std::move(video), position, size.width(), size.height());
@@ -113,8 +66,7 @@ Task<> CorvantaSdkVideoEditorViewModel::readVideo(QPointer<ViewModel> model,
     }
     if (videos.empty()) {
         model->isUnreadable_ = true;
-        model->tellWhatIsWrong(QStringLiteral("This file can't be read as a video."),
-                               model->playerHasFailed_);
+        model->tellWhatIsWrong(noticeText("This file can't be read as a video."), model->playerHasFailed_);
     } else {
         model->takeInformation(videos.front(), duration);
     }
@@ -132,14 +84,15 @@ void CorvantaSdkVideoEditorViewModel::takeInformation(const CorvantaSdkVideoInfo
     videoOrientation_ = information.orientation;
     currentRotation_ = information.rotation();
     frameDuration_ = frameDurationOf(information);
+    hasSound_ = !information.audios.empty();
     setStopAt(duration);
     isReady_ = duration > 0;
     isUnreadable_ = !isReady();
     QString notice;
     if (isUnreadable()) {
-        notice = QStringLiteral("This video has no length.");
+        notice = noticeText("This video has no length.");
     } else if (information.videos.empty()) {
-        notice = QStringLiteral("There is no picture in this file.");
+        notice = noticeText("There is no picture in this file.");
     }
     tellWhatIsWrong(notice, playerHasFailed_);
     generateThumbnails();
@@ -150,9 +103,8 @@ void CorvantaSdkVideoEditorViewModel::tellWhatIsWrong(const QString& file, bool 
     fileNotice_ = file;
     playerHasFailed_ = playerHasFailed;
     const bool isRead = isReady() || isUnreadable();
-    notice_ = fileNotice_.isEmpty() && playerHasFailed_ && isRead
-                  ? QStringLiteral("The picture can't be shown.")
-                  : fileNotice_;
+    notice_ = fileNotice_.isEmpty() && playerHasFailed_ && isRead ? noticeText("The picture can't be shown.")
+                                                                  : fileNotice_;
 }
 
 void CorvantaSdkVideoEditorViewModel::generateThumbnails() {

@@ -158,6 +158,10 @@ void CorvantaSdkVideoEditorViewModel::setStopAt(double seconds) {
 }
 
 void CorvantaSdkVideoEditorViewModel::updateRange() {
+    // An edge that was brought back by hand stands a hair beside the end.
+    const double hair = videoDuration_ / std::max(1.0, 4 * trimmerInitialWidth());
+    keepsAll_ = trimmerStart() <= hair && stopAt() >= videoDuration_ - hair;
+    keptLength_ = stopAt() - trimmerStart();
     trimmerRange_ = durationText(trimmerStart()) + QStringLiteral(" - ") + durationText(stopAt());
 }
 

@@ -2,6 +2,9 @@
 
 #include <CorvantaSdkVideo/Editor/QtExecutor.hpp>
 
+#include <boost/asio/bind_cancellation_slot.hpp>
+#include <boost/asio/cancellation_signal.hpp>
+
 #include <exception>
 #include <memory>
 
@@ -9,6 +12,14 @@ namespace corvanta {
 
 void startOnQtThread(Task<> task) {
     boost::asio::co_spawn(QtExecutor(), std::move(task), [](const std::exception_ptr&) {});
+}
+
+std::function<void()> startStoppableOnQtThread(Task<> task) {
+    const auto stop = std::make_shared<boost::asio::cancellation_signal>();
+    boost::asio::co_spawn(
+        QtExecutor(), std::move(task),
+        boost::asio::bind_cancellation_slot(stop->slot(), [stop](const std::exception_ptr&) {}));
+    return [stop] { stop->emit(boost::asio::cancellation_type::terminal); };
 }
 
 boost::asio::thread_pool& editorWorker() {

@@ -6,6 +6,7 @@
 #include <boost/asio/thread_pool.hpp>
 #include <boost/asio/use_awaitable.hpp>
 
+#include <functional>
 #include <utility>
 
 namespace corvanta {
@@ -13,6 +14,9 @@ namespace corvanta {
 /// Starts `task` on the Qt application's thread, from its event loop. An error that it throws ends it
 /// quietly.
 void startOnQtThread(Task<> task);
+
+/// The same; what it returns cancels the task, on the Qt thread, and does nothing once that has ended.
+std::function<void()> startStoppableOnQtThread(Task<> task);
 
 /// The one thread that does for the editor what would block the Qt thread: opening media files, reading
 /// pictures.

@@ -6,6 +6,7 @@
 #include <CorvantaSdkVideo/Editor/Presentation/EditorCover.hpp>
 #include <CorvantaSdkVideo/Editor/Presentation/PresentCorvantaSdkVideoEditorView.hpp>
 #include <CorvantaSdkVideo/Editor/Views/CorvantaSdkVideoPlayer.hpp>
+#include <CorvantaSdkVideo/Editor/Waveform.hpp>
 
 #include <QDir>
 #include <QEventLoop>
@@ -69,6 +70,12 @@ class Scene {
     }
 
     Model& model() const { return *model_; }
+
+    /// Waits for the picture of the sound, if there is any.
+    void waitForSound() const {
+        waitUntil([this] { return !model_->hasSound() || !view_->waveform()->picture().isEmpty(); });
+        settle();
+    }
 
     /// Waits until nothing moves any more.
     void settle() const {
@@ -252,12 +259,12 @@ void writeScreenshots(const QString& video, const QString& directory, QSize size
         scene.model().showSound();
         scene.model().changeVolume(QPointF(24, 70), QSizeF(0, 0),
                                    QRectF(0, 0, 48, Model::initialVolumeHeight));
-        scene.settle();
+        scene.waitForSound();
     });
     stage.show("muted", [](const Scene& scene, QTemporaryDir&) {
         scene.model().showSound();
         scene.model().muteVideo();
-        scene.settle();
+        scene.waitForSound();
     });
     stage.show("rotated", [](const Scene& scene, QTemporaryDir&) {
         scene.model().showRotation();

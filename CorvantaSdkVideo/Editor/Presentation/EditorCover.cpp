@@ -2,6 +2,7 @@
 
 #include <CorvantaSdkVideo/CredentialsManager/CorvantaCredentialsManager.hpp>
 #include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorImplementation.hpp>
+#include <CorvantaSdkVideo/Editor/EditorTexts.hpp>
 #include <CorvantaSdkVideo/Editor/Player/QtVideoPlayer.hpp>
 #include <CorvantaSdkVideo/Shared/VideosInformationGenerator.hpp>
 
@@ -22,8 +23,11 @@ const QUrl screenFile(QStringLiteral(
     "qrc:/qt-project.org/imports/CorvantaSdkVideo/Editor/Views/CorvantaSdkVideoEditorView.qml"));
 
 std::unique_ptr<EditorView> makeView(QQmlEngine& engine, const QVariantMap& properties) {
+    EditorTexts::install();
     QQmlComponent component(&engine, screenFile);
-    std::unique_ptr<QObject> made(component.createWithInitialProperties(properties));
+    // Qt 6.4 doesn't survive the making of a component that has errors.
+    std::unique_ptr<QObject> made(component.isReady() ? component.createWithInitialProperties(properties)
+                                                      : nullptr);
     auto* const view = qobject_cast<EditorView*>(made.get());
     if (view == nullptr) {
         throw std::runtime_error("The editor's screen can't be shown: " +

@@ -44,8 +44,8 @@ class EditorCover : public QObject {
     /// False also when the item has gone.
     bool covers(const QQuickItem& item) const { return covered_ == &item; }
 
-    /// As the close button does: nothing while an edit runs.
-    void close() { view_->closeTrimmer(); }
+    /// As the close button does: nothing while an edit runs, and a question first if there are changes.
+    void close() { view_->requestClose(); }
 
     CorvantaSdkVideoEditorViewModel& viewModel() const { return *viewModel_; }
     EditorView& view() const { return *view_; }

@@ -65,12 +65,12 @@ FocusScope {
             anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
             height: 52
             focus: true
-            label: "Accept"
+            label: qsTr("Accept")
             onClicked: alert.complete()
 
             Text {
                 anchors.centerIn: parent
-                text: "ACCEPT"
+                text: qsTr("ACCEPT")
                 color: CorvantaColor.ambar
                 font { pixelSize: 17; weight: Font.DemiBold }
             }

@@ -12,11 +12,11 @@ Item {
     GrayButton {
         id: close
         anchors.left: parent.left
-        label: "Close"
+        label: qsTr("Close")
         icon: "close"
         // It does nothing while an edit runs.
         enabled: !row.viewModel.isTrimming
-        onClicked: row.view.closeTrimmer()
+        onClicked: row.view.requestClose()
     }
 
     Pressable {
@@ -28,7 +28,7 @@ Item {
         height: confirmText.implicitHeight + 2 * 8
         visible: !row.viewModel.isTrimming && !row.viewModel.isUnreadable
         enabled: row.viewModel.isReady
-        label: "Continue"
+        label: qsTr("Continue")
         onClicked: row.view.trimVideo()
 
         Rectangle {
@@ -41,7 +41,7 @@ Item {
         Text {
             id: confirmText
             anchors.centerIn: parent
-            text: "CONTINUE"
+            text: qsTr("CONTINUE")
             color: "white"
             font.pixelSize: 17
         }

@@ -12,7 +12,7 @@ Rectangle {
     EditionTab {
         id: trim
         anchors { left: parent.left; leftMargin: 32; top: parent.top; topMargin: 8 }
-        label: "Trim"
+        label: qsTr("Trim")
         icon: "trim"
         isSelected: row.viewModel.isTrimmerVisible
         onClicked: row.viewModel.showTrimmer()
@@ -21,7 +21,7 @@ Rectangle {
         // Both spacers of the row are alike.
         x: (trim.x + trim.width + rotation.x - width) / 2
         anchors { top: parent.top; topMargin: 8 }
-        label: "Sound"
+        label: qsTr("Sound")
         icon: "sound"
         isSelected: row.viewModel.isSoundVisible
         onClicked: row.viewModel.showSound()
@@ -29,7 +29,7 @@ Rectangle {
     EditionTab {
         id: rotation
         anchors { right: parent.right; rightMargin: 32; top: parent.top; topMargin: 8 }
-        label: "Rotation"
+        label: qsTr("Rotation")
         icon: "rotate"
         isSelected: row.viewModel.isRotationVisible
         onClicked: row.viewModel.showRotation()

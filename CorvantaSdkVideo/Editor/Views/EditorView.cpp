@@ -1,6 +1,12 @@
 #include <CorvantaSdkVideo/Editor/Views/EditorView.hpp>
 
+#include <CorvantaSdkVideo/Editor/CutChoice.hpp>
+#include <CorvantaSdkVideo/Editor/Playhead.hpp>
+#include <CorvantaSdkVideo/Editor/StripZoom.hpp>
+#include <CorvantaSdkVideo/Editor/Waveform.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
+
+#include <utility>
 
 namespace corvanta {
 
@@ -9,9 +15,15 @@ EditorView::EditorView(QQuickItem* parent) : QQuickItem(parent) {
     Logger::addLog(Event::initEditVideoScreen, EventMessage::initEditVideoScreen());
 }
 
+EditorView::~EditorView() = default;
+
 void EditorView::setViewModel(CorvantaSdkVideoEditorViewModel* viewModel) {
     if (viewModel != viewModel_) {
         viewModel_ = viewModel;
+        cutChoice_ = viewModel != nullptr ? std::make_unique<CutChoice>(*viewModel) : nullptr;
+        stripZoom_ = viewModel != nullptr ? std::make_unique<StripZoom>(*viewModel) : nullptr;
+        waveform_ = viewModel != nullptr ? std::make_unique<Waveform>(*viewModel) : nullptr;
+        playhead_ = viewModel != nullptr ? std::make_unique<Playhead>(*viewModel) : nullptr;
         Q_EMIT viewModelChanged();
     }
 }
@@ -25,13 +37,35 @@ void EditorView::setOrientationManager(OrientationManager* orientationManager) {
 
 void EditorView::trimVideo() {
     if (viewModel_) {
-        viewModel_->trimVideo(dismissing());
+        cutChoice_->confirm(dismissing());
     }
 }
 
 void EditorView::closeTrimmer() {
     if (viewModel_) {
         viewModel_->closeTrimmer(dismissing());
+    }
+}
+
+void EditorView::requestClose() {
+    if (!viewModel_ || viewModel_->isTrimming()) {
+        return;
+    }
+    if (viewModel_->hasChanges()) {
+        // An alert would hide the question.
+        viewModel_->clearError();
+        cutChoice_->takeBack();
+        setAskedToLeave(true);
+    } else {
+        closeTrimmer();
+    }
+}
+
+void EditorView::stay() { setAskedToLeave(false); }
+
+void EditorView::setAskedToLeave(bool isAsked) {
+    if (std::exchange(isAskedToLeave_, isAsked) != isAsked) {
+        Q_EMIT isAskedToLeaveChanged();
     }
 }
 

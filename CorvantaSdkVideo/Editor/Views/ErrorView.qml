@@ -5,6 +5,6 @@ Alert {
     /// The description of an error.
     required property string error
 
-    title: "Error"
+    title: qsTr("Error")
     message: error
 }

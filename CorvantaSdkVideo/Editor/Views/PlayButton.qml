@@ -4,7 +4,7 @@ import CorvantaSdkVideo.Editor
 GrayButton {
     required property CorvantaSdkVideoEditorViewModel viewModel
 
-    label: "Play"
+    label: qsTr("Play")
     icon: "play"
     diameter: 40
     iconSize: 20

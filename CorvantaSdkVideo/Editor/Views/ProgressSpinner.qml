@@ -8,7 +8,7 @@ Item {
     implicitHeight: 24
 
     Accessible.role: Accessible.ProgressBar
-    Accessible.name: "Editing"
+    Accessible.name: qsTr("Editing")
 
     SmoothShape {
         anchors.fill: parent

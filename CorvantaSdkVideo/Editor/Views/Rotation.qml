@@ -14,12 +14,12 @@ Item {
         spacing: 32
 
         GrayButton {
-            label: "Rotate left"
+            label: qsTr("Rotate left")
             icon: "rotateLeft"
             onClicked: rotation.viewModel.rotateLeft()
         }
         GrayButton {
-            label: "Rotate right"
+            label: qsTr("Rotate right")
             icon: "rotateRight"
             onClicked: rotation.viewModel.rotateRight()
         }

@@ -22,6 +22,10 @@ Column {
     Item {
         id: bar
 
+        /// In percent.
+        readonly property real value: Math.round(dragger.viewModel.volumeHeight / height * 100)
+        readonly property real minimumValue: 0
+        readonly property real maximumValue: 100
         readonly property rect frame: Qt.rect(0, 0, width, height)
 
         width: 48
@@ -29,7 +33,7 @@ Column {
         activeFocusOnTab: true
 
         Accessible.role: Accessible.Slider
-        Accessible.name: "Volume " + Math.round(dragger.viewModel.volumeHeight / height * 100) + "%"
+        Accessible.name: qsTr("Volume %1%").arg(value)
         Accessible.focusable: true
         Accessible.onIncreaseAction: dragger.step(true)
         Accessible.onDecreaseAction: dragger.step(false)
@@ -81,7 +85,7 @@ Column {
 
         width: 48
         height: 48
-        label: dragger.viewModel.volumeHeight > 0 ? "Mute" : "Unmute"
+        label: dragger.viewModel.volumeHeight > 0 ? qsTr("Mute") : qsTr("Unmute")
         onClicked: dragger.viewModel.muteVideo()
 
         Rectangle {

@@ -9,10 +9,22 @@ Item {
     required property color color
     required property real cornerRadius
     required property real outerPadding
+    /// Seconds.
+    required property real value
+    required property real maximumValue
+    readonly property real minimumValue: 0
+
+    signal moved(int steps)
+
+    /// Shown by no ring, as long as no key is pressed.
+    property bool isFocusedByPointer: false
 
     Accessible.role: Accessible.Slider
-    Accessible.name: isLeft ? "Start" : "End"
+    Accessible.name: isLeft ? qsTr("Start") : qsTr("End")
     Accessible.focusable: true
+    Accessible.onIncreaseAction: moved(1)
+    Accessible.onDecreaseAction: moved(-1)
+    onActiveFocusChanged: if (!activeFocus) isFocusedByPointer = false
     activeFocusOnTab: true
 
     RoundedCorner {
@@ -35,6 +47,7 @@ Item {
     }
     FocusRing {
         target: handle
+        visible: handle.activeFocus && !handle.isFocusedByPointer
         radius: 8
     }
 }

@@ -2,6 +2,6 @@ import QtQuick
 import CorvantaSdkVideo.Editor
 
 Alert {
-    title: "Error"
-    message: "Authentication required"
+    title: qsTr("Error")
+    message: qsTr("Authentication required")
 }

@@ -6,6 +6,8 @@ Item {
 
     required property CorvantaSdkVideoEditorViewModel viewModel
 
+    required property Waveform waveform
+
     function stepVolume(up) { dragger.step(up) }
 
     // A phone's clip tells its turn apart from its size: what is shown counts.
@@ -38,7 +40,7 @@ Item {
         rotation: reader.viewModel.videoRotation
 
         Accessible.role: Accessible.Graphic
-        Accessible.name: "Video"
+        Accessible.name: qsTr("Video")
 
         Behavior on rotation {
             RotationAnimation { duration: 300; easing.type: Easing.InOutQuad; direction: RotationAnimation.Shortest }
@@ -49,6 +51,16 @@ Item {
         }
     }
 
+    SoundPicture {
+        anchors { left: parent.left; right: parent.right; leftMargin: 16; rightMargin: 16 }
+        // Level with the middle of the bar.
+        y: dragger.scale * (dragger.padding + 192 / 2) - height / 2
+        height: implicitHeight * dragger.scale
+        viewModel: reader.viewModel
+        waveform: reader.waveform
+        opacity: dragger.opacity
+        visible: opacity > 0
+    }
     PlayButton {
         id: play
         anchors.centerIn: parent

@@ -85,6 +85,7 @@ TEST_F(EditorScreenTest, EditsAVideoFromEndToEnd) {
 
     const double length = model().stopAt() - model().trimmerStart();
     click("Continue");
+    click("Fast");
     EXPECT_TRUE(block("ProgressSpinner")->isVisible());
     EXPECT_FALSE(isShown("Continue"));
     ASSERT_TRUE(eventually([this] { return !results_.empty(); }));
@@ -142,7 +143,12 @@ TEST_F(EditorScreenTest, SaysWhatIsWrongWithAFile) {
 }
 
 TEST_F(EditorScreenTest, LeavesWithoutAnEditAtEveryPoint) {
-    const auto byButton = [this] { click("Close"); };
+    const auto byButton = [this] {
+        click("Close");
+        if (isShown("Discard")) {
+            click("Discard");
+        }
+    };
     const auto byKey = [this] { QTest::keyClick(window_, Qt::Key_Escape); };
     const auto byWindow = [this] { window_->close(); };
     using Step = std::function<void()>;
@@ -175,6 +181,7 @@ TEST_F(EditorScreenTest, ShowsAFailureAndComesBackWithTheSameEdit) {
     std::optional<test::FakeProgram> ffmpeg(std::in_place, "CORVANTA_FFMPEG",
                                             "while [ ! -e \"$here/go\" ]; do sleep 0.02; done; exit 1");
     click("Continue");
+    click("Fast");
     click(block("ControlButtons")->childItems().constFirst());
     QTest::keyClick(window_, Qt::Key_Escape);
     window_->close();
@@ -191,6 +198,7 @@ TEST_F(EditorScreenTest, ShowsAFailureAndComesBackWithTheSameEdit) {
     EXPECT_TRUE(results_.empty());
     ffmpeg.reset();
     click("Continue");
+    click("Fast");
     ASSERT_TRUE(isClosed());
     ASSERT_EQ(results_.size(), 1U);
     EXPECT_NE(results_.front().editedVideoURL, std::nullopt);
@@ -254,6 +262,9 @@ TEST_F(EditorScreenTest, IsWorkedByKeysAlone) {
     EXPECT_EQ(model().volumeHeight(), 192 - 3 * 8);
     EXPECT_FALSE(model().isPlaying());
     press(Qt::Key_Escape);
+    EXPECT_TRUE(eventually([&] { return focused() == "Keep editing"; }));
+    press(Qt::Key_Down);
+    press(Qt::Key_Return);
     ASSERT_TRUE(isClosed());
 }
 

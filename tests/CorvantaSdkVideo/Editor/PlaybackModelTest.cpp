@@ -45,6 +45,27 @@ TEST_F(PlaybackModelTest, PlaysFromWhereItStandsAndAfterTheEndFromTheRangesStart
     EXPECT_TRUE(model_->didFinishPlaying());
 }
 
+TEST_F(PlaybackModelTest, StopsAtTheRangesEndAndStartsOverBehindIt) {
+    openAndLayOut(makeClip({.seconds = 6}));
+    model_->keep(1, 4);
+    model_->handleAction();
+    Q_EMIT player_->positionChanged(3.99);
+    EXPECT_TRUE(model_->isPlaying());
+    Q_EMIT player_->positionChanged(4);
+    EXPECT_FALSE(model_->isPlaying());
+    EXPECT_TRUE(model_->didFinishPlaying());
+    model_->seekTo(3);
+    EXPECT_FALSE(model_->didFinishPlaying());
+    Q_EMIT player_->positionChanged(3);
+    player_->takeCalls();
+    model_->handleAction();
+    model_->handleAction();
+    EXPECT_THAT(player_->takeCalls(), ElementsAre("play", "pause"));
+    model_->keep(1.2, 2.9);
+    model_->handleAction();
+    EXPECT_THAT(player_->takeCalls(), ElementsAre("seek 1.000000", "play"));
+}
+
 TEST_F(PlaybackModelTest, SetsTheVolumeByTheBarMutesAndComesBack) {
     open(makeClip({}));
     // Where the pointer is, how far it went, and the bar's height then.
