@@ -11,7 +11,14 @@ Playhead::Playhead(CorvantaSdkVideoEditorViewModel& viewModel) : viewModel_(view
         seconds_ = seconds;
         Q_EMIT secondsChanged();
     });
-    connect(&viewModel, &CorvantaSdkVideoEditorViewModel::stopAtChanged, this, &Playhead::followEnd);
+    using Model = CorvantaSdkVideoEditorViewModel;
+    connect(&viewModel, &Model::stopAtChanged, this, &Playhead::followEnd);
+    // Played from where the end shows, it would stop at once.
+    connect(&viewModel, &Model::isPlayingChanged, this, [this] {
+        if (viewModel_.isPlaying() && showsEnd_) {
+            endMovingEdge();
+        }
+    });
 }
 
 double Playhead::lastPicture() const {

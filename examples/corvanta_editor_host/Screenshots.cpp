@@ -3,6 +3,7 @@
 #include "ResultWindow.hpp"
 
 #include <CorvantaSdkVideo/CorvantaSdkVideo.hpp>
+#include <CorvantaSdkVideo/Editor/CutChoice.hpp>
 #include <CorvantaSdkVideo/Editor/Presentation/EditorCover.hpp>
 #include <CorvantaSdkVideo/Editor/Presentation/PresentCorvantaSdkVideoEditorView.hpp>
 #include <CorvantaSdkVideo/Editor/Views/CorvantaSdkVideoPlayer.hpp>
@@ -70,6 +71,7 @@ class Scene {
     }
 
     Model& model() const { return *model_; }
+    EditorView& view() const { return *view_; }
 
     /// Waits for the picture of the sound, if there is any.
     void waitForSound() const {
@@ -269,6 +271,18 @@ void writeScreenshots(const QString& video, const QString& directory, QSize size
     stage.show("rotated", [](const Scene& scene, QTemporaryDir&) {
         scene.model().showRotation();
         scene.model().rotateRight();
+        scene.settle();
+    });
+    stage.show("exact-or-fast", [](const Scene& scene, QTemporaryDir&) {
+        trim(scene);
+        scene.view().trimVideo();
+        // Where copying loses nothing there is nothing to ask.
+        waitUntil([&scene] { return scene.view().cutChoice()->isAsked() || scene.model().isTrimming(); });
+        scene.settle();
+    });
+    stage.show("leaving", [](const Scene& scene, QTemporaryDir&) {
+        trim(scene);
+        scene.view().requestClose();
         scene.settle();
     });
     stage.show("editing", [](const Scene& scene, QTemporaryDir&) {
