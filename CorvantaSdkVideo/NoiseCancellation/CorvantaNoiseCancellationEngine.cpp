@@ -36,7 +36,7 @@ namespace {
 
 using Error = CorvantaSdkVideoError;
 
-// Frames that are cleaned in one go, before other work on the caller's executor has its turn: a second of sound.
+// Frames that are cleaned in one go, before other work on the caller's executor has its turn: a second.
 constexpr int framesPerTurn = 100;
 
 // As long as it takes, since a long file's sound is all over it; a stop ends it.
