@@ -198,8 +198,6 @@ Item {
         readonly property real longestStep: 1
         readonly property real handleInset: strip.edgesSize / 2 + strip.edgesAdditionalPadding / 2
 
-        // A fast pointer would leap over the parts of the frame: they are fed the way between two events too. Where
-        // an edge can't go, it goes as near as it can.
         /// From the pointer to the edge in the zoomed strip, as a share of its width.
         property real zoomOffset: 0
 
@@ -227,6 +225,8 @@ Item {
             isDragging = true
         }
 
+        // A fast pointer would leap over the parts of the frame: they are fed the way between two events too. Where
+        // an edge can't go, it goes as near as it can.
         function follow(mouse) {
             if (strip.zoom.isActive) {
                 strip.zoom.moveTo(mouse.x / strip.width + zoomOffset)
