@@ -3,8 +3,9 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QLocale>
+#include <QPointer>
 #include <QStringList>
-#include <QXmlStreamReader>
+#include <QTranslator>
 
 #include <memory>
 
@@ -12,14 +13,17 @@ namespace corvanta {
 
 namespace {
 
-QString keyOf(const QString& context, const QString& source) { return context + QLatin1Char('\n') + source; }
+QString fileOf(const QString& language) { return QStringLiteral(":/corvanta/texts/%1.qm").arg(language); }
 
-QString chosenLanguage() {
+// Empty for English, also where another language comes behind it.
+QString chosenFile() {
     for (const QString& name : QLocale().uiLanguages()) {
         const QString language = name.section(QLatin1Char('-'), 0, 0);
-        if (language == QLatin1String("en") ||
-            QFile::exists(QStringLiteral(":/corvanta/texts/%1.ts").arg(language))) {
-            return language;
+        if (language == QLatin1String("en")) {
+            return {};
+        }
+        if (QFile::exists(fileOf(language))) {
+            return fileOf(language);
         }
     }
     return {};
@@ -27,53 +31,21 @@ QString chosenLanguage() {
 
 } // namespace
 
-void EditorTexts::install() {
+void installEditorTexts() {
     // The application's, and gone with it.
-    static QPointer<EditorTexts> texts;
-    static QString installed;
-    QCoreApplication* const application = QCoreApplication::instance();
-    const QString language = chosenLanguage();
-    if (texts && installed == language) {
+    static QPointer<QTranslator> texts;
+    if (!texts) {
+        texts = std::make_unique<QTranslator>().release();
+        texts->setParent(QCoreApplication::instance());
+    }
+    const QString file = chosenFile();
+    if (texts->filePath() == file) {
         return;
     }
-    if (!texts) {
-        texts = std::make_unique<EditorTexts>().release();
-        texts->setParent(application);
-    }
     QCoreApplication::removeTranslator(texts);
-    installed = language;
-    if (texts->read(language)) {
+    if (texts->load(file)) {
         QCoreApplication::installTranslator(texts);
     }
-}
-
-bool EditorTexts::read(const QString& language) {
-    texts_.clear();
-    QFile file(QStringLiteral(":/corvanta/texts/%1.ts").arg(language));
-    if (!file.open(QIODevice::ReadOnly)) {
-        return false;
-    }
-    QXmlStreamReader reader(&file);
-    QString context;
-    QString source;
-    while (!reader.atEnd()) {
-        if (reader.readNext() != QXmlStreamReader::StartElement) {
-            continue;
-        }
-        if (reader.name() == QLatin1String("name")) {
-            context = reader.readElementText();
-        } else if (reader.name() == QLatin1String("source")) {
-            source = reader.readElementText();
-        } else if (reader.name() == QLatin1String("translation")) {
-            texts_.insert(keyOf(context, source), reader.readElementText());
-        }
-    }
-    return !isEmpty();
-}
-
-QString EditorTexts::translate(const char* context, const char* sourceText, const char* /*disambiguation*/,
-                               int /*n*/) const {
-    return texts_.value(keyOf(QString::fromUtf8(context), QString::fromUtf8(sourceText)));
 }
 
 } // namespace corvanta

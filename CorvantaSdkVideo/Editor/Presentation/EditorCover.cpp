@@ -23,7 +23,7 @@ const QUrl screenFile(QStringLiteral(
     "qrc:/qt-project.org/imports/CorvantaSdkVideo/Editor/Views/CorvantaSdkVideoEditorView.qml"));
 
 std::unique_ptr<EditorView> makeView(QQmlEngine& engine, const QVariantMap& properties) {
-    EditorTexts::install();
+    installEditorTexts();
     QQmlComponent component(&engine, screenFile);
     // Qt 6.4 doesn't survive the making of a component that has errors.
     std::unique_ptr<QObject> made(component.isReady() ? component.createWithInitialProperties(properties)
