@@ -20,6 +20,7 @@ class CutChoice : public QObject {
     QML_UNCREATABLE("The screen makes it")
     Q_PROPERTY(bool isAsked READ isAsked NOTIFY isAskedChanged)
     Q_PROPERTY(QString loss READ loss NOTIFY inspected)
+    Q_PROPERTY(bool isFastPossible READ isFastPossible NOTIFY inspected)
     Q_PROPERTY(QString exactTime READ exactTime NOTIFY inspected)
 
   public:
@@ -37,6 +38,8 @@ class CutChoice : public QObject {
     std::optional<CorvantaSdkVideoCutInspection> inspection() const { return inspection_; }
     /// What copying the range would lose, in words; empty if nothing is lost, or known.
     QString loss() const;
+    /// Whether copying keeps a picture at all; without one it would fail, or leave sound alone.
+    bool isFastPossible() const { return inspection_ && inspection_->copiedStart; }
     /// About how long an exact cut takes, in words.
     QString exactTime() const;
 

@@ -11,17 +11,9 @@ Question {
     title: qsTr("Exact or fast?")
     message: cutChoice.loss + " " + qsTr("An exact cut keeps all of it.")
     answers: [
-        { label: qsTr("Exact"), detail: cutChoice.exactTime },
-        { label: qsTr("Fast"), detail: qsTr("at once") },
-        { label: qsTr("Back") }
-    ]
-    onAnswered: index => {
-        if (index === 0) {
-            cutChoice.takeExact()
-        } else if (index === 1) {
-            cutChoice.takeFast()
-        } else {
-            cutChoice.takeBack()
-        }
-    }
+        { label: qsTr("Exact"), detail: cutChoice.exactTime, take: () => cutChoice.takeExact() },
+        { label: qsTr("Fast"), detail: qsTr("at once"), take: () => cutChoice.takeFast() },
+        { label: qsTr("Back"), take: () => cutChoice.takeBack() }
+    ].filter((answer, index) => index !== 1 || cutChoice.isFastPossible)
+    onAnswered: index => answers[index].take()
 }

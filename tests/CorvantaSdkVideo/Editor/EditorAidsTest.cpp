@@ -56,6 +56,7 @@ TEST_F(EditorAidsTest, AsksBeforeCopyingLosesAnythingAndKeepsAPhonesClipUpright)
              {"nothing to ask", phone("0"), 0, "", "", 90},
              {"first group, exact", phone("2"), 0, "Exact", "A fast cut loses the first 1.0 s", 90},
              {"first group, fast", phone("2"), 0, "Fast", "A fast cut loses the first 1.0 s", 60},
+             {"no picture, exact", phone("0"), 267, "Exact", "A fast cut keeps no picture", 23},
              {"late start, exact", phone("0"), 100, "Exact", "A fast cut starts the picture ", 66}}) {
         SCOPED_TRACE(name);
         results_.clear();
@@ -67,6 +68,7 @@ TEST_F(EditorAidsTest, AsksBeforeCopyingLosesAnythingAndKeepsAPhonesClipUpright)
         if (answer[0] != '\0') {
             ASSERT_TRUE(eventually([this] { return isShown("Back"); }));
             EXPECT_THAT(message("CutQuestion"), StartsWith(loss));
+            EXPECT_EQ(isShown("Fast"), loss.find("no picture") == std::string::npos);
             EXPECT_THAT(
                 control("Exact")->property("modelData").toMap().value("detail").toString().toStdString(),
                 testing::MatchesRegex("about [0-9]+ s"));
