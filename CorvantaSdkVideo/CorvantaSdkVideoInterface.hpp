@@ -64,6 +64,19 @@ class CorvantaSdkVideoInterface {
                       std::optional<std::int64_t> width, std::optional<std::int64_t> height,
                       CorvantaSdkVideoProgressCallback onProgress) = 0;
 
+    /// Writes a JPEG file with `columns` by `rows` frames of a video, evenly spread and in reading order:
+    /// each from the middle of its part. `width` is that of one frame, in pixels; its shape is kept, and
+    /// upright videos stand upright. Each frame is sought, so that a long video takes no longer than a short
+    /// one.
+    ///
+    /// Throws `notFoundVideo` (no such input, or the output gives no URL), `invalidThumbnailWidth` (less than
+    /// one column or pixel, or more than 65500 pixels in all), `invalidThumbnailHeight` (less than one row,
+    /// or more than 400 frames) and `thumbnailGenerationFailed`.
+    virtual Task<CorvantaSdkVideoThumbnailResult>
+    contactSheet(CorvantaSdkVideoFile input, CorvantaSdkVideoFileDescriptor output, std::int64_t columns = 4,
+                 std::int64_t rows = 3, std::int64_t width = 320,
+                 CorvantaSdkVideoProgressCallback onProgress = {}) = 0;
+
     /// Whether the files are alike enough for a concat. Too few or missing files are errors, different ones a
     /// "no".
     virtual Task<bool> canConcat(std::vector<CorvantaSdkVideoFile> input) = 0;

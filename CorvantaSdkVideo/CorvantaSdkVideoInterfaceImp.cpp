@@ -8,6 +8,7 @@
 #include <CorvantaSdkVideo/Shared/FileURLs.hpp>
 #include <CorvantaSdkVideo/Shared/Progress/ProgressMeter.hpp>
 #include <CorvantaSdkVideo/Store/CoreData/CoreDataCorvantaStore.hpp>
+#include <CorvantaSdkVideo/Thumbnail/ContactSheet.hpp>
 #include <CorvantaSdkVideo/Thumbnail/CorvantaSdkVideoThumbnailGeneratorImplementation.hpp>
 
 #include <platform/Directories.hpp>
@@ -48,6 +49,16 @@ Task<CorvantaSdkVideoThumbnailResult> CorvantaSdkVideoInterfaceImp::generateThum
     CorvantaSdkVideoThumbnailInputVideo video(std::move(input), std::move(output), position, width, height);
     auto meter = std::make_shared<ProgressMeter>(std::move(onProgress));
     co_return co_await generator.generateThumbnail(std::move(video), std::move(meter));
+}
+
+Task<CorvantaSdkVideoThumbnailResult>
+CorvantaSdkVideoInterfaceImp::contactSheet(CorvantaSdkVideoFile input, CorvantaSdkVideoFileDescriptor output,
+                                           std::int64_t columns, std::int64_t rows, std::int64_t width,
+                                           CorvantaSdkVideoProgressCallback onProgress) {
+    ContactSheet sheet;
+    const ContactSheetForm form{columns, rows, width};
+    auto meter = onProgress ? std::make_shared<ProgressMeter>(std::move(onProgress)) : nullptr;
+    co_return co_await sheet.write(std::move(input), std::move(output), form, std::move(meter));
 }
 
 Task<CorvantaSdkVideoCutInspection> CorvantaSdkVideoInterfaceImp::cutInspection(CorvantaSdkVideoFile file,

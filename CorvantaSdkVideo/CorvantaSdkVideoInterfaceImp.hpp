@@ -28,6 +28,10 @@ class CorvantaSdkVideoInterfaceImp : public CorvantaSdkVideoInterface {
                       std::optional<std::int64_t> width, std::optional<std::int64_t> height,
                       CorvantaSdkVideoProgressCallback onProgress) override;
 
+    Task<CorvantaSdkVideoThumbnailResult>
+    contactSheet(CorvantaSdkVideoFile input, CorvantaSdkVideoFileDescriptor output, std::int64_t columns,
+                 std::int64_t rows, std::int64_t width, CorvantaSdkVideoProgressCallback onProgress) override;
+
     Task<CorvantaSdkVideoCutInspection> cutInspection(CorvantaSdkVideoFile file, double start,
                                                       double end) override;
     Task<bool> canConcat(std::vector<CorvantaSdkVideoFile> input) override;

@@ -135,6 +135,24 @@ std::optional<int> AssetReader::soundTrack() {
     return track != nullptr ? std::optional(track->index) : std::nullopt;
 }
 
+std::optional<double> AssetReader::statedPictureBytes() const {
+    const AVStream* track = context_->firstTrack(AVMEDIA_TYPE_VIDEO);
+    // Of a Matroska file the head states a rate that its writer was told of.
+    const bool countsPackets = std::string_view(context_->format().iformat->name).starts_with("mov,");
+    if (track == nullptr || !countsPackets || track->codecpar->bit_rate <= 0 || track->duration <= 0) {
+        return std::nullopt;
+    }
+    const double seconds = static_cast<double>(track->duration) * av_q2d(track->time_base);
+    return static_cast<double>(track->codecpar->bit_rate) / 8 * seconds;
+}
+
+std::optional<double> AssetReader::statedSoundDuration() const {
+    const AVStream* const track = chosenSound(context_->format());
+    return track == nullptr || track->duration <= 0
+               ? std::nullopt
+               : std::optional(static_cast<double>(track->duration) * av_q2d(track->time_base));
+}
+
 std::vector<int> AssetReader::coverTracks() const {
     std::vector<int> covers;
     for (const AVStream* track : context_->streams()) {

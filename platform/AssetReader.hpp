@@ -83,6 +83,11 @@ class AssetReader {
     /// be read.
     std::optional<int> soundTrack();
 
+    /// What the packets of the first video track take, and how long that sound is that ffmpeg takes when none
+    /// is named, in seconds, where the file's head states it; else nothing.
+    std::optional<double> statedPictureBytes() const;
+    std::optional<double> statedSoundDuration() const;
+
     /// The numbers of the pictures that go with the file as a whole, among its tracks.
     std::vector<int> coverTracks() const;
 

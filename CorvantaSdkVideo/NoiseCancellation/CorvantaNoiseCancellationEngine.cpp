@@ -72,11 +72,27 @@ double statedSeconds(const URL& video) {
     }
 }
 
-// What the extracted sound takes: 16-bit samples, as long as the video.
-void requireSpaceForSound(double seconds) {
+// What the run writes at least: the sound twice, in samples of 16 bits, and a picture that is copied.
+void requireSpace(const URL& video, const URL& output, double seconds, bool copiesPicture) {
     constexpr double bytesPerSecond = 2 * 16000.0;
-    requireFreeSpace(Directories::documents().path() + "/", std::llround(seconds * bytesPerSecond),
-                     Error::unableToProcessInput);
+    // A head's figures are rounded.
+    constexpr double share = 0.9;
+    double picture = 0;
+    try {
+        const AssetReader reader(video);
+        seconds = reader.statedSoundDuration().value_or(seconds);
+        picture = copiesPicture ? reader.statedPictureBytes().value_or(0) * share : 0;
+    } catch (const PlatformError&) {
+        // The extraction tells what is wrong with it.
+    }
+    if (!isPossibleDuration(seconds) || !isPossibleDuration(picture / bytesPerSecond)) {
+        return;
+    }
+    const std::int64_t sound = std::llround(seconds * bytesPerSecond * share);
+    const std::vector<NeededSpace> needed{{Directories::documents().path() + "/", sound},
+                                          {Directories::temporaryFile("caf").path(), sound},
+                                          {output.path(), std::llround(picture)}};
+    requireFreeSpace(needed, Error::unableToProcessInput);
 }
 
 } // namespace
@@ -160,11 +176,12 @@ Task<> CorvantaNoiseCancellationEngine::clean(URL input, URL output,
     requireValid(options);
     videoValidator_.validateFileAt(input);
     const double seconds = statedSeconds(input);
-    requireSpaceForSound(seconds);
+    const bool copiesPicture = CorvantaFileProcessor::copiesPicture(input);
+    requireSpace(input, output, seconds, copiesPicture);
     const auto progress = std::make_shared<CleaningProgress>(options.onProgress, seconds);
     const auto times = std::make_shared<SoundTimes>();
     Task<> reading = readSoundTimes(input, times);
-    progress->extracts(fileProcessor_.copiesPicture(input));
+    progress->extracts(copiesPicture);
     Task<URL> extraction = extractAudio(input, progress->meter());
     const URL audio = co_await (std::move(extraction) && std::move(reading));
     processedFiles.push_back(audio);

@@ -1,20 +1,104 @@
 #include <CorvantaSdkVideo/Shared/FreeSpace.hpp>
 
+#include <platform/AssetReader.hpp>
+#include <platform/Errors.hpp>
+#include <platform/MediaOpening.hpp>
+
+#include <algorithm>
+#include <cmath>
 #include <filesystem>
+#include <map>
 #include <system_error>
+
+#include <sys/stat.h>
 
 namespace corvanta {
 
-void requireFreeSpace(const std::string& path, std::int64_t bytes, CorvantaSdkVideoError::Case error) {
-    const std::filesystem::path folder = std::filesystem::absolute(path).parent_path();
-    std::error_code failed;
-    const auto space = std::filesystem::space(folder, failed);
-    if (failed || bytes <= 0 || space.available >= static_cast<std::uintmax_t>(bytes)) {
-        return;
+namespace {
+
+constexpr std::int64_t megabyte = 1000 * 1000;
+
+// Of the files' own size: containers are not alike in what they add, and transport streams may hold as much
+// stuffing as media.
+constexpr double copiedShare = 0.9;
+constexpr double copiedShareOfTransport = 0.5;
+
+// The entries in a file's index alone.
+constexpr double leastBytesPerSecond = 300;
+
+struct Demand {
+    std::string folder;
+    std::int64_t bytes = 0;
+};
+
+std::string folderOf(const std::string& path) {
+    return std::filesystem::absolute(path).parent_path().native();
+}
+
+// An older file is written over.
+std::int64_t bytesToBeFreed(const std::string& path) {
+    constexpr std::int64_t block = 512;
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) ? status.st_blocks * block : 0;
+}
+
+bool isPictureAndSoundAlone(const CorvantaSdkVideoInformation& file) {
+    if (file.videos.size() > 1 || file.audios.size() > 1) {
+        return false;
     }
-    constexpr std::int64_t megabyte = 1000 * 1000;
-    throw CorvantaSdkVideoError(error, folder.native() + ": no space: needs " +
-                                           std::to_string((bytes + megabyte - 1) / megabyte) + " MB");
+    try {
+        return AssetReader(file.url).trackCount() == file.videos.size() + file.audios.size();
+    } catch (const PlatformError&) {
+        return false;
+    }
+}
+
+} // namespace
+
+void requireFreeSpace(const std::vector<NeededSpace>& needed, CorvantaSdkVideoError::Case error) {
+    std::map<dev_t, Demand> demands;
+    for (const NeededSpace& space : needed) {
+        struct stat status {};
+        const std::string folder = folderOf(space.path);
+        if (space.bytes > 0 && stat(folder.c_str(), &status) == 0) {
+            Demand& demand = demands[status.st_dev];
+            demand.folder = folder;
+            demand.bytes += std::max<std::int64_t>(0, space.bytes - bytesToBeFreed(space.path));
+        }
+    }
+    for (const auto& [device, demand] : demands) {
+        std::error_code failed;
+        const auto space = std::filesystem::space(demand.folder, failed);
+        if (!failed && demand.bytes > 0 && space.available < static_cast<std::uintmax_t>(demand.bytes)) {
+            throw CorvantaSdkVideoError(
+                error, demand.folder + ": no space: needs " +
+                           std::to_string((demand.bytes + megabyte - 1) / megabyte) + " MB, and " +
+                           std::to_string(space.available / static_cast<std::uintmax_t>(megabyte)) +
+                           " MB are free");
+        }
+    }
+}
+
+void requireFreeSpace(const std::string& path, std::int64_t bytes, CorvantaSdkVideoError::Case error) {
+    const std::vector<NeededSpace> needed{{path, bytes}};
+    requireFreeSpace(needed, error);
+}
+
+std::int64_t leastCopiedBytes(const std::vector<CorvantaSdkVideoInformation>& files) {
+    double bytes = 0;
+    for (const CorvantaSdkVideoInformation& file : files) {
+        if (!isPictureAndSoundAlone(file)) {
+            return 0;
+        }
+        const double share = file.format == "mpegts" ? copiedShareOfTransport : copiedShare;
+        bytes += static_cast<double>(file.size) * share;
+    }
+    constexpr double most = 1e18;
+    return bytes > 0 && bytes < most ? std::llround(bytes) : 0;
+}
+
+std::int64_t leastEncodedBytes(double seconds) {
+    return isPossibleDuration(seconds) ? std::llround(seconds * leastBytesPerSecond) : 0;
 }
 
 } // namespace corvanta

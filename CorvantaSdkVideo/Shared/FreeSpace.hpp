@@ -1,14 +1,31 @@
 #pragma once
 
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
+#include <CorvantaSdkVideo/Shared/Models/CorvantaSdkVideoInformation.hpp>
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace corvanta {
 
-/// Throws `error` with "no space: needs N MB" if the folder of the file at `path` has less room than `bytes`.
-/// A folder that can't be asked passes.
+/// What a run writes at least into the folder of the file at `path`.
+struct NeededSpace {
+    std::string path;
+    std::int64_t bytes;
+};
+
+/// Throws `error` with "no space: needs N MB, and M MB are free" if a file system has less room than what is
+/// needed in all its folders; a file that is written over gives its room. A folder that can't be asked
+/// passes.
+void requireFreeSpace(const std::vector<NeededSpace>& needed, CorvantaSdkVideoError::Case error);
 void requireFreeSpace(const std::string& path, std::int64_t bytes, CorvantaSdkVideoError::Case error);
+
+/// What a copy of these files' only picture and only sound takes at least; 0 if that can't be told, since
+/// other tracks are left out. A run that fits is never refused by it.
+std::int64_t leastCopiedBytes(const std::vector<CorvantaSdkVideoInformation>& files);
+
+/// What an encoded video of that length takes at least, be it black and silent.
+std::int64_t leastEncodedBytes(double seconds);
 
 } // namespace corvanta

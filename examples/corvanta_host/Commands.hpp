@@ -14,6 +14,7 @@ using Command = std::function<void(Console&)>;
 void addEditCommand(CLI::App& app, Command& chosen);
 void addInfoCommand(CLI::App& app, Command& chosen);
 void addThumbnailCommand(CLI::App& app, Command& chosen);
+void addContactSheetCommand(CLI::App& app, Command& chosen);
 void addCanConcatCommand(CLI::App& app, Command& chosen);
 void addConcatCommand(CLI::App& app, Command& chosen);
 void addJoinCommand(CLI::App& app, Command& chosen);

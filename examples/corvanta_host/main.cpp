@@ -65,9 +65,9 @@ int main(int argumentCount, char** arguments) {
 
     Command command;
     for (const auto add :
-         {addInfoCommand, addThumbnailCommand, addJoinCommand, addCanConcatCommand, addConcatCommand,
-          addMergeCommand, addEncodeCommand, addEditCommand, addCleanCommand, addTracksCommand,
-          addRequestsCommand, addWatchCommand, addProcessCommand}) {
+         {addInfoCommand, addThumbnailCommand, addContactSheetCommand, addJoinCommand, addCanConcatCommand,
+          addConcatCommand, addMergeCommand, addEncodeCommand, addEditCommand, addCleanCommand,
+          addTracksCommand, addRequestsCommand, addWatchCommand, addProcessCommand}) {
         add(app, command);
     }
     app.add_subcommand("help", "Show this text, or that of a command");

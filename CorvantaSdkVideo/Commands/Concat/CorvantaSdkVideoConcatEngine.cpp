@@ -5,6 +5,7 @@
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
+#include <CorvantaSdkVideo/Shared/FreeSpace.hpp>
 #include <platform/OutputContainer.hpp>
 
 #include <system_error>
@@ -81,6 +82,7 @@ Task<> CorvantaSdkVideoConcatEngine::join(UUID id, std::vector<CorvantaSdkVideoI
     if (!isSingleFileOutput(outputURL.path())) {
         throw std::system_error(std::make_error_code(std::errc::invalid_argument), outputURL.path());
     }
+    requireFreeSpace(outputURL.path(), leastCopiedBytes(information), Error::concatFailed);
     CommandPaths paths;
     const auto inputs = paths.inputs(std::move(information), PathForm::listed);
     const URL output = paths.output(outputURL, PathForm::quoted);
@@ -96,6 +98,11 @@ Task<> CorvantaSdkVideoConcatEngine::join(UUID id, std::vector<CorvantaSdkVideoI
 }
 
 Task<> CorvantaSdkVideoConcatEngine::joinAlike(UUID id, std::vector<JoinFile> files, URL outputURL) {
+    std::vector<CorvantaSdkVideoInformation> information;
+    for (const JoinFile& file : files) {
+        information.push_back(file.information);
+    }
+    requireFreeSpace(outputURL.path(), leastCopiedBytes(information), Error::concatFailed);
     CommandPaths paths;
     const JoinFile& first = files.front();
     const URL tagged = paths.input(first.information.url, PathForm::quoted);

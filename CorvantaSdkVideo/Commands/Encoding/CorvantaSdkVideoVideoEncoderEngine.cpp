@@ -6,6 +6,7 @@
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
+#include <CorvantaSdkVideo/Shared/FreeSpace.hpp>
 
 #include <utility>
 
@@ -87,6 +88,7 @@ Task<std::string> CorvantaSdkVideoVideoEncoderEngine::encode(UUID id, VideoEncod
     if (data.encoding) {
         command.tagOptions = keptTags(data.inputFileURL, 0, output.path());
     }
+    requireFreeSpace(outputURL.path(), leastEncodedBytes(seconds), Error::encodingFailed);
     std::vector<EncoderRun> runs = co_await encoderRuns(std::move(command), data.encoding);
     markProcessing(id);
     CorvantaSdkVideoUtils::deleteFileIfExists(outputURL);

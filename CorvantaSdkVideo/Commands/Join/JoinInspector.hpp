@@ -11,11 +11,6 @@ namespace corvanta {
 /// The files with their tracks, read in process, and with the lengths of tracks that state none.
 Task<std::vector<JoinFile>> joinFiles(std::vector<CorvantaSdkVideoInformation> information);
 
-/// Gives tracks that state no length theirs, as Matroska's: nothing is put behind them then that they don't
-/// lack. A file with such tracks is as long as its longest one.
-Task<std::vector<CorvantaSdkVideoInformation>>
-withMeasuredLengths(std::vector<CorvantaSdkVideoInformation> information);
-
 /// Takes away what sounds are longer than their pictures by, since codecs fill up their last frames: a merge
 /// would show black for it between the files. When that has come to two frames, it is shown once, so that
 /// sound and picture stay together.

@@ -6,6 +6,8 @@
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
+#include <CorvantaSdkVideo/Shared/FreeSpace.hpp>
+#include <CorvantaSdkVideo/Shared/MeasuredLengths.hpp>
 
 #include <utility>
 
@@ -81,6 +83,7 @@ Task<std::string> CorvantaSdkVideoMergeEngine::merge(UUID id, VideoMergeData dat
     if (data.isJoin || data.encoding) {
         command.tagOptions = keptTags(data.videos.front(), 0, output.path());
     }
+    requireFreeSpace(outputURL.path(), leastEncodedBytes(seconds), Error::mergeFailed);
     std::vector<EncoderRun> runs = co_await encoderRuns(std::move(command), data.encoding);
     markProcessing(id);
     std::string encoder = co_await runFirstWorking(id, std::move(runs), seconds);

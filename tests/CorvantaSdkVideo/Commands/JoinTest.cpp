@@ -346,6 +346,29 @@ TEST(JoinTest, RefusesInWordsAndLosesNothing) {
     const auto request = runBlocking(builder.build());
     std::filesystem::copy_file(makeClip({}), changing, std::filesystem::copy_options::overwrite_existing);
     EXPECT_THAT(failureOf([&] { runBlocking(request->process()); }), HasSubstr("differentVideoTracks"));
+    // More than the disk has room for, of which nothing is begun.
+    const std::string vast = run.folders.file("vast.mp4");
+    std::filesystem::copy_file(clip, vast);
+    std::filesystem::resize_file(vast, 8'000'000'000'000);
+    for (const auto& large :
+         {CorvantaSdkVideo
+              ->ConcatBuilder(filesOf({vast, vast}),
+                              CorvantaSdkVideoFileDescriptor::custom(run.folders.file("vast1")))
+              .build(),
+          runBlocking(CorvantaSdkVideo
+                          ->JoinBuilder(filesOf({vast, vast}),
+                                        CorvantaSdkVideoFileDescriptor::custom(run.folders.file("vast2")))
+                          .build())}) {
+        try {
+            runBlocking(large->process());
+            ADD_FAILURE();
+        } catch (const CorvantaSdkVideoError& error) {
+            EXPECT_EQ(error.kind(), CorvantaSdkVideoError::concatFailed);
+            EXPECT_THAT(error.details(),
+                        testing::ContainsRegex("no space: needs 14400000 MB, and [0-9]+ MB are free"));
+        }
+    }
+    EXPECT_FALSE(std::filesystem::exists(run.folders.file("vast1.mp4")));
     SharedCorvantaSdkCommonKt::sdk_common().setAuth(std::make_shared<SharedCorvantaSdkFixedAuth>(false));
     EXPECT_EQ(failureOf([&] { run.inspect({clip, clip}); }), "userNotAuthenticated");
 }

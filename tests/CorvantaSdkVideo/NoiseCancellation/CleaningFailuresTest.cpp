@@ -118,7 +118,7 @@ TEST(CleaningFailuresTest, EachHasItsErrorAndLeavesNothing) {
         requireFreeSpace("/proc/none", 1, unableToProcessFile);
         ADD_FAILURE();
     } catch (const CorvantaSdkVideoError& error) {
-        EXPECT_EQ(error.details(), "/proc: no space: needs 1 MB");
+        EXPECT_EQ(error.details(), "/proc: no space: needs 1 MB, and 0 MB are free");
     }
 
     // Cleaning a video into itself.

@@ -171,6 +171,8 @@ TEST(HostTest, WhatCannotBeFollowedIsToldInWords) {
              {{"info", "--no-such", clip}, 2, "--no-such"},
              {{"thumbnail", clip, "x", "--at", "soon"}, 2, R"(1500ms or 0:01.5, not "soon")"},
              {{"thumbnail", clip, "x", "--width", "0"}, 2, "--width takes 1 to 65500 pixels, not 0"},
+             {{"contact-sheet", clip, "-o", "s", "--columns", "0"}, 1, "invalidThumbnailWidth: 0 columns"},
+             {{"contact-sheet", clip, "-o", "s.png"}, 2, "name it s.jpg"},
              {with(edit, {"--rotate", "45"}), 2, "--rotate takes quarter turns"},
              {with(edit, {"--volume", "-1"}), 2, "--volume takes a factor from 0 up, not -1"},
              {with(merge, {"--video-track", "5:0"}), 2, "there is no file 5: the 2 files are counted from 0"},
