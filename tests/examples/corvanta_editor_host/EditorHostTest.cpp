@@ -58,7 +58,9 @@ TEST_F(EditorHostTest, LooksAlikeOnEveryRenderer) {
     for (const auto& entry : fs::directory_iterator(directory_.file("software"))) {
         const std::string state = entry.path().filename();
         states.insert(state);
-        EXPECT_LE(differingSquares(entry.path(), directory_.file("opengl/" + state)), 4) << state;
+        // The playhead stands where playing has come to, in either picture: a line of nine squares.
+        const int allowed = state == "playing.png" ? 4 + 2 * 9 : 4;
+        EXPECT_LE(differingSquares(entry.path(), directory_.file("opengl/" + state)), allowed) << state;
     }
     EXPECT_GE(states.size(), 11U);
 }
