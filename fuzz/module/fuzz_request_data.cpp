@@ -1,4 +1,4 @@
-// The input is the stored parameters of a request, read as either kind. What was read is written and read
+// The input is the stored parameters of a request, read as each kind. What was read is written and read
 // again.
 
 #include <CorvantaSdkVideo/Commands/VideoOperationData.hpp>
@@ -30,5 +30,11 @@ extern "C" int LLVMFuzzerTestOneInput(const char* data, std::size_t size) {
     const std::string text(data, size);
     readAndWrite<VideoMergeData::SerializableMergeData>(text);
     readAndWrite<VideoEncodingData::SerializableEncodingData>(text);
+    const auto concat = decode<VideoConcatData::SerializableConcatData>(text);
+    if (concat &&
+        decode<VideoConcatData::SerializableConcatData>(jsonRepresentation(*concat))->joinExtension !=
+            concat->joinExtension) {
+        std::abort();
+    }
     return 0;
 }
