@@ -127,9 +127,10 @@ Stream<RequestPointer> streamOf(const std::string& id) {
 
 void watch(Console& console, const std::string& id) {
     const auto print = [&console](const auto& value) { printEmission(console, value); };
-    const Subscription subscription =
-        id.empty() ? CorvantaSdkVideo->streamRequests().subscribe(print) : streamOf(id).subscribe(print);
-    waitForInterrupt();
+    keepUntilInterrupt([&] {
+        return id.empty() ? CorvantaSdkVideo->streamRequests().subscribe(print)
+                          : streamOf(id).subscribe(print);
+    });
 }
 
 void process(Console& console, const std::string& id, bool force) {

@@ -48,9 +48,10 @@ void runInterruptible(corvanta::Task<> task) {
     }
 }
 
-void waitForInterrupt() {
+void keepUntilInterrupt(const std::function<corvanta::Subscription()>& begin) {
     asio::io_context context(1);
     asio::signal_set signals(context, SIGINT, SIGTERM);
     signals.async_wait([](const boost::system::error_code&, int) {});
+    const corvanta::Subscription kept = begin();
     context.run();
 }

@@ -2,6 +2,7 @@
 
 #include <CorvantaSdkVideo/CorvantaSdkVideo.hpp>
 
+#include <functional>
 #include <optional>
 #include <type_traits>
 #include <utility>
@@ -18,5 +19,5 @@ requires(!std::is_void_v<T>) T runInterruptible(corvanta::Task<T> task) {
     return std::move(*result);
 }
 
-/// Waits for the first Ctrl-C.
-void waitForInterrupt();
+/// Keeps what `begin` gives until the first Ctrl-C, which counts from before it begins.
+void keepUntilInterrupt(const std::function<corvanta::Subscription()>& begin);

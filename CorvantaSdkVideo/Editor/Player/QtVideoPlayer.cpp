@@ -7,21 +7,34 @@
 #include <QMediaDevices>
 
 #include <cmath>
+#include <utility>
 
 namespace corvanta {
 
 namespace {
 
-/// Lasts no longer than its object.
+/// Lasts no longer than its object, and the engine no longer than the thread.
 class PlaybackThread : public QThread {
   public:
-    PlaybackThread() = default;
+    explicit PlaybackThread(std::unique_ptr<PlaybackEngine> engine) : engine_(std::move(engine)) {
+        engine_->moveToThread(this);
+    }
     PlaybackThread(const PlaybackThread&) = delete;
     PlaybackThread& operator=(const PlaybackThread&) = delete;
     ~PlaybackThread() override {
         quit();
         wait();
     }
+
+  protected:
+    // Not by an event: an application that ends delivers none any more.
+    void run() override {
+        exec();
+        engine_.reset();
+    }
+
+  private:
+    std::unique_ptr<PlaybackEngine> engine_;
 };
 
 QUrl qtURL(const URL& url) { return QUrl::fromLocalFile(QString::fromStdString(url.path())); }
@@ -33,10 +46,8 @@ QtVideoPlayer::QtVideoPlayer(const URL& url) {
     // Asked here, since this makes what Qt keeps for all players, on this thread that outlives theirs.
     const bool hasAudioDevice = !QMediaDevices::audioOutputs().isEmpty();
     auto engine = std::make_unique<PlaybackEngine>(qtURL(url), hasAudioDevice);
-    thread_ = std::make_unique<PlaybackThread>();
-    engine->moveToThread(thread_.get());
-    engine_ = engine.release();
-    connect(thread_.get(), &QThread::finished, engine_, &QObject::deleteLater);
+    engine_ = engine.get();
+    thread_ = std::make_unique<PlaybackThread>(std::move(engine));
     connect(engine_, &PlaybackEngine::frameWaiting, this, &QtVideoPlayer::showFrame);
     connect(engine_, &PlaybackEngine::timeObserved, this, &VideoPlayer::timeObserved);
     connect(engine_, &PlaybackEngine::didPlayToEndTime, this, &VideoPlayer::didPlayToEndTime);
