@@ -117,7 +117,12 @@ class ScreenFixture : public testing::Test {
         QTest::mouseClick(window_, Qt::LeftButton, {},
                           item->mapToScene(item->boundingRect().center()).toPoint());
     }
-    void click(const char* label) const { click(control(label)); }
+    void click(const char* label) const {
+        control(label);
+        // What has just been made has its place once it has been drawn.
+        window_->grabWindow();
+        click(control(label));
+    }
     /// In the item's coordinates, in small steps, as a hand does it; a fast one needs fewer.
     void drag(QQuickItem* item, QPointF from, QPointF to, int steps = 12) const {
         const auto place = [item](QPointF point) { return item->mapToScene(point).toPoint(); };
