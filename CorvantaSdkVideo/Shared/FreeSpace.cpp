@@ -84,17 +84,24 @@ void requireFreeSpace(const std::string& path, std::int64_t bytes, CorvantaSdkVi
     requireFreeSpace(needed, error);
 }
 
-std::int64_t leastCopiedBytes(const std::vector<CorvantaSdkVideoInformation>& files) {
+void requireSpaceForCopies(const std::string& path, const std::vector<CorvantaSdkVideoInformation>& files,
+                           CorvantaSdkVideoError::Case error) {
+    double whole = 0;
     double bytes = 0;
     for (const CorvantaSdkVideoInformation& file : files) {
-        if (!isPictureAndSoundAlone(file)) {
-            return 0;
-        }
         const double share = file.format == "mpegts" ? copiedShareOfTransport : copiedShare;
+        whole += static_cast<double>(file.size);
         bytes += static_cast<double>(file.size) * share;
     }
+    std::error_code failed;
+    const auto space = std::filesystem::space(folderOf(path), failed);
     constexpr double most = 1e18;
-    return bytes > 0 && bytes < most ? std::llround(bytes) : 0;
+    // The files are opened only where that decides.
+    if (failed || whole <= static_cast<double>(space.available) || bytes >= most ||
+        !std::ranges::all_of(files, isPictureAndSoundAlone)) {
+        return;
+    }
+    requireFreeSpace(path, std::llround(bytes), error);
 }
 
 std::int64_t leastEncodedBytes(double seconds) {

@@ -21,9 +21,10 @@ struct NeededSpace {
 void requireFreeSpace(const std::vector<NeededSpace>& needed, CorvantaSdkVideoError::Case error);
 void requireFreeSpace(const std::string& path, std::int64_t bytes, CorvantaSdkVideoError::Case error);
 
-/// What a copy of these files' only picture and only sound takes at least; 0 if that can't be told, since
-/// other tracks are left out. A run that fits is never refused by it.
-std::int64_t leastCopiedBytes(const std::vector<CorvantaSdkVideoInformation>& files);
+/// The same for a copy of the files' pictures and sounds to `path`. Nothing is refused that fits, so that
+/// files with other tracks, which are left out, pass.
+void requireSpaceForCopies(const std::string& path, const std::vector<CorvantaSdkVideoInformation>& files,
+                           CorvantaSdkVideoError::Case error);
 
 /// What an encoded video of that length takes at least, be it black and silent.
 std::int64_t leastEncodedBytes(double seconds);

@@ -84,8 +84,7 @@ void warn(Console& console, const CorvantaSdkVideoFile& file, CorvantaSdkVideoTi
         return;
     }
     try {
-        CorvantaSdkVideoEditorImplementation editor;
-        const auto cut = runInterruptible(editor.inspectCut(file.url(), range));
+        const auto cut = runInterruptible(CorvantaSdkVideo->cutInspection(file, range.start, range.end));
         if (cut.copyingLoses && !cut.copiedStart) {
             console.note("copying keeps no picture of this range: --cut exact keeps all of it");
         } else if (cut.copyingLoses) {

@@ -82,7 +82,7 @@ Task<> CorvantaSdkVideoConcatEngine::join(UUID id, std::vector<CorvantaSdkVideoI
     if (!isSingleFileOutput(outputURL.path())) {
         throw std::system_error(std::make_error_code(std::errc::invalid_argument), outputURL.path());
     }
-    requireFreeSpace(outputURL.path(), leastCopiedBytes(information), Error::concatFailed);
+    requireSpaceForCopies(outputURL.path(), information, Error::concatFailed);
     CommandPaths paths;
     const auto inputs = paths.inputs(std::move(information), PathForm::listed);
     const URL output = paths.output(outputURL, PathForm::quoted);
@@ -102,7 +102,7 @@ Task<> CorvantaSdkVideoConcatEngine::joinAlike(UUID id, std::vector<JoinFile> fi
     for (const JoinFile& file : files) {
         information.push_back(file.information);
     }
-    requireFreeSpace(outputURL.path(), leastCopiedBytes(information), Error::concatFailed);
+    requireSpaceForCopies(outputURL.path(), information, Error::concatFailed);
     CommandPaths paths;
     const JoinFile& first = files.front();
     const URL tagged = paths.input(first.information.url, PathForm::quoted);
