@@ -146,6 +146,25 @@ std::optional<double> AssetReader::statedPictureBytes() const {
     return static_cast<double>(track->codecpar->bit_rate) / 8 * seconds;
 }
 
+std::int64_t AssetReader::listedPictureBytes(double start, double end) const {
+    const AVStream* const track = context_->firstTrack(AVMEDIA_TYPE_VIDEO);
+    if (track == nullptr) {
+        return 0;
+    }
+    AVStream* const listed = context_->streams()[static_cast<std::size_t>(track->index)];
+    const std::int64_t fileStart = context_->format().start_time;
+    const double zero = fileStart == AV_NOPTS_VALUE ? 0 : static_cast<double>(fileStart) / AV_TIME_BASE;
+    bool hasBegun = false;
+    std::int64_t bytes = 0;
+    for (int index = 0; index < avformat_index_get_entries_count(listed); ++index) {
+        const AVIndexEntry* const entry = avformat_index_get_entry(listed, index);
+        const double time = static_cast<double>(entry->timestamp) * av_q2d(track->time_base) - zero;
+        hasBegun = hasBegun || (time >= start && (entry->flags & AVINDEX_KEYFRAME) != 0);
+        bytes += hasBegun && time < end ? entry->size : 0;
+    }
+    return bytes;
+}
+
 std::optional<double> AssetReader::statedSoundDuration() const {
     const AVStream* const track = chosenSound(context_->format());
     return track == nullptr || track->duration <= 0

@@ -3,6 +3,7 @@
 #include <platform/URL.hpp>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <stop_token>
@@ -87,6 +88,11 @@ class AssetReader {
     /// is named, in seconds, where the file's head states it; else nothing.
     std::optional<double> statedPictureBytes() const;
     std::optional<double> statedSoundDuration() const;
+
+    /// What the packets of the first video track take from its first key picture at `start` or later up to
+    /// `end`, in seconds by decoding time from the file's start; 0 where the head doesn't list them (it does
+    /// in mp4 and mov).
+    std::int64_t listedPictureBytes(double start, double end) const;
 
     /// The numbers of the pictures that go with the file as a whole, among its tracks.
     std::vector<int> coverTracks() const;

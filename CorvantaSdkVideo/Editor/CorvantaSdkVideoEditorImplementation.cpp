@@ -7,7 +7,9 @@
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
+#include <CorvantaSdkVideo/Shared/FreeSpace.hpp>
 #include <CorvantaSdkVideo/Shared/Progress/ProgressMeter.hpp>
+#include <platform/Aside.hpp>
 #include <platform/AssetDuration.hpp>
 #include <platform/Cancellation.hpp>
 #include <platform/UUID.hpp>
@@ -15,6 +17,7 @@
 #include <algorithm>
 #include <functional>
 #include <sstream>
+#include <stop_token>
 #include <string>
 #include <utility>
 
@@ -111,6 +114,11 @@ CorvantaSdkVideoEditorImplementation::write(CorvantaSdkVideoEditorInput video,
 
 Task<> CorvantaSdkVideoEditorImplementation::copy(CorvantaSdkVideoEditorInput video,
                                                   CorvantaSdkVideoTimeRange range, Meter meter) {
+    std::function<void(std::stop_token)> look = [source = video.videoURL, target = video.outputURL.path(),
+                                                 range](const std::stop_token&) {
+        requireFreeSpace(target, leastCopiedBytes(source, {range}), Error::trimFailed);
+    };
+    co_await runAside(std::move(look));
     if (meter) {
         meter->setTotal(range.end - range.start);
         meter->beginPart(1, range.end - range.start);

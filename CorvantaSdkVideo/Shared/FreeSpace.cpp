@@ -104,6 +104,21 @@ void requireSpaceForCopies(const std::string& path, const std::vector<CorvantaSd
     requireFreeSpace(path, std::llround(bytes), error);
 }
 
+std::int64_t leastCopiedBytes(const URL& video, const std::vector<CorvantaSdkVideoTimeRange>& ranges) {
+    // A picture is decoded so much earlier than it is shown, at most.
+    constexpr double longestReordering = 1;
+    std::int64_t bytes = 0;
+    try {
+        const AssetReader reader(video);
+        for (const CorvantaSdkVideoTimeRange& range : ranges) {
+            bytes += reader.listedPictureBytes(range.start, range.end - longestReordering);
+        }
+    } catch (const PlatformError&) {
+        // The run tells what is wrong with it.
+    }
+    return bytes;
+}
+
 std::int64_t leastEncodedBytes(double seconds) {
     return isPossibleDuration(seconds) ? std::llround(seconds * leastBytesPerSecond) : 0;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <CorvantaSdkVideo/CorvantaSdkVideoCut.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Shared/Models/CorvantaSdkVideoInformation.hpp>
 
@@ -25,6 +26,9 @@ void requireFreeSpace(const std::string& path, std::int64_t bytes, CorvantaSdkVi
 /// files with other tracks, which are left out, pass.
 void requireSpaceForCopies(const std::string& path, const std::vector<CorvantaSdkVideoInformation>& files,
                            CorvantaSdkVideoError::Case error);
+
+/// What copying the pictures of these ranges takes at least; 0 for a file that doesn't tell.
+std::int64_t leastCopiedBytes(const URL& video, const std::vector<CorvantaSdkVideoTimeRange>& ranges);
 
 /// What an encoded video of that length takes at least, be it black and silent.
 std::int64_t leastEncodedBytes(double seconds);

@@ -5,6 +5,7 @@
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
+#include <CorvantaSdkVideo/Shared/FreeSpace.hpp>
 #include <CorvantaSdkVideo/Shared/Progress/ProgressMeter.hpp>
 #include <platform/Aside.hpp>
 #include <platform/AssetReader.hpp>
@@ -214,6 +215,23 @@ CorvantaSdkVideoCutInspection inspected(const std::string& path, CorvantaSdkVide
     return inspection;
 }
 
+// The pictures are written alone, and then with their sound.
+void requireSpace(const Plan& plan, const std::string& source, const Ranges& ranges,
+                  const std::vector<std::string>& targets) {
+    Ranges copied;
+    for (std::size_t range = 0; range < ranges.size(); ++range) {
+        if (plan.way(range) != CorvantaSdkVideoCutWay::encoded) {
+            copied.push_back(ranges[range]);
+        }
+    }
+    const std::int64_t bytes = leastCopiedBytes(URL::fromFilePath(source), copied);
+    std::vector<NeededSpace> needed;
+    for (const std::string& target : targets) {
+        needed.push_back({target, bytes});
+    }
+    requireFreeSpace(needed, CorvantaSdkVideoError::trimFailed);
+}
+
 } // namespace
 
 ExactCut::ExactCut(std::shared_ptr<FFMPEGCommandExecutor> executor) : executor_(std::move(executor)) {}
@@ -241,10 +259,12 @@ Task<std::vector<CorvantaSdkVideoCutWay>> ExactCut::write(CorvantaSdkVideoEditor
     bool isJoined = false;
     for (const Attempt attempt : {Attempt::copying, Attempt::encoding, Attempt::reading}) {
         try {
-            std::function<void(std::stop_token)> makePlan = [plan, source, ranges,
-                                                             attempt](const std::stop_token&) {
-                *plan = planFor(source, ranges, attempt);
-            };
+            std::function<void(std::stop_token)> makePlan =
+                [plan, source, ranges, attempt, pictures,
+                 output = input.outputURL.path()](const std::stop_token&) {
+                    *plan = planFor(source, ranges, attempt);
+                    requireSpace(*plan, source, ranges, {pictures, output});
+                };
             co_await runAside(std::move(makePlan));
             double workLeft = secondsOf(ranges) + workOf(*plan);
             for (PlannedRun& planned : plan->runs) {

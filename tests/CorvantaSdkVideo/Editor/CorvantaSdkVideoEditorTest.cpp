@@ -164,6 +164,22 @@ TEST_F(CorvantaSdkVideoEditorTest, ChecksBeforeItRuns) {
         EXPECT_THAT(log_.take(), IsEmpty());
     }
 
+    // A file system without any room.
+    const URL longer = URL::fromFilePath(makeClip({.seconds = 4, .codecs = withBFrames}));
+    for (const auto cut : {CorvantaSdkVideoCut::copied, CorvantaSdkVideoCut::exact}) {
+        executor_->commands.clear();
+        CorvantaSdkVideoEditorInput input{longer, URL::fromFilePath("/proc/out.mp4"), 0.5, 4};
+        input.cut = cut;
+        try {
+            runBlocking(editor_.edit(input));
+            ADD_FAILURE();
+        } catch (const CorvantaSdkVideoError& error) {
+            EXPECT_EQ(error.kind(), CorvantaSdkVideoError::trimFailed);
+            EXPECT_EQ(error.details(), "/proc: no space: needs 1 MB, and 0 MB are free");
+        }
+        EXPECT_THAT(executor_->commands, IsEmpty());
+    }
+
     const test::RecordedLog loggedOut(false);
     EXPECT_EQ(edit({missing, output(), 0, 1}), "userNotAuthenticated");
     EXPECT_EQ(thumbnail(missing, 1), "userNotAuthenticated");
