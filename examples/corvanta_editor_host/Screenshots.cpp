@@ -3,17 +3,16 @@
 #include "ResultWindow.hpp"
 
 #include <CorvantaSdkVideo/CorvantaSdkVideo.hpp>
-#include <CorvantaSdkVideo/Editor/CutChoice.hpp>
-#include <CorvantaSdkVideo/Editor/Presentation/EditorCover.hpp>
+#include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorViewModel.hpp>
+#include <CorvantaSdkVideo/Editor/Presentation/OrientationManager.hpp>
 #include <CorvantaSdkVideo/Editor/Presentation/PresentCorvantaSdkVideoEditorView.hpp>
-#include <CorvantaSdkVideo/Editor/Views/CorvantaSdkVideoPlayer.hpp>
-#include <CorvantaSdkVideo/Editor/Waveform.hpp>
 
 #include <QDir>
 #include <QEventLoop>
 #include <QGuiApplication>
 #include <QQmlComponent>
 #include <QQmlEngine>
+#include <QQuickItem>
 #include <QQuickWindow>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -44,26 +43,37 @@ void waitUntil(const std::function<bool()>& condition) {
     }
 }
 
-template <typename Item>
-Item* itemBelow(const QQuickItem& item) {
+// The screen's parts are known by what they can be asked.
+QQuickItem* itemBelow(const QQuickItem& item, const char* property) {
     for (QQuickItem* const child : item.childItems()) {
-        Item* const found = qobject_cast<Item*>(child);
-        if (Item* const match = found != nullptr ? found : itemBelow<Item>(*child)) {
+        const bool isMatch = child->metaObject()->indexOfProperty(property) >= 0;
+        if (QQuickItem* const match = isMatch ? child : itemBelow(*child, property)) {
             return match;
         }
     }
     return nullptr;
 }
 
+// A property of the object that a property names.
+QVariant propertyOf(const QObject& owner, const char* part, const char* property) {
+    const auto* const object = owner.property(part).value<QObject*>();
+    return object != nullptr ? object->property(property) : QVariant();
+}
+
 /// An editor in a window.
 class Scene {
   public:
-    explicit Scene(QQuickWindow& window) : window_(window) {
+    /// The screen is laid out for `orientation`, if there is one.
+    explicit Scene(QQuickWindow& window, OrientationManager* orientation = nullptr) : window_(window) {
         waitUntil([this] {
-            view_ = itemBelow<EditorView>(*window_.contentItem());
-            return view_ != nullptr && window_.isExposed() && view_->y() == 0;
+            view_ = itemBelow(*window_.contentItem(), "cutChoice");
+            return view_ != nullptr;
         });
-        model_ = view_->viewModel();
+        if (orientation != nullptr) {
+            view_->setProperty("orientationManager", QVariant::fromValue(orientation));
+        }
+        waitUntil([this] { return window_.isExposed() && view_->y() == 0; });
+        model_ = view_->property("viewModel").value<Model*>();
         if (model_->isAuthenticated()) {
             waitForFile();
         }
@@ -71,11 +81,15 @@ class Scene {
     }
 
     Model& model() const { return *model_; }
-    EditorView& view() const { return *view_; }
+    bool isAskedToCut() const { return propertyOf(*view_, "cutChoice", "isAsked").toBool(); }
+    /// What the screen's buttons do.
+    void press(const char* operation) const { QMetaObject::invokeMethod(view_, operation); }
 
     /// Waits for the picture of the sound, if there is any.
     void waitForSound() const {
-        waitUntil([this] { return !model_->hasSound() || !view_->waveform()->picture().isEmpty(); });
+        waitUntil([this] {
+            return !model_->hasSound() || !propertyOf(*view_, "waveform", "picture").toUrl().isEmpty();
+        });
         settle();
     }
 
@@ -105,8 +119,10 @@ class Scene {
         waitUntil([this] {
             return model_->isUnreadable() || (model_->isReady() && !model_->isMakingThumbnails());
         });
-        const auto* const picture = itemBelow<CorvantaSdkVideoPlayer>(*view_);
-        waitUntil([this, picture] { return !model_->notice().isEmpty() || picture->frameAspectRatio() > 0; });
+        const auto* const picture = itemBelow(*view_, "frameAspectRatio");
+        waitUntil([this, picture] {
+            return !model_->notice().isEmpty() || picture->property("frameAspectRatio").toDouble() > 0;
+        });
         const auto isMissing = [](const QImage& image) { return image.isNull(); };
         if (!model_->notice().isEmpty() || std::ranges::any_of(model_->thumbnails(), isMissing)) {
             const std::string reason = model_->notice().toStdString();
@@ -116,7 +132,7 @@ class Scene {
     }
 
     QQuickWindow& window_;
-    EditorView* view_ = nullptr;
+    QQuickItem* view_ = nullptr;
     QPointer<Model> model_;
 };
 
@@ -145,24 +161,10 @@ class Stage {
         shoot(name, *editor, act, outputs);
     }
 
-    /// The same within a window of Qt Quick, on a layout for a host's orientation.
-    void showTurned(const char* name, const Act& act, OrientationManager& orientation) const {
+    /// The same by the QML module, on a layout for a host's orientation, if there is one.
+    void showInQml(const char* name, const Act& act, OrientationManager* orientation = nullptr) const {
         QTemporaryDir outputs;
-        QQmlEngine engine;
-        QQuickWindow window;
-        window.setColor(Qt::black);
-        window.resize(size_.transposed());
-        window.show();
-        window.contentItem()->setSize(window.size());
-        EditorCover cover(engine, *window.contentItem(), makeEditorViewModel(input(), outputIn(outputs), {}),
-                          orientation);
-        cover.present();
-        shoot(name, window, act, outputs);
-    }
-
-    /// The same by the QML module.
-    void showInQml(const char* name, const Act& act) const {
-        QTemporaryDir outputs;
+        const QSize size = orientation != nullptr ? size_.transposed() : size_;
         QQmlEngine engine;
         QQmlComponent component(&engine);
         component.setData(R"(
@@ -170,19 +172,20 @@ class Stage {
             import CorvantaSdkVideo.Editor
             Window {
                 property alias video: modifier.input
+                color: "black"
                 visible: true
                 PresentVideoEditorModifier { id: modifier; isPresented: true }
             })",
                           QUrl());
         const std::unique_ptr<QObject> made(
             component.createWithInitialProperties({{QStringLiteral("video"), QUrl::fromLocalFile(video_)},
-                                                   {QStringLiteral("width"), size_.width()},
-                                                   {QStringLiteral("height"), size_.height()}}));
+                                                   {QStringLiteral("width"), size.width()},
+                                                   {QStringLiteral("height"), size.height()}}));
         auto* const window = qobject_cast<QQuickWindow*>(made.get());
         if (window == nullptr) {
             throw std::runtime_error(component.errorString().toStdString());
         }
-        shoot(name, *window, act, outputs);
+        shoot(name, *window, act, outputs, orientation);
     }
 
   private:
@@ -194,8 +197,9 @@ class Stage {
             parseablePath(outputs.filePath(QStringLiteral("edited")).toStdString()));
     }
 
-    void shoot(const char* name, QQuickWindow& window, const Act& act, QTemporaryDir& outputs) const {
-        const Scene scene(window);
+    void shoot(const char* name, QQuickWindow& window, const Act& act, QTemporaryDir& outputs,
+               OrientationManager* orientation = nullptr) const {
+        const Scene scene(window, orientation);
         act(scene, outputs);
         scene.write(QDir(directory_).filePath(QString::fromLatin1(name) + QStringLiteral(".png")));
         scene.waitForEdit();
@@ -232,8 +236,8 @@ void writeLandscape(const Stage& stage, const char* name, const char* orientatio
     }
     information.close();
     OrientationManager manager(file);
-    stage.showTurned(
-        name, [](const Scene& scene, QTemporaryDir&) { trim(scene); }, manager);
+    stage.showInQml(
+        name, [](const Scene& scene, QTemporaryDir&) { trim(scene); }, &manager);
 }
 
 } // namespace
@@ -275,14 +279,14 @@ void writeScreenshots(const QString& video, const QString& directory, QSize size
     });
     stage.show("exact-or-fast", [](const Scene& scene, QTemporaryDir&) {
         trim(scene);
-        scene.view().trimVideo();
+        scene.press("trimVideo");
         // Where copying loses nothing there is nothing to ask.
-        waitUntil([&scene] { return scene.view().cutChoice()->isAsked() || scene.model().isTrimming(); });
+        waitUntil([&scene] { return scene.isAskedToCut() || scene.model().isTrimming(); });
         scene.settle();
     });
     stage.show("leaving", [](const Scene& scene, QTemporaryDir&) {
         trim(scene);
-        scene.view().requestClose();
+        scene.press("requestClose");
         scene.settle();
     });
     stage.show("editing", [](const Scene& scene, QTemporaryDir&) {

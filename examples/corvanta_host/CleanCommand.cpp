@@ -5,6 +5,7 @@
 #include "Output.hpp"
 #include "Progress.hpp"
 #include "Run.hpp"
+#include "SeveralJobs.hpp"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -20,7 +21,8 @@ void requireWritten(const URL& cleaned) {
     try {
         runInterruptible(CorvantaSdkVideo->getVideosInformation({CorvantaSdkVideoFile(cleaned)}));
     } catch (const CorvantaSdkVideoError&) {
-        throw Refusal("unableToProcessOutput", "the cleaned video could not be written");
+        throw CorvantaSdkVideoError(CorvantaSdkVideoError::unableToProcessOutput,
+                                    "the cleaned video could not be written");
     }
 }
 
@@ -31,12 +33,7 @@ struct CleanOptions {
     CorvantaSdkVideoNoiseCancellationOptions engine;
 };
 
-void clean(Console& console, const CleanOptions& options) {
-    const double strength = options.engine.strength.value_or(1);
-    if (!(strength >= 0 && strength <= 1)) {
-        throw UsageError(fmt::format("--strength takes a number from 0 to 1, not {}", strength));
-    }
-    const Files files = options.arguments.files();
+void cleanFile(Console& console, const CleanOptions& options, const Files& files) {
     const auto inputs = inputFiles(files.inputs);
     const Output output = outputFor(files, inputs.front().fileExtension());
     requireReadable(inputs);
@@ -50,7 +47,15 @@ void clean(Console& console, const CleanOptions& options) {
     }
     requireWritten(URL::fromFilePath(output.path));
     unfinished.keep();
-    console.printPath(output.path, {});
+    console.resultAt(output.path, {});
+}
+
+void clean(Console& console, const CleanOptions& options) {
+    const double strength = options.engine.strength.value_or(1);
+    if (!(strength >= 0 && strength <= 1)) {
+        throw UsageError(fmt::format("--strength takes a number from 0 to 1, not {}", strength));
+    }
+    runEachFile(console, options.arguments, [&](const Files& files) { cleanFile(console, options, files); });
 }
 
 } // namespace

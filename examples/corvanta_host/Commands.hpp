@@ -25,3 +25,4 @@ void addWatchCommand(CLI::App& app, Command& chosen);
 void addProcessCommand(CLI::App& app, Command& chosen);
 void addCleanCommand(CLI::App& app, Command& chosen);
 void addTracksCommand(CLI::App& app, Command& chosen);
+void addDoctorCommand(CLI::App& app, Command& chosen);

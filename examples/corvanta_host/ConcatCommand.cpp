@@ -1,4 +1,5 @@
 #include "Commands.hpp"
+#include "Failures.hpp"
 #include "FileArguments.hpp"
 #include "Inputs.hpp"
 #include "Output.hpp"
@@ -15,15 +16,14 @@ namespace {
 
 void canConcat(Console& console, const std::vector<std::string>& inputs) {
     const auto obstacle = runInterruptible(CorvantaSdkVideo->obstacleToConcat(inputFiles(inputs)));
-    if (console.json()) {
-        console.print(nlohmann::ordered_json{{"canConcat", !obstacle}});
-    } else {
-        console.print("{}\n", obstacle ? "no" : "yes");
+    if (!obstacle) {
+        console.result({{"canConcat", true}}, "yes\n");
+        return;
     }
-    // Why not is told as a failure is.
-    if (obstacle) {
-        throw CorvantaSdkVideoError(*obstacle);
-    }
+    const auto [name, details] = describe(*obstacle);
+    console.result({{"canConcat", false}, {"obstacle", {{"name", name}, {"details", details}}}}, "no\n");
+    console.note("corvanta_host: " + lineOf(*obstacle));
+    throw Told(exitStatus::failed);
 }
 
 void concat(Console& console, const FileArguments& arguments) {
@@ -42,7 +42,7 @@ void addCanConcatCommand(CLI::App& app, Command& chosen) {
         "can-concat",
         "Tell whether videos can be joined by stream copy: yes, or no (exit status 1) and why not");
     const auto inputs = std::make_shared<std::vector<std::string>>();
-    command->add_option("FILE", *inputs, "Video files")->required();
+    command->add_option("FILE", *inputs, "Video files")->required()->type_name("FILE");
     command->callback(
         [&chosen, inputs] { chosen = [inputs](Console& console) { canConcat(console, *inputs); }; });
 }

@@ -6,11 +6,12 @@
 
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <iostream>
 #include <iterator>
 #include <mutex>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -50,46 +51,6 @@ class Console::LogSink : public SharedCorvantaSdkLogSink {
 
 namespace {
 
-struct Description {
-    std::string name;
-    std::string details;
-};
-
-// The reason says more than the case that holds it.
-std::string caseName(const CorvantaSdkVideoError& error) {
-    const std::string name = error.what();
-    return error.reason() ? name.substr(name.find('(') + 1, name.size() - name.find('(') - 2) : name;
-}
-
-Description describe(const std::exception& error) {
-    if (const auto* own = dynamic_cast<const CorvantaSdkVideoError*>(&error)) {
-        return {caseName(*own), own->details()};
-    }
-    if (const auto* platform = dynamic_cast<const PlatformError*>(&error)) {
-        return {platform->domain(), detailsOf(error)};
-    }
-    if (const auto* coded = dynamic_cast<const CodedError*>(&error)) {
-        return {coded->what(), coded->details()};
-    }
-    if (const auto* refusal = dynamic_cast<const Refusal*>(&error)) {
-        return {refusal->name(), refusal->what()};
-    }
-    return {dynamic_cast<const Cancelled*>(&error) != nullptr    ? "cancelled"
-            : dynamic_cast<const UsageError*>(&error) != nullptr ? "usage"
-                                                                 : "failure",
-            error.what()};
-}
-
-// Only the module's own case names mean something to people.
-std::string lineOf(const std::exception& error) {
-    const auto [name, details] = describe(error);
-    const bool isPlain = dynamic_cast<const CodedError*>(&error) == nullptr ||
-                         dynamic_cast<const PlatformError*>(&error) != nullptr;
-    std::string line = details.empty() ? name : isPlain ? details : name + ": " + details;
-    std::ranges::replace(line, '\n', ' ');
-    return line;
-}
-
 std::string dumped(const Json& value, int indentation) {
     return value.dump(indentation, ' ', false, Json::error_handler_t::replace) + '\n';
 }
@@ -114,20 +75,39 @@ Console::Console(Options options)
 
 Console::~Console() = default;
 
-bool Console::drawsProgress() const { return !options_.verbose && isatty(STDERR_FILENO) != 0; }
+bool Console::drawsProgress() const {
+    const char* terminal = std::getenv("TERM");
+    return !options_.verbose && isatty(STDERR_FILENO) != 0 &&
+           (terminal == nullptr || std::string_view(terminal) != "dumb");
+}
 
-void Console::print(const Json& value) { write(dumped(value, 2)); }
-
-void Console::printLine(const Json& value) { write(dumped(value, -1)); }
-
-void Console::printPath(const std::string& path, const Json& about) {
+void Console::gatherResults() {
     if (options_.json) {
-        Json result = about;
-        result["path"] = path;
-        print(result);
-    } else {
-        write(path + '\n');
+        gathered_ = std::make_unique<Json>(Json::array());
     }
+}
+
+void Console::finish() {
+    if (gathered_) {
+        write(dumped(*std::exchange(gathered_, nullptr), 2));
+    }
+}
+
+void Console::result(const Json& document, const std::string& text) {
+    if (gathered_) {
+        gathered_->push_back(document);
+    } else {
+        write(options_.json ? dumped(document, 2) : text);
+    }
+}
+
+void Console::resultAt(const std::string& path, Json about) {
+    about["path"] = path;
+    result(about, path + '\n');
+}
+
+void Console::emission(const Json& document, const std::string& text) {
+    write(options_.json ? dumped(document, -1) : text + '\n');
 }
 
 void Console::note(const std::string& text) const {
@@ -151,17 +131,25 @@ void Console::tellRequest(const std::string& id) {
     note("request " + id);
 }
 
-void Console::fail(const std::exception& error) const {
+void Console::fail(const std::exception& error) {
     if (!options_.json) {
-        fmt::print(stderr, "corvanta_host: {}\n", lineOf(error));
+        fmt::print(stderr, "corvanta_host: {}{}\n", file_.empty() ? "" : file_ + ": ", lineOf(error));
         return;
     }
     const auto [name, details] = describe(error);
-    Json told = {{"name", name}, {"details", details}};
-    if (!request_.empty()) {
-        told["request"] = request_;
+    Json told = {{"kind", nameOfStatus(statusOf(error))}, {"name", name}, {"details", details}};
+    for (const auto& [key, value] : {std::pair("file", file_), {"request", request_}}) {
+        if (!value.empty()) {
+            told[key] = value;
+        }
     }
-    fmt::print(stderr, "{}", dumped(Json{{"error", told}}, 2));
+    const Json document{{"error", told}};
+    try {
+        result(document, "");
+    } catch (const std::system_error&) {
+        // It says that nothing can be said there.
+        fmt::print(stderr, "{}", dumped(document, 2));
+    }
 }
 
 void Console::listenToProbes(std::function<void()> listener) { log_->listen(std::move(listener)); }

@@ -8,7 +8,6 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <utility>
 
 /// The terminal as the commands see it: results on standard output, everything else on standard error.
 class Console {
@@ -28,15 +27,16 @@ class Console {
     /// Plain lines of progress, for logs.
     bool printsProgress() const { return !options_.json; }
 
-    template <typename... Arguments>
-    void print(fmt::format_string<Arguments...> format, Arguments&&... arguments) {
-        write(fmt::format(format, std::forward<Arguments>(arguments)...));
-    }
-    void print(const nlohmann::ordered_json& value);
-    /// One line of JSON.
-    void printLine(const nlohmann::ordered_json& value);
+    /// From now on the results and failures of several jobs make one document, a list, for `finish` to write.
+    void gatherResults();
+    void finish();
+
+    /// The command's result: the document as JSON, else the text, which ends with its last line.
+    void result(const nlohmann::ordered_json& document, const std::string& text);
     /// Where a result lies: the path, or `about` with the path added to it.
-    void printPath(const std::string& path, const nlohmann::ordered_json& about);
+    void resultAt(const std::string& path, nlohmann::ordered_json about);
+    /// One of a command's results that come as time goes on: a line of either kind.
+    void emission(const nlohmann::ordered_json& document, const std::string& text);
 
     /// A line for people on standard error, which JSON does without.
     void note(const std::string& text) const;
@@ -46,9 +46,12 @@ class Console {
     /// Names the request that failures are about from now on: told, or only kept for them.
     void tellRequest(const std::string& id);
     void setRequest(const std::string& id) { request_ = id; }
+    /// Names the file, of several, that failures are about from now on; none if it is empty.
+    void setFile(const std::string& path) { file_ = path; }
 
-    /// Tells of a failure in one line: the error's case name, and what it was about.
-    void fail(const std::exception& error) const;
+    /// Tells of a failure: in one line on standard error, the error's case name and what it was about, or as
+    /// the result in JSON.
+    void fail(const std::exception& error);
 
     /// `listener` is called, on any thread, whenever the module begins to probe a file.
     void listenToProbes(std::function<void()> listener);
@@ -62,4 +65,6 @@ class Console {
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> results_;
     std::shared_ptr<LogSink> log_;
     std::string request_;
+    std::string file_;
+    std::unique_ptr<nlohmann::ordered_json> gathered_;
 };

@@ -4,6 +4,7 @@
 #include "Output.hpp"
 #include "Progress.hpp"
 #include "Run.hpp"
+#include "SeveralJobs.hpp"
 #include "Values.hpp"
 
 #include <nlohmann/json.hpp>
@@ -23,18 +24,18 @@ struct ContactSheetOptions {
     std::int64_t width = 320;
 };
 
-void contactSheet(Console& console, const ContactSheetOptions& options) {
-    const Files files = options.arguments.files();
+void contactSheet(Console& console, const ContactSheetOptions& options, const Files& files) {
     const auto inputs = inputFiles(files.inputs);
     const Output output = outputFor(files, "jpg");
     UnfinishedOutput unfinished(output.path);
     {
         const Progress progress(console, "contact-sheet");
         runInterruptible(CorvantaSdkVideo->contactSheet(inputs.front(), output.location, options.columns,
-                                                        options.rows, options.width, progress.listener()));
+                                                        options.rows, options.width,
+                                                        progress.listenerToPictures()));
     }
     unfinished.keep();
-    console.printPath(output.path, {});
+    console.resultAt(output.path, {});
 }
 
 } // namespace
@@ -45,6 +46,10 @@ void addContactSheetCommand(CLI::App& app, Command& chosen) {
     command->add_option("--columns", options->columns, "Frames beside each other")->capture_default_str();
     command->add_option("--rows", options->rows, "Frames below each other")->capture_default_str();
     command->add_option("--width", options->width, "Width of one frame in pixels")->capture_default_str();
-    command->callback(
-        [&chosen, options] { chosen = [options](Console& console) { contactSheet(console, *options); }; });
+    command->callback([&chosen, options] {
+        chosen = [options](Console& console) {
+            runEachFile(console, options->arguments,
+                        [&](const Files& files) { contactSheet(console, *options, files); });
+        };
+    });
 }

@@ -5,9 +5,11 @@
 #include "Output.hpp"
 #include "Progress.hpp"
 #include "Run.hpp"
+#include "SeveralJobs.hpp"
 #include "Values.hpp"
+#include "Words.hpp"
 
-#include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorImplementation.hpp>
+#include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditor.hpp>
 
 #include <nlohmann/json.hpp>
 
@@ -15,7 +17,6 @@
 #include <cmath>
 #include <map>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -33,7 +34,7 @@ struct EditOptions {
     std::int64_t rotationDegrees = 0;
     float volume = 1;
     /// Absent: copied, and exact with several ranges.
-    std::optional<CorvantaSdkVideoCut> cut;
+    std::string cut;
 };
 
 const std::map<std::string, CorvantaSdkVideoCut> cuts{{"copied", CorvantaSdkVideoCut::copied},
@@ -70,7 +71,8 @@ std::vector<CorvantaSdkVideoTimeRange> rangesFrom(const EditOptions& options) {
 
 CorvantaSdkVideoCut cutFrom(const EditOptions& options) {
     const bool isOne = options.ranges.size() < 2;
-    const auto cut = options.cut.value_or(isOne ? CorvantaSdkVideoCut::copied : CorvantaSdkVideoCut::exact);
+    const auto usual = isOne ? CorvantaSdkVideoCut::copied : CorvantaSdkVideoCut::exact;
+    const auto cut = options.cut.empty() ? usual : cuts.at(options.cut);
     if (!isOne && cut == CorvantaSdkVideoCut::copied) {
         throw UsageError("several ranges can't be cut by copying alone: leave out --cut copied");
     }
@@ -123,7 +125,32 @@ void tell(Console& console, const std::string& path, const std::vector<CorvantaS
             console.note(fmt::format("{:g} s to {:g} s: {}", start, end, way));
         }
     }
-    console.printPath(path, about);
+    console.resultAt(path, about);
+}
+
+void editFile(Console& console, const EditOptions& options,
+              const std::vector<CorvantaSdkVideoTimeRange>& ranges, CorvantaSdkVideoCut cut,
+              const Files& files) {
+    const auto inputs = inputFiles(files.inputs);
+    const Output output = outputFor(files, "mp4");
+    if (cut == CorvantaSdkVideoCut::copied) {
+        warn(console, inputs.front(), ranges.front(), options.rotationDegrees);
+    }
+    UnfinishedOutput unfinished(output.path);
+    CorvantaSdkVideoEditorResult result;
+    {
+        const Progress progress(console, "edit");
+        const auto editor = makeCorvantaSdkVideoEditor();
+        result = runInterruptible(editor->edit({.videoURL = inputs.front().url(),
+                                                .outputURL = URL::fromFilePath(output.path),
+                                                .rotationAngle = options.rotationDegrees,
+                                                .volumen = options.volume,
+                                                .cut = cut,
+                                                .ranges = ranges,
+                                                .onProgress = progress.listener()}));
+    }
+    unfinished.keep();
+    tell(console, output.path, ranges, result, cut != CorvantaSdkVideoCut::copied);
 }
 
 void edit(Console& console, const EditOptions& options) {
@@ -136,27 +163,8 @@ void edit(Console& console, const EditOptions& options) {
     if (!(options.volume >= 0) || !std::isfinite(options.volume)) {
         throw UsageError(fmt::format("--volume takes a factor from 0 up, not {}", options.volume));
     }
-    const Files files = options.arguments.files();
-    const auto inputs = inputFiles(files.inputs);
-    const Output output = outputFor(files, "mp4");
-    if (cut == CorvantaSdkVideoCut::copied) {
-        warn(console, inputs.front(), ranges.front(), options.rotationDegrees);
-    }
-    UnfinishedOutput unfinished(output.path);
-    CorvantaSdkVideoEditorResult result;
-    {
-        const Progress progress(console, "edit");
-        CorvantaSdkVideoEditorImplementation editor;
-        result = runInterruptible(editor.edit({.videoURL = inputs.front().url(),
-                                               .outputURL = URL::fromFilePath(output.path),
-                                               .rotationAngle = options.rotationDegrees,
-                                               .volumen = options.volume,
-                                               .cut = cut,
-                                               .ranges = ranges,
-                                               .onProgress = progress.listener()}));
-    }
-    unfinished.keep();
-    tell(console, output.path, ranges, result, cut != CorvantaSdkVideoCut::copied);
+    runEachFile(console, options.arguments,
+                [&](const Files& files) { editFile(console, options, ranges, cut, files); });
 }
 
 } // namespace
@@ -187,7 +195,7 @@ void addEditCommand(CLI::App& app, Command& chosen) {
             "--cut", options->cut,
             "copied: the picture begins at the next key picture; exact: at the very start; automatic: "
             "exact where copying would lose pictures")
-        ->transform(CLI::CheckedTransformer(cuts))
+        ->check(oneOf({"copied", "exact", "automatic"}))
         ->default_str("copied, and exact with several ranges");
     command->callback(
         [&chosen, options] { chosen = [options](Console& console) { edit(console, *options); }; });

@@ -1,6 +1,7 @@
 #include "EncodingOptions.hpp"
 
 #include "Failures.hpp"
+#include "Words.hpp"
 
 #include <charconv>
 #include <string_view>
@@ -9,10 +10,15 @@ using namespace corvanta;
 
 namespace {
 
+template <typename Names>
+std::vector<std::string> wordsOf(const Names& names) {
+    return {names.begin(), names.end()};
+}
+
 template <typename Choice>
 void addChoice(CLI::App& command, const std::string& name, std::string& value,
                const std::string& description) {
-    command.add_option(name, value, description)->check(CLI::IsMember(choiceNames<Choice>()));
+    command.add_option(name, value, description)->check(oneOf(wordsOf(choiceNames<Choice>())));
 }
 
 template <typename Choice>
@@ -59,6 +65,7 @@ EncodingOptions::EncodingOptions(CLI::App& command) {
         .add_option("--encoder", encoding_.encoders,
                     "An encoder of the codec to try, by ffmpeg's name (h264_nvenc, libx264); can be "
                     "repeated: if one in hardware fails, the next is taken")
+        ->type_name("ENCODER")
         ->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     command.add_flag("--faststart", encoding_.faststart,

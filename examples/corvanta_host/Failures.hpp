@@ -9,10 +9,13 @@
 /// How the program ends, besides 0: told in its help.
 namespace exitStatus {
 
-/// An operation failed or was refused, or the answer is "no".
+/// An operation failed on its way, or the answer is "no".
 inline constexpr int failed = 1;
 /// The command line can't be followed.
 inline constexpr int wrongUsage = 2;
+/// What is asked can't be done with these files or requests: nothing was begun.
+inline constexpr int refused = 3;
+inline constexpr int notLoggedIn = 4;
 /// Cancelled by a signal, whose number is added: 130 for Ctrl-C.
 inline constexpr int signalled = 128;
 
@@ -36,20 +39,44 @@ class Refusal : public std::runtime_error {
     std::string name_;
 };
 
-/// Some of several runs have failed, each of which has been told.
-class SomeFailed : public std::exception {
+/// An end that has been told already: the exit status is left.
+class Told : public std::exception {
   public:
-    const char* what() const noexcept override { return "some of several runs have failed"; }
+    explicit Told(int status) : status_(status) {}
+
+    int status() const { return status_; }
+    const char* what() const noexcept override { return "told already"; }
+
+  private:
+    int status_;
 };
 
-/// A run that Ctrl-C or a termination signal has ended.
+/// A run that Ctrl-C or a termination signal has ended, or somebody else.
 class Cancelled : public std::exception {
   public:
-    explicit Cancelled(int signal) : signal_(signal) {}
+    explicit Cancelled(int signal, std::string words = "cancelled")
+        : signal_(signal), words_(std::move(words)) {}
 
     int status() const { return exitStatus::signalled + signal_; }
-    const char* what() const noexcept override { return "cancelled"; }
+    const char* what() const noexcept override { return words_.c_str(); }
 
   private:
     int signal_;
+    std::string words_;
 };
+
+/// The exit status that tells of a failure.
+int statusOf(const std::exception& error);
+
+/// A status other than 0 in one word, for scripts: "failed", "usage", "refused", "notLoggedIn", "cancelled".
+const char* nameOfStatus(int status);
+
+/// What a failure is, and what it was about. Only the module's own cases have names that mean something.
+struct FailureDescription {
+    std::string name;
+    std::string details;
+};
+FailureDescription describe(const std::exception& error);
+
+/// The same in one line for people.
+std::string lineOf(const std::exception& error);

@@ -79,23 +79,26 @@ std::string bitRate(std::int64_t bitsPerSecond) {
     return bitsPerSecond == 0 ? "" : fmt::format("  {} kbit/s", bitsPerSecond / 1000);
 }
 
-void printTable(Console& console, const CorvantaSdkVideoInformation& file) {
-    console.print("{}\n", file.url.path());
-    console.print("  {:<9}{}  {}  {} bytes\n", "file", file.format, seconds(file.durationMillis), file.size);
+std::string toTable(const CorvantaSdkVideoInformation& file) {
+    std::string table = fmt::format("{}\n  {:<9}{}  {}  {} bytes\n", file.url.path(), "file", file.format,
+                                    seconds(file.durationMillis), file.size);
     if (!file.videos.empty()) {
-        console.print("  {:<9}{:.0f}x{:.0f} {}\n", "shown", file.videoSize.width, file.videoSize.height,
-                      orientationName(file.orientation));
+        table += fmt::format("  {:<9}{:.0f}x{:.0f} {}\n", "shown", file.videoSize.width,
+                             file.videoSize.height, orientationName(file.orientation));
     }
     for (const auto& track : file.videos) {
-        console.print("  #{} {:<6}{} ({}) {}  {}x{}  {} fps  rotation {}  {}{}\n", track.index, "video",
-                      track.codec, track.codecTag, track.pixelFormat, track.width, track.height,
-                      track.frameRate, track.rotation, seconds(track.durationMillis), bitRate(track.bitRate));
+        table += fmt::format("  #{} {:<6}{} ({}) {}  {}x{}  {} fps  rotation {}  {}{}\n", track.index,
+                             "video", track.codec, track.codecTag, track.pixelFormat, track.width,
+                             track.height, track.frameRate, track.rotation, seconds(track.durationMillis),
+                             bitRate(track.bitRate));
     }
     for (const auto& track : file.audios) {
-        console.print("  #{} {:<6}{} ({}) {}  {} Hz  {} channels {}  {}{}\n", track.index, "audio",
-                      track.codec, track.codecTag, track.sampleFormat, track.sampleRate, track.channels,
-                      track.channelLayout, seconds(track.durationMillis), bitRate(track.bitRate));
+        table +=
+            fmt::format("  #{} {:<6}{} ({}) {}  {} Hz  {} channels {}  {}{}\n", track.index, "audio",
+                        track.codec, track.codecTag, track.sampleFormat, track.sampleRate, track.channels,
+                        track.channelLayout, seconds(track.durationMillis), bitRate(track.bitRate));
     }
+    return table;
 }
 
 std::vector<CorvantaSdkVideoInformation> informationOf(Console& console,
@@ -106,13 +109,11 @@ std::vector<CorvantaSdkVideoInformation> informationOf(Console& console,
 
 void info(Console& console, const std::vector<std::string>& paths) {
     const auto files = informationOf(console, paths);
-    if (console.json()) {
-        console.print(toJsonList(files));
-        return;
-    }
+    std::string tables;
     for (const CorvantaSdkVideoInformation& file : files) {
-        printTable(console, file);
+        tables += toTable(file);
     }
+    console.result(toJsonList(files), tables);
 }
 
 } // namespace
@@ -120,6 +121,6 @@ void info(Console& console, const std::vector<std::string>& paths) {
 void addInfoCommand(CLI::App& app, Command& chosen) {
     auto* command = app.add_subcommand("info", "Show what is known of video files");
     const auto paths = std::make_shared<std::vector<std::string>>();
-    command->add_option("FILE", *paths, "Video files")->required();
+    command->add_option("FILE", *paths, "Video files")->required()->type_name("FILE");
     command->callback([&chosen, paths] { chosen = [paths](Console& console) { info(console, *paths); }; });
 }

@@ -2,15 +2,15 @@
 #include "EncodingOptions.hpp"
 #include "FileArguments.hpp"
 #include "Inputs.hpp"
+#include "MediaNames.hpp"
 #include "Output.hpp"
 #include "RequestRun.hpp"
 #include "Run.hpp"
 #include "Values.hpp"
+#include "Words.hpp"
 
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
-#include <array>
 #include <cmath>
 #include <filesystem>
 #include <memory>
@@ -39,12 +39,9 @@ std::optional<std::int64_t> wholeSide(std::optional<double> side) {
 
 // What the name of the output asks for, as far as it is an extension of videos.
 std::optional<std::string> extensionOf(const std::string& output) {
-    constexpr auto known = std::to_array<std::string_view>(
-        {"mp4", "mov", "m4v", "m4a", "mkv", "webm", "mka", "ts", "mts", "m2ts", "avi", "flv"});
     const std::string given = std::filesystem::path(output).extension().string();
     const std::string extension = given.empty() ? given : given.substr(1);
-    const bool isKnown = std::find(known.begin(), known.end(), extension) != known.end();
-    return isKnown ? std::optional(extension) : std::nullopt;
+    return isJoinedExtension(extension) ? std::optional(extension) : std::nullopt;
 }
 
 CorvantaSdkVideoJoinOptions wishesOf(const JoinOptions& options, const Files& files) {
@@ -90,16 +87,12 @@ nlohmann::ordered_json planned(const Inspection& join, const std::string& path) 
 void join(Console& console, const JoinOptions& options) {
     const Files files = options.arguments.files();
     const auto inputs = inputFiles(files.inputs);
-    requireReadable(inputs);
+    requireThere(inputs);
     const auto wishes = wishesOf(options, files);
     const Inspection inspection = runInterruptible(CorvantaSdkVideo->joinInspection(inputs, wishes));
     const Output output = outputFor(files, inspection.fileExtension);
     if (options.isDryRun) {
-        if (console.json()) {
-            console.print(planned(inspection, output.path));
-        } else {
-            console.print("{}\n{}\n", described(inspection), output.path);
-        }
+        console.result(planned(inspection, output.path), described(inspection) + '\n' + output.path + '\n');
         return;
     }
     console.note(described(inspection));
@@ -118,7 +111,7 @@ void addJoinCommand(CLI::App& app, Command& chosen) {
                         "unless said");
     command->add_option("--height", options->height, "Height; one side alone keeps the shape");
     command->add_option("--fps", options->rate, "Frame rate; as most of the files have it, unless said")
-        ->check(CLI::IsMember({"24", "25", "30", "50", "60"}));
+        ->check(oneOf({"24", "25", "30", "50", "60"}));
     command->add_flag("--dry-run", options->isDryRun,
                       "Only tell what would be done, why, and what would be written");
     command->callback(

@@ -5,10 +5,11 @@
 #include "Output.hpp"
 #include "PictureSize.hpp"
 #include "RequestRun.hpp"
-#include "Run.hpp"
+#include "SeveralJobs.hpp"
 #include "TrackChecks.hpp"
 #include "TrackSelection.hpp"
 #include "Values.hpp"
+#include "Words.hpp"
 
 #include <memory>
 #include <optional>
@@ -27,7 +28,7 @@ struct CommonOptions {
             "taken upright (rotation -90 in `info`) need both, else they become small in a wide "
             "frame");
         command.add_option("--fps", rate, "Output frame rate")
-            ->check(CLI::IsMember({"24", "25", "30", "50", "60"}))
+            ->check(oneOf({"24", "25", "30", "50", "60"}))
             ->capture_default_str();
     }
 
@@ -58,31 +59,26 @@ struct Job {
     std::optional<CorvantaSdkVideoEncoding> encoding;
 };
 
-// Files are asked for what is in them only where the options need to know it.
 template <typename RequireTracks>
-Job prepared(Console& console, const CommonOptions& options, bool selectsTracks,
+Job prepared(Console& console, const CommonOptions& options, const Files& files, bool selectsTracks,
              RequireTracks requireTracks) {
     requireSide("--width", options.size.width);
     requireSide("--height", options.size.height);
-    const Files files = options.arguments.files();
     Job job{inputFiles(files.inputs), outputFor(files, "mp4"), options.size, options.encoding.chosen()};
-    requireReadable(job.inputs);
+    const Information information = requireReadable(job.inputs);
+    requireTracks(information);
+    if (job.encoding && !selectsTracks) {
+        requireEncodable(*job.encoding, information);
+    }
     const bool hasOneSide = options.size.width.has_value() != options.size.height.has_value();
-    if (selectsTracks || hasOneSide || job.encoding) {
-        const Information information = runInterruptible(CorvantaSdkVideo->getVideosInformation(job.inputs));
-        requireTracks(information);
-        if (job.encoding && !selectsTracks) {
-            requireEncodable(*job.encoding, information);
-        }
-        if ((selectsTracks || hasOneSide) && (!options.size.width || !options.size.height)) {
-            requireSizes(information);
-        }
-        if (hasOneSide && !selectsTracks) {
-            job.size = completed(job.size, information);
-        }
+    if ((selectsTracks || hasOneSide) && (!options.size.width || !options.size.height)) {
+        requireSizes(information);
+    }
+    if (hasOneSide && !selectsTracks) {
+        job.size = completed(job.size, information);
     }
     if (!options.size.width && !options.size.height && !selectsTracks) {
-        hintAtUprightClips(console, urlsOf(job.inputs));
+        hintAtUprightClips(console, information);
     }
     return job;
 }
@@ -106,7 +102,7 @@ void merge(Console& console, const MergeOptions& options) {
         audioTracks.push_back(audioTrackFrom(text));
     }
     const Job job = prepared(
-        console, options, !videoTracks.empty() || !audioTracks.empty(),
+        console, options, options.arguments.files(), !videoTracks.empty() || !audioTracks.empty(),
         [&](const Information& information) { requireStreams(videoTracks, audioTracks, information); });
     auto builder = CorvantaSdkVideo->MergeBuilder(job.inputs, job.output.location);
     builder.videoTracks = videoTracks;
@@ -114,12 +110,12 @@ void merge(Console& console, const MergeOptions& options) {
     runBuilder(console, builder, job, options);
 }
 
-void encode(Console& console, const EncodeOptions& options) {
+void encode(Console& console, const EncodeOptions& options, const Files& files) {
     std::vector<CorvantaSdkVideoEncodeVideoEntry> videoTracks;
     for (const std::string& text : options.videoTracks) {
         videoTracks.push_back(encodeEntryFrom(text));
     }
-    const Job job = prepared(console, options, !videoTracks.empty() || !options.audioTracks.empty(),
+    const Job job = prepared(console, options, files, !videoTracks.empty() || !options.audioTracks.empty(),
                              [&](const Information& information) {
                                  requireStreams(videoTracks, options.audioTracks, information.front());
                              });
@@ -130,9 +126,11 @@ void encode(Console& console, const EncodeOptions& options) {
 }
 
 template <typename Values>
-void addRepeated(CLI::App& command, const std::string& name, Values& values, const std::string& description) {
+void addRepeated(CLI::App& command, const std::string& name, Values& values, const std::string& type,
+                 const std::string& description) {
     command.add_option(name, values, description + "; can be repeated")
         ->expected(1)
+        ->type_name(type)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
 }
 
@@ -141,10 +139,10 @@ void addRepeated(CLI::App& command, const std::string& name, Values& values, con
 void addMergeCommand(CLI::App& app, Command& chosen) {
     auto* command = app.add_subcommand("merge", "Join unlike videos by re-encoding them");
     const auto options = std::make_shared<MergeOptions>(*command, true);
-    addRepeated(*command, "--video-track", options->videoTracks,
+    addRepeated(*command, "--video-track", options->videoTracks, "VIDEO_TRACK",
                 "An output video track, FILE:STREAM,FILE:STREAM[@WxH], files counted from 0 and streams as "
                 "`info` numbers them");
-    addRepeated(*command, "--audio-track", options->audioTracks,
+    addRepeated(*command, "--audio-track", options->audioTracks, "AUDIO_TRACK",
                 "An output audio track, FILE:STREAM,FILE:STREAM");
     command->callback(
         [&chosen, options] { chosen = [options](Console& console) { merge(console, *options); }; });
@@ -153,8 +151,13 @@ void addMergeCommand(CLI::App& app, Command& chosen) {
 void addEncodeCommand(CLI::App& app, Command& chosen) {
     auto* command = app.add_subcommand("encode", "Re-encode one video");
     const auto options = std::make_shared<EncodeOptions>(*command, false);
-    addRepeated(*command, "--video", options->videoTracks, "A video stream to keep, STREAM[@WxH]");
-    addRepeated(*command, "--audio", options->audioTracks, "An audio stream to keep");
-    command->callback(
-        [&chosen, options] { chosen = [options](Console& console) { encode(console, *options); }; });
+    addRepeated(*command, "--video", options->videoTracks, "VIDEO_STREAM",
+                "A video stream to keep, STREAM[@WxH]");
+    addRepeated(*command, "--audio", options->audioTracks, "AUDIO_STREAM", "An audio stream to keep");
+    command->callback([&chosen, options] {
+        chosen = [options](Console& console) {
+            runEachFile(console, options->arguments,
+                        [&](const Files& files) { encode(console, *options, files); });
+        };
+    });
 }

@@ -1,9 +1,7 @@
 #include "Output.hpp"
 
 #include "Failures.hpp"
-
-#include <platform/FileManager.hpp>
-#include <platform/MimeTypes.hpp>
+#include "MediaNames.hpp"
 
 #include <filesystem>
 #include <system_error>
@@ -14,11 +12,6 @@ using namespace corvanta;
 namespace fs = std::filesystem;
 
 namespace {
-
-bool isFolder(const std::string& path) {
-    std::error_code absent;
-    return path.ends_with('/') || fs::is_directory(path, absent);
-}
 
 fs::path inFolder(const Files& files, const fs::path& name) {
     return isFolder(files.output) ? fs::path(files.output) / name : fs::path(files.output);
@@ -31,11 +24,12 @@ std::string checked(const fs::path& relative, const Files& files) {
         throw Refusal("noFolder", "there is no folder " + path.parent_path().string());
     }
     for (const std::string& input : files.inputs) {
-        if (FileManager::isSameFile(input, path.string())) {
+        std::error_code absent;
+        if (fs::equivalent(input, path, absent)) {
             throw Refusal("outputIsInput", path.string() + " is read: it can't be written in the same run");
         }
     }
-    requireFree(path.string(), files.force);
+    requireFree(path.string(), files.overwriting);
     return path.string();
 }
 
@@ -45,7 +39,7 @@ fs::path withoutExtension(const fs::path& name, const std::string& extension) {
     if (given == '.' + extension) {
         return fs::path(name).replace_extension();
     }
-    if (!given.empty() && mimeTypeForExtension(given.substr(1))) {
+    if (!given.empty() && isKnownExtension(given.substr(1))) {
         throw UsageError("the output is a file of extension " + extension + ": name it " +
                          fs::path(name).replace_extension(extension).string());
     }
@@ -66,14 +60,18 @@ std::string outputPath(const Files& files) {
     return checked(inFolder(files, fs::path(files.inputs.front()).filename()), files);
 }
 
-void requireFree(const std::string& path, bool force) {
-    if (!FileManager::fileExists(path)) {
+void requireFree(const std::string& path, Overwriting overwriting) {
+    std::error_code absent;
+    if (!fs::exists(path, absent)) {
         return;
     }
     if (isFolder(path)) {
         throw Refusal("outputExists", path + " is a folder");
     }
-    if (!force && !Console::confirm(path + " is there already. Write over it?")) {
+    const bool mayGo = overwriting == Overwriting::asked
+                           ? Console::confirm(path + " is there already. Write over it?")
+                           : overwriting == Overwriting::always;
+    if (!mayGo) {
         throw Refusal("outputExists", path + " is there already; --force writes over it");
     }
 }

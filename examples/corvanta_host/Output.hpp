@@ -28,7 +28,7 @@ Output outputFor(const Files& files, const std::string& extension);
 std::string outputPath(const Files& files);
 
 /// Throws Refusal if something is at `path` that may not be written over.
-void requireFree(const std::string& path, bool force);
+void requireFree(const std::string& path, Overwriting overwriting);
 
 /// Removes what a run has begun to write at a path, unless it is told that the run is done. A file that was
 /// there before and has not been touched stays.

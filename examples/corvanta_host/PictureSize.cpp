@@ -1,8 +1,6 @@
 #include "PictureSize.hpp"
 
 #include "Failures.hpp"
-#include "Inputs.hpp"
-#include "Run.hpp"
 #include "Values.hpp"
 
 #include <algorithm>
@@ -60,21 +58,21 @@ PictureSize completed(PictureSize size, const std::vector<CorvantaSdkVideoInform
     return size;
 }
 
-void hintAtUprightClips(const Console& console, const std::vector<URL>& urls) {
-    const std::vector<URL> clips = uprightClips(urls);
-    if (clips.empty() || console.json()) {
-        return;
-    }
-    const std::vector<CorvantaSdkVideoFile> files(clips.begin(), clips.end());
+void hintAtUprightClips(const Console& console, const std::vector<CorvantaSdkVideoInformation>& files) {
+    constexpr std::int64_t upright = -90;
+    const CorvantaSdkVideoInformation* first = nullptr;
     VideoSize largest;
-    for (const auto& clip : runInterruptible(CorvantaSdkVideo->getVideosInformation(files))) {
-        largest.width = std::max(largest.width, clip.videoSize.width);
-        largest.height = std::max(largest.height, clip.videoSize.height);
+    for (const CorvantaSdkVideoInformation& file : files) {
+        if (file.rotation() == upright) {
+            first = first == nullptr ? &file : first;
+            largest.width = std::max(largest.width, file.videoSize.width);
+            largest.height = std::max(largest.height, file.videoSize.height);
+        }
     }
-    if (largest.width < largest.height) {
+    if (first != nullptr && largest.width < largest.height) {
         console.note(fmt::format(
             "hint: {} was taken upright and will be small in a wide frame; --width {} --height {} "
             "gives an upright one",
-            clips.front().path(), even(largest.width), even(largest.height)));
+            first->url.path(), even(largest.width), even(largest.height)));
     }
 }

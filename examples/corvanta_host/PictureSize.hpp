@@ -20,6 +20,7 @@ void requireSizes(const std::vector<corvanta::CorvantaSdkVideoInformation>& file
 /// where all files have one shape each. Throws UsageError if that makes the other side too small.
 PictureSize completed(PictureSize size, const std::vector<corvanta::CorvantaSdkVideoInformation>& files);
 
-/// Tells of clips that were taken upright and would be small in a frame of their stored size, and of the
-/// sizes to give.
-void hintAtUprightClips(const Console& console, const std::vector<corvanta::URL>& urls);
+/// Tells of clips that a camera held upright has written with a turn of -90 degrees, whose picture is small
+/// in a frame of the files' own sizes, and of the sizes to give.
+void hintAtUprightClips(const Console& console,
+                        const std::vector<corvanta::CorvantaSdkVideoInformation>& files);

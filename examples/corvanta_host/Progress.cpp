@@ -79,6 +79,7 @@ class Progress::Display {
         const bool isEnd = progress.fraction == 1 && !closed_ && !isSilent_ && (onTerminal_ || drawn_);
         if (isTold_ && (isDue() || isEnd)) {
             draw(describe(progress.fraction, progress.speed));
+            isWhole_ = progress.fraction == 1;
         }
     }
 
@@ -94,7 +95,7 @@ class Progress::Display {
         const std::lock_guard lock(mutex_);
         closed_ = true;
         if (drawn_ && onTerminal_) {
-            fmt::print(stderr, "\r\x1b[K");
+            fmt::print(stderr, "{}", isWhole_ ? "\n" : "\r\x1b[K");
         }
     }
 
@@ -113,7 +114,7 @@ class Progress::Display {
         const double spent = secondsSince(start_);
         const std::string percent = fmt::format(" {:3.0f} %", share * 100);
         const std::string speed = outputSpeed > 0 ? fmt::format(" {:.3g}x", outputSpeed) : "";
-        const std::string left = timeLeft(spent, share);
+        const std::string left = share < 1 ? timeLeft(spent, share) : " in " + clockTime(spent);
         const std::size_t room = onTerminal_ ? columns() : usualColumns;
         const std::size_t taken = label_.size() + percent.size() + speed.size() + left.size() + 3;
         const int width = std::min(widestBar, static_cast<int>(room) - static_cast<int>(taken));
@@ -132,6 +133,8 @@ class Progress::Display {
     std::size_t probes_ = 0;
     bool isTold_ = false;
     bool drawn_ = false;
+    /// The whole bar stands in the last line, and stays there.
+    bool isWhole_ = false;
     bool closed_ = false;
 };
 
@@ -144,6 +147,13 @@ Progress::Progress(Console& console, std::string label, std::size_t fileCount)
 
 CorvantaSdkVideoProgressCallback Progress::listener() const {
     return [display = display_](const CorvantaSdkVideoProgress& progress) { display->show(progress); };
+}
+
+CorvantaSdkVideoProgressCallback Progress::listenerToPictures() const {
+    return [display = display_](CorvantaSdkVideoProgress progress) {
+        progress.speed = 0;
+        display->show(progress);
+    };
 }
 
 Progress::~Progress() {

@@ -18,6 +18,8 @@ class Progress {
     Progress(Console& console, std::string label, std::size_t fileCount = 1);
     /// What an operation tells of itself; it takes the place of everything else that is known.
     corvanta::CorvantaSdkVideoProgressCallback listener() const;
+    /// The same for one that writes pictures of their own: how fast means nothing there.
+    corvanta::CorvantaSdkVideoProgressCallback listenerToPictures() const;
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
     ~Progress();

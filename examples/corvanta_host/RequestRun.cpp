@@ -1,12 +1,14 @@
 #include "RequestRun.hpp"
 
-#include "Inputs.hpp"
+#include "Failures.hpp"
 #include "Output.hpp"
 #include "Progress.hpp"
 #include "Run.hpp"
 
 #include <fmt/chrono.h>
 #include <nlohmann/json.hpp>
+
+#include <algorithm>
 
 using namespace corvanta;
 using json = nlohmann::ordered_json;
@@ -21,6 +23,12 @@ std::vector<URL> inputsOf(const CorvantaSdkVideoRequest& request) {
         return request.mergeData->videos;
     }
     return request.encodingData ? std::vector<URL>{request.encodingData->inputFileURL} : std::vector<URL>{};
+}
+
+bool isCancelled(const CorvantaSdkVideoRequest& request) {
+    const auto cancelled = CorvantaSdkVideo->getRequests(CorvantaSdkVideoRequest::Status::cancelled);
+    return std::ranges::find(cancelled, request.id, [](const auto& one) { return one->id; }) !=
+           cancelled.end();
 }
 
 bool isFailureOfRun(const CorvantaSdkVideoError& error) {
@@ -52,6 +60,8 @@ void runRequest(Console& console, const RequestPointer& request, const std::stri
             // Another process may be writing what this one was refused to.
             if (!isFailureOfRun(error)) {
                 unfinished.keep();
+            } else if (isCancelled(*request)) {
+                throw Cancelled(SIGINT, "the request was cancelled by another process");
             }
             throw;
         }
@@ -61,7 +71,7 @@ void runRequest(Console& console, const RequestPointer& request, const std::stri
         about["encoder"] = encoder;
         console.note("encoded with " + encoder);
     }
-    console.printPath(outputPath, about);
+    console.resultAt(outputPath, about);
 }
 
 json toJson(const CorvantaSdkVideoRequest& request) {

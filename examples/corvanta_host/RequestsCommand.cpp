@@ -3,10 +3,14 @@
 #include "Output.hpp"
 #include "RequestRun.hpp"
 #include "Run.hpp"
+#include "SeveralJobs.hpp"
+#include "Words.hpp"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <atomic>
+#include <iostream>
 #include <iterator>
 #include <memory>
 #include <utility>
@@ -70,13 +74,11 @@ nlohmann::ordered_json toJson(const std::vector<RequestPointer>& requests) {
 }
 
 void printRequests(Console& console, const std::vector<RequestPointer>& requests) {
-    if (console.json()) {
-        console.print(toJson(requests));
-        return;
-    }
+    std::string lines;
     for (const RequestPointer& request : requests) {
-        console.print("{}\n", toLine(*request));
+        lines += toLine(*request) + '\n';
     }
+    console.result(toJson(requests), lines);
 }
 
 void deleteRequests(Console& console, const Selection& selection) {
@@ -92,25 +94,17 @@ void deleteRequests(Console& console, const Selection& selection) {
 
 // Each emission is one line.
 void printEmission(Console& console, const std::vector<RequestPointer>& requests) {
-    if (console.json()) {
-        console.printLine(toJson(requests));
-        return;
-    }
     std::string line = std::to_string(requests.size()) + " requests";
     const char* separator = ": ";
     for (const RequestPointer& request : requests) {
         line += fmt::format("{}{} {} {}", std::exchange(separator, ", "), uuidString(request->id),
                             name(request->type), name(request->status));
     }
-    console.print("{}\n", line);
+    console.emission(toJson(requests), line);
 }
 
 void printEmission(Console& console, const RequestPointer& request) {
-    if (console.json()) {
-        console.printLine(::toJson(*request));
-    } else {
-        console.print("{}\n", toLine(*request));
-    }
+    console.emission(::toJson(*request), toLine(*request));
 }
 
 // The store's own error doesn't tell which request it misses.
@@ -126,14 +120,25 @@ Stream<RequestPointer> streamOf(const std::string& id) {
 }
 
 void watch(Console& console, const std::string& id) {
-    const auto print = [&console](const auto& value) { printEmission(console, value); };
+    std::atomic<bool> isTold = false;
+    const auto print = [&](const auto& value) {
+        isTold = true;
+        printEmission(console, value);
+    };
     keepUntilInterrupt([&] {
-        return id.empty() ? CorvantaSdkVideo->streamRequests().subscribe(print)
-                          : streamOf(id).subscribe(print);
+        if (!id.empty()) {
+            return streamOf(id).subscribe(print);
+        }
+        auto subscription = CorvantaSdkVideo->streamRequests().subscribe(print);
+        // Of an empty store nothing is heard before it changes.
+        if (!isTold) {
+            print(std::vector<RequestPointer>{});
+        }
+        return subscription;
     });
 }
 
-void process(Console& console, const std::string& id, bool force) {
+void process(Console& console, const std::string& id, Overwriting overwriting) {
     RequestPointer stored;
     const Subscription subscription = streamOf(id).subscribe(
         [&stored](const RequestPointer& request) { stored = stored ? stored : request; });
@@ -144,31 +149,36 @@ void process(Console& console, const std::string& id, bool force) {
     const std::string path = output ? output->path() : "";
     // Else the module refuses, and the file is what the request has written or writes.
     if (stored->status != Status::complete && stored->status != Status::processing) {
-        requireFree(path, force);
+        requireFree(path, overwriting);
     }
     runRequest(console, stored, path);
 }
 
-// One after the other; a failure is told in its place, and the others go on.
-void processAll(Console& console, const std::vector<std::string>& ids, bool force) {
+// The ids of a list as `requests --json` prints it, of requests or of ids.
+std::vector<std::string> idsFrom(std::istream& input) {
+    const auto listed = nlohmann::json::parse(input, nullptr, false);
+    std::vector<std::string> ids;
+    for (const auto& entry : listed.is_array() ? listed : nlohmann::json::array({listed})) {
+        const auto& id = entry.is_object() ? entry.value("id", nlohmann::json()) : entry;
+        if (!id.is_string()) {
+            throw UsageError("standard input holds no list of requests as `requests --json` prints it");
+        }
+        ids.push_back(id);
+    }
+    return ids;
+}
+
+void processAll(Console& console, std::vector<std::string> ids, Overwriting overwriting) {
+    if (ids == std::vector<std::string>{"-"}) {
+        ids = idsFrom(std::cin);
+    }
     for (const std::string& id : ids) {
         parsedId(id);
     }
-    bool haveAllSucceeded = true;
-    for (const std::string& id : ids) {
-        console.setRequest(id);
-        try {
-            process(console, id, force);
-        } catch (const Cancelled&) {
-            throw;
-        } catch (const std::exception& error) {
-            console.fail(error);
-            haveAllSucceeded = false;
-        }
-    }
-    if (!haveAllSucceeded) {
-        throw SomeFailed();
-    }
+    runEach(console, ids.size(), [&](std::size_t number) {
+        console.setRequest(ids[number]);
+        process(console, ids[number], overwriting);
+    });
 }
 
 } // namespace
@@ -182,9 +192,8 @@ void addRequestsCommand(CLI::App& app, Command& chosen) {
     for (const Status known : allStatuses) {
         names.emplace_back(name(known));
     }
-    command->add_option("ID", selection->ids, "Only those of these ids");
-    command->add_option("--status", selection->statusName, "Only those of one status")
-        ->check(CLI::IsMember(names));
+    command->add_option("ID", selection->ids, "Only those of these ids")->type_name("ID");
+    command->add_option("--status", selection->statusName, "Only those of one status")->check(oneOf(names));
     command->add_flag("--finished", selection->onlyFinished,
                       "Only those that are complete, cancelled or failed");
     command->add_flag("--delete", *isDeletion, "Delete them, and print what they were; their files stay");
@@ -203,18 +212,22 @@ void addWatchCommand(CLI::App& app, Command& chosen) {
     auto* command =
         app.add_subcommand("watch", "Print the stored requests, or one, at each change until Ctrl-C");
     const auto id = std::make_shared<std::string>();
-    command->add_option("ID", *id, "A request's id");
+    command->add_option("ID", *id, "A request's id")->type_name("ID");
     command->callback([&chosen, id] { chosen = [id](Console& console) { watch(console, *id); }; });
 }
 
 void addProcessCommand(CLI::App& app, Command& chosen) {
     auto* command = app.add_subcommand("process", "Run stored requests, one after the other");
     const auto ids = std::make_shared<std::vector<std::string>>();
-    const auto force = std::make_shared<bool>(false);
-    command->add_option("ID", *ids, "The requests' ids; where one fails, the next ones are run all the same")
-        ->required();
-    command->add_flag("--force", *force, "Write over a file that is there already");
-    command->callback([&chosen, ids, force] {
-        chosen = [ids, force](Console& console) { processAll(console, *ids, *force); };
+    command
+        ->add_option(
+            "ID", *ids,
+            "The requests' ids; where one fails, the next ones are run all the same. \"-\" reads them "
+            "from standard input, as `requests --json` prints them")
+        ->required()
+        ->type_name("ID");
+    const OverwritingOptions overwriting(*command);
+    command->callback([&chosen, ids, overwriting] {
+        chosen = [ids, overwriting](Console& console) { processAll(console, *ids, overwriting.chosen()); };
     });
 }

@@ -4,6 +4,7 @@
 #include "Output.hpp"
 #include "Progress.hpp"
 #include "Run.hpp"
+#include "SeveralJobs.hpp"
 #include "Values.hpp"
 
 #include <nlohmann/json.hpp>
@@ -27,17 +28,24 @@ struct ThumbnailOptions {
 // What the picture's format can hold.
 constexpr std::int64_t mostThumbnailSide = 65500;
 
+void makeThumbnail(Console& console, const ThumbnailOptions& options, double position, const Files& files) {
+    const auto inputs = inputFiles(files.inputs);
+    const Output output = outputFor(files, "jpg");
+    {
+        const Progress progress(console, "thumbnail");
+        runInterruptible(CorvantaSdkVideo->generateThumbnail(inputs.front(), output.location, position * 1000,
+                                                             options.width, options.height,
+                                                             progress.listenerToPictures()));
+    }
+    console.resultAt(output.path, {});
+}
+
 void thumbnail(Console& console, const ThumbnailOptions& options) {
     const double position = secondsFrom("--at", options.position, 0.001);
     requireSideWithin("--width", options.width, 1, mostThumbnailSide);
     requireSideWithin("--height", options.height, 1, mostThumbnailSide);
-    const Files files = options.arguments.files();
-    const auto inputs = inputFiles(files.inputs);
-    const Output output = outputFor(files, "jpg");
-    const Progress progress(console, "thumbnail");
-    runInterruptible(CorvantaSdkVideo->generateThumbnail(inputs.front(), output.location, position * 1000,
-                                                         options.width, options.height, progress.listener()));
-    console.printPath(output.path, {});
+    runEachFile(console, options.arguments,
+                [&](const Files& files) { makeThumbnail(console, options, position, files); });
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "Output.hpp"
 #include "Progress.hpp"
 #include "Run.hpp"
+#include "SeveralJobs.hpp"
 #include "Values.hpp"
 
 #include <CorvantaSdkVideo/TracksManager/TracksManager.hpp>
@@ -35,16 +36,19 @@ void change(Console& console, const FileArguments& arguments, const TracksOption
             Operation operation) {
     requireSideWithin("--width", options.width, leastTrackSide, mostTrackSide);
     requireSideWithin("--height", options.height, leastTrackSide, mostTrackSide);
-    const Files files = arguments.files();
-    const auto inputs = inputFiles(files.inputs);
-    const std::string output = outputPath(files);
-    requireReadable(inputs);
-    UnfinishedOutput unfinished(output);
-    const Progress progress(console, "tracks");
-    const TracksManager manager;
-    runInterruptible(operation(manager, inputs.front().url(), URL::fromFilePath(output), options));
-    unfinished.keep();
-    console.printPath(output, {});
+    runEachFile(console, arguments, [&](const Files& files) {
+        const auto inputs = inputFiles(files.inputs);
+        const std::string output = outputPath(files);
+        requireReadable(inputs);
+        UnfinishedOutput unfinished(output);
+        {
+            const Progress progress(console, "tracks");
+            const TracksManager manager;
+            runInterruptible(operation(manager, inputs.front().url(), URL::fromFilePath(output), options));
+        }
+        unfinished.keep();
+        console.resultAt(output, {});
+    });
 }
 
 CLI::App* addOperation(CLI::App& tracks, Command& chosen, const Options& options, const char* name,

@@ -5,46 +5,46 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 
+#include <algorithm>
 #include <cstdlib>
 #include <exception>
 #include <memory>
-#include <stdexcept>
 #include <string>
+#include <vector>
 
 using namespace corvanta;
 
 namespace {
 
-constexpr const char* statuses = R"(Exit status:
+constexpr const char* ends = R"(Exit status:
   0    done
-  1    failed or refused, or the answer is "no"
+  1    failed on its way, or the answer is "no"
   2    the command line can't be followed
-  130  cancelled by Ctrl-C (128 and the signal's number)
-Files are read where they are and never changed; a file that is there is written over with --force alone.)";
+  3    refused: it can't be done with these files or requests, and nothing was begun
+  4    nobody is logged in
+  130  cancelled by Ctrl-C (128 and the signal's number), or the request was by another process
+Files are read where they are and never changed; a file that is there is written over with --force alone, or if the
+answer on the terminal is yes. With --json each run prints one document, a failure's too; watch prints one a line.)";
 
 int follow(const Command& command, const Console::Options& options, bool loggedOut) {
     // Files come from anywhere.
     FFmpegKitConfig::setRunLimits(recommendedRunLimits());
     SharedCorvantaSdkCommonKt::sdk_common().setAuth(std::make_shared<SharedCorvantaSdkFixedAuth>(!loggedOut));
     Console console(options);
-    try {
-        command(console);
-        return EXIT_SUCCESS;
-    } catch (const Cancelled& cancelled) {
-        console.fail(cancelled);
-        return cancelled.status();
-    } catch (const SomeFailed&) {
-        return exitStatus::failed;
-    } catch (const UsageError& error) {
-        console.fail(error);
-        return exitStatus::wrongUsage;
-    } catch (const std::invalid_argument& error) {
-        console.fail(UsageError(error.what()));
-        return exitStatus::wrongUsage;
-    } catch (const std::exception& error) {
-        console.fail(error);
-        return exitStatus::failed;
-    }
+    int status = EXIT_SUCCESS;
+    const auto attempt = [&console, &status](const auto& step) {
+        try {
+            step();
+        } catch (const std::exception& error) {
+            status = statusOf(error);
+            if (dynamic_cast<const Told*>(&error) == nullptr) {
+                console.fail(error);
+            }
+        }
+    };
+    attempt([&] { command(console); });
+    attempt([&] { console.finish(); });
+    return status;
 }
 
 } // namespace
@@ -54,11 +54,12 @@ int main(int argumentCount, char** arguments) {
                  "corvanta_host");
     app.require_subcommand(1);
     app.fallthrough();
-    app.footer(statuses);
+    app.footer(ends);
 
     Console::Options options;
     bool loggedOut = false;
-    app.add_flag("--json", options.json, "Print results and errors as JSON");
+    std::vector<std::string> words(arguments + 1, arguments + argumentCount);
+    app.add_flag("--json", options.json, "Print the result, or the failure, as one JSON document");
     app.add_flag("--verbose", options.verbose, "Show the module's log and ffmpeg's on standard error");
     app.add_flag("--logged-out", loggedOut, "Use the module with nobody logged in");
     app.set_version_flag("--version", "corvanta_host " CORVANTA_VERSION);
@@ -67,23 +68,26 @@ int main(int argumentCount, char** arguments) {
     for (const auto add :
          {addInfoCommand, addThumbnailCommand, addContactSheetCommand, addJoinCommand, addCanConcatCommand,
           addConcatCommand, addMergeCommand, addEncodeCommand, addEditCommand, addCleanCommand,
-          addTracksCommand, addRequestsCommand, addWatchCommand, addProcessCommand}) {
+          addTracksCommand, addRequestsCommand, addWatchCommand, addProcessCommand, addDoctorCommand}) {
         add(app, command);
     }
     app.add_subcommand("help", "Show this text, or that of a command");
+    const auto tellUsage = [&](const std::string& reason) {
+        // What CLI11 has not come to.
+        options.json = std::ranges::find(words, "--json") != words.end();
+        options.verbose = false;
+        return follow([&reason](Console&) { throw UsageError(reason); }, options, loggedOut);
+    };
     try {
-        auto words = reversedWords(app, {arguments + 1, arguments + argumentCount});
-        app.parse(words);
+        app.parse(reversedWords(app, words));
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) {
             return app.exit(error);
         }
-        options.verbose = false;
-        return follow(
-            [&error](Console&) { throw UsageError(std::string(error.what()) + "; --help tells more"); },
-            options, loggedOut);
+        const std::string reason = error.what();
+        return tellUsage(reason.ends_with('?') ? reason : reason + hintFor(app, words));
     } catch (const UsageError& error) {
-        return follow([&error](Console&) { throw error; }, options, loggedOut);
+        return tellUsage(error.what());
     }
     return follow(command, options, loggedOut);
 }

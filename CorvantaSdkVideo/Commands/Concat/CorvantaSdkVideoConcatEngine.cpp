@@ -5,6 +5,7 @@
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/KeptTags.hpp>
 #include <CorvantaSdkVideo/Shared/FreeSpace.hpp>
 #include <platform/OutputContainer.hpp>
 

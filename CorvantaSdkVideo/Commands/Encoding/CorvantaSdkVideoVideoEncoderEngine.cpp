@@ -1,11 +1,11 @@
 #include <CorvantaSdkVideo/Commands/Encoding/CorvantaSdkVideoVideoEncoderEngine.hpp>
 
 #include <CorvantaSdkVideo/Commands/Encoding/EncodingForms.hpp>
-#include <CorvantaSdkVideo/Commands/Join/JoinCommands.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/KeptTags.hpp>
 #include <CorvantaSdkVideo/Shared/FreeSpace.hpp>
 
 #include <utility>

@@ -1,32 +1,10 @@
 #include <CorvantaSdkVideo/Commands/Join/JoinCommands.hpp>
 
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
-#include <platform/AssetReader.hpp>
-#include <platform/Errors.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/KeptTags.hpp>
 #include <platform/FileManager.hpp>
 
-#include <algorithm>
-#include <array>
-#include <string_view>
-
 namespace corvanta {
-
-namespace {
-
-bool isMP4(const std::string& output) {
-    return std::ranges::any_of(std::to_array<std::string_view>({".mp4", ".m4v", ".mov", ".m4a"}),
-                               [&](std::string_view extension) { return output.ends_with(extension); });
-}
-
-bool hasApplicationTags(const URL& file) {
-    try {
-        return AssetReader(file).hasApplicationTags();
-    } catch (const PlatformError&) {
-        return false;
-    }
-}
-
-} // namespace
 
 FFMPEGCommand joinByCopyCommand(const JoinFile& file, const std::vector<std::string>& listed,
                                 const URL& first, const URL& list, const std::string& tagOptions,
@@ -43,23 +21,13 @@ FFMPEGCommand joinByCopyCommand(const JoinFile& file, const std::vector<std::str
         const std::string source = std::to_string(track.number);
         script += " -map 0:" + source;
         tags += " -map_metadata:s:" + std::to_string(number) + " 1:s:" + source;
-        if (track.codec == "hevc" && isMP4(output)) {
+        if (track.codec == "hevc" && isMP4Family(output)) {
             // Apple's players know HEVC by this tag alone.
             tags += " -tag:" + std::to_string(number) + " hvc1";
         }
     }
     script += " -c copy" + tagOptions + tags + " " + ffmpegFormatted(output);
     return {std::move(script), {list.path()}};
-}
-
-std::string keptTags(const URL& first, int input, const std::string& output) {
-    std::string options = " -map_metadata " + std::to_string(input);
-    if (isMP4(output) && hasApplicationTags(first)) {
-        // The container's own words are written as tags too then, and would contradict it.
-        options += " -movflags +use_metadata_tags -metadata major_brand= -metadata minor_version= -metadata "
-                   "compatible_brands=";
-    }
-    return options;
 }
 
 } // namespace corvanta

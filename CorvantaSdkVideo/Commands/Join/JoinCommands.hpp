@@ -12,13 +12,9 @@ namespace corvanta {
 /// The command that copies all picture and sound tracks of the files, one file behind the other, with the
 /// tags of the first one. Writes the list file at `list`, replacing what is there; the caller deletes it.
 /// `listed` are the paths as the list holds them, `first` is the first file as a command holds it, and
-/// `tagOptions` what `keptTags` gives for it.
+/// `tagOptions` what `keptTags` gives for it as input 1.
 FFMPEGCommand joinByCopyCommand(const JoinFile& file, const std::vector<std::string>& listed,
                                 const URL& first, const URL& list, const std::string& tagOptions,
                                 const std::string& output);
-
-/// Options that keep the first input's title, date and place and other tags of the whole file, as the input
-/// of that number; with a blank before each. `output` is the file that is written.
-std::string keptTags(const URL& first, int input, const std::string& output);
 
 } // namespace corvanta

@@ -1,6 +1,7 @@
 #include <CorvantaSdkVideo/Editor/Cut/CutCommands.hpp>
 
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandFormatting.hpp>
+#include <CorvantaSdkVideo/Shared/FFMPEGCommands/KeptTags.hpp>
 
 #include <algorithm>
 #include <array>
@@ -79,11 +80,6 @@ std::string encoderOptions(const PictureFormat& format, bool likeSource) {
            colorOptions(format);
 }
 
-bool isMP4Family(const std::string& output) {
-    return std::ranges::any_of(std::to_array<std::string_view>({".mp4", ".m4v", ".mov"}),
-                               [&](std::string_view extension) { return output.ends_with(extension); });
-}
-
 } // namespace
 
 bool canEncodeAlike(const PictureFormat& format) {
@@ -145,9 +141,7 @@ std::string finishCutCommand(const CutParts& parts) {
                    std::to_string(*parts.soundTrack);
     }
     if (isMP4 && parts.hasApplicationTags) {
-        // The container's own words are written as tags too then, and would contradict it.
-        command += " -movflags use_metadata_tags -metadata major_brand= -metadata minor_version= -metadata "
-                   "compatible_brands=";
+        command += applicationTagOptions();
     }
     return command + " " + ffmpegFormatted(parts.output);
 }

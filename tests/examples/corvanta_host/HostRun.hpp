@@ -10,10 +10,10 @@ struct HostRun {
     std::string output;
     std::string errors;
 
-    /// The request that was told of, as text or in JSON.
+    /// The request that was told of: on standard error, in JSON with the failure.
     std::string id() const {
-        const std::size_t place = errors.find("request");
-        return errors.substr(errors.find_first_of("0123456789abcdef", place + 7), 36);
+        const std::string told = errors + output;
+        return told.substr(told.find_first_of("0123456789abcdef", told.find("request") + 7), 36);
     }
 };
 

@@ -85,25 +85,29 @@ TEST(HostTest, FailuresAreOneLineThatNamesTheCause) {
     const std::string text = directory.file("text.mp4");
     writeFile(text, "no media");
     const std::string invalid = text + ": Invalid data found when processing input\n";
-    for (const auto& [arguments, errors] : std::vector<std::pair<Words, std::string>>{
-             {{"info", "/no/such"}, "inputContainsNonExistingFiles: there is no /no/such\n"},
-             {{"info", text}, "getInformationFailed: " + invalid},
-             {{"info", clip, "--logged-out"}, "userNotAuthenticated: nobody is logged in\n"},
-             {{"thumbnail", "/no/such", "-o", output}, "notFoundVideo: there is no /no/such\n"},
-             {{"thumbnail", clip, output, "--at", "0:09"}, "invalidPositionInVideo: 9 s is not within "},
-             {{"thumbnail", text, output, "--at", "0"}, invalid},
+    for (const auto& [arguments, status, errors] : std::vector<std::tuple<Words, int, std::string>>{
+             {{"info", "/no/such"}, 3, "inputContainsNonExistingFiles: there is no /no/such\n"},
+             {{"info", text}, 3, "getInformationFailed: " + invalid},
+             {{"info", clip, "--logged-out"}, 4, "userNotAuthenticated: nobody is logged in\n"},
+             {{"thumbnail", "/no/such", "-o", output}, 3, "notFoundVideo: there is no /no/such\n"},
+             {{"thumbnail", clip, output, "--at", "0:09"}, 3, "invalidPositionInVideo: 9 s is not within "},
+             {{"thumbnail", text, output, "--at", "0"}, 1, invalid},
              {{"thumbnail", clip, directory.file("no/such/out"), "--at", "0"},
+              3,
               "there is no folder " + directory.file("no/such\n")},
              {{"edit", clip, "-o", output, "--start", "0", "--end", "9s"},
+              3,
               "invalidTrimRange: 0 s to 9 s is no part of a video of 1"}}) {
         const HostRun ended = runHost(arguments);
-        EXPECT_EQ(ended.status, 1);
+        EXPECT_EQ(ended.status, status);
         EXPECT_EQ(ended.output, "");
         EXPECT_THAT(ended.errors, tells(errors));
     }
-    EXPECT_EQ(
-        json::parse(runHost({"--json", "info", "/no/such"}).errors),
-        (json{{"error", {{"name", "inputContainsNonExistingFiles"}, {"details", "there is no /no/such"}}}}));
+    EXPECT_EQ(json::parse(runHost({"--json", "info", "/no/such"}).output),
+              (json{{"error",
+                     {{"kind", "refused"},
+                      {"name", "inputContainsNonExistingFiles"},
+                      {"details", "there is no /no/such"}}}}));
     const HostRun noProgram =
         runHost({"thumbnail", clip, output, "--at", "0"}, {.environment = {{"CORVANTA_FFMPEG", "/no/such"}}});
     EXPECT_EQ(noProgram.status, 1);
@@ -113,6 +117,8 @@ TEST(HostTest, FailuresAreOneLineThatNamesTheCause) {
         const HostRun ended = runHost({"info", clip}, {.standardOutput = place});
         EXPECT_EQ(ended.status, 1);
         EXPECT_THAT(ended.errors, tells("standard output: "));
+        EXPECT_THAT(runHost({"--json", "info", clip}, {.standardOutput = place}).errors,
+                    HasSubstr("\"details\": \"standard output: "));
     }
 }
 
@@ -171,7 +177,7 @@ TEST(HostTest, WhatCannotBeFollowedIsToldInWords) {
              {{"info", "--no-such", clip}, 2, "--no-such"},
              {{"thumbnail", clip, "x", "--at", "soon"}, 2, R"(1500ms or 0:01.5, not "soon")"},
              {{"thumbnail", clip, "x", "--width", "0"}, 2, "--width takes 1 to 65500 pixels, not 0"},
-             {{"contact-sheet", clip, "-o", "s", "--columns", "0"}, 1, "invalidThumbnailWidth: 0 columns"},
+             {{"contact-sheet", clip, "-o", "s", "--columns", "0"}, 3, "invalidThumbnailWidth: 0 columns"},
              {{"contact-sheet", clip, "-o", "s.png"}, 2, "name it s.jpg"},
              {with(edit, {"--rotate", "45"}), 2, "--rotate takes quarter turns"},
              {with(edit, {"--volume", "-1"}), 2, "--volume takes a factor from 0 up, not -1"},
@@ -185,22 +191,29 @@ TEST(HostTest, WhatCannotBeFollowedIsToldInWords) {
              {with(merge, {"--quality", "high", "--crf", "20"}), 2, "only one of them can be set"},
              {with(merge, {"--encoder", "libx265"}), 2, "an encoder of h264 is one of h264_nvenc, "},
              {with(merge, {"--audio-bitrate", "a lot"}), 2, R"(such as 192k, not "a lot")"},
+             {with(merge, {"--codec", "x265"}), 2, R"(is none of mpeg4,h264,hevc,av1: do you mean "hevc"?)"},
+             {with(merge, {"--heigth", "2"}), 2, R"(--heigth: do you mean "--height"?)"},
+             {with(merge, {"--force", "--no-clobber"}), 2, "--force excludes --no-clobber"},
+             {{"tracks", "add-vido", "a 1.mp4"}, 2, R"(do you mean "add-video"?)"},
+             {{"clean", "a 1.mp4", "sub/a 1.mp4", "-o", "sub/"}, 2, "would be written to the same place"},
              {with(merge, {"--width", "641"}), 2, "--width takes an even number of pixels, not 641"},
              {{"encode", "a 1.mp4", "a 2.mp4", "-o", "x"}, 2, "encode reads one file, and 2 are given"},
              {{"concat", "a 1.mp4", "a 2.mp4", "a 3.mp4"}, 2, "a 1.mp4 is there already and may be meant as"},
              {{"concat", "--force", "a 1.mp4", "a 2.mp4", "a 3.mp4"}, 2, "name the output with -o"},
              {{"merge", "a 1.mp4", "a 2.mp4", "-o", "film.mkv"}, 2, "name it film.mp4"},
-             {{"encode", "a 1.mp4", "-o", "kept"}, 1, "kept.mp4 is there already; --force writes over it"},
+             {{"encode", "a 1.mp4", "-o", "kept", "--no-clobber"},
+              3,
+              "kept.mp4 is there already; --force writes over it"},
              {{"encode", "/nothere.mp4", "-o", "kept", "--force"},
-              1,
+              3,
               "notFoundVideo: there is no /nothere.mp4"},
              {{"edit", "a 1.mp4", "-o", "kept", "--force", "--start", "2", "--end", "1"},
-              1,
+              3,
               "invalidTrimRange: "},
              {{"concat", "a 1.mp4", "a 2.mp4", "-o", "a 2.mp4", "--force"},
-              1,
+              3,
               "a 2.mp4 is read: it can't be"},
-             {{"concat", "a 1.mp4", "a 2.mp4", "-o", "none/"}, 1, "there is no folder"},
+             {{"concat", "a 1.mp4", "a 2.mp4", "-o", "none/"}, 3, "there is no folder"},
              {{"requests", "--status", "done"}, 2, "--status"},
              {{"process", "x"}, 2, R"("x" is no request id)"},
              {{"tracks"}, 2, "subcommand"},

@@ -96,22 +96,25 @@ TEST_F(RequestCommandsTest, TellResultsAndFailures) {
     const std::string toldHost = told + "corvanta_host: ";
     const std::string different =
         "differentVideoTracks: the width of video track 0 is 320 in .* and 160 in .*\n$";
-    for (const auto& [arguments, errors] : std::vector<std::pair<std::vector<std::string>, std::string>>{
-             {{"can-concat", clip_}, host + "notEnoughVideos: 1 given, 2 are needed\n$"},
+    for (const auto& [arguments, status, errors] :
+         std::vector<std::tuple<std::vector<std::string>, int, std::string>>{
+             {{"can-concat", clip_}, 3, host + "notEnoughVideos: 1 given, 2 are needed\n$"},
              {{"encode", clip_, "-o", file("e"), "--force", "--audio-rate", "96000"},
+              3,
               host + "the sound can't have 96000 Hz: the inputs have 48000 at most\n$"},
-             {{"can-concat", "--logged-out", clip_, clip_}, host + "userNotAuthenticated: .*\n$"},
-             {{"can-concat", clip_, wide_}, host + different},
-             {{"concat", "-o", file("x"), clip_, wide_}, toldHost + different},
+             {{"can-concat", "--logged-out", clip_, clip_}, 4, host + "userNotAuthenticated: .*\n$"},
+             {{"can-concat", clip_, wide_}, 1, host + different},
+             {{"concat", "-o", file("x"), clip_, wide_}, 3, toldHost + different},
              {{"concat", "-o", file("x"), clip_, "/no/such.mp4"},
+              3,
               host + "notFoundVideo: there is no /no/such.mp4\n$"},
-             {{"process", unknownID}, host + "there is no such request: " + unknownID + "\n$"},
-             {{"watch", unknownID}, host + "there is no such request: " + unknownID + "\n$"},
-             {{"requests", "--logged-out"}, host + "userNotAuthenticated: .*\n$"},
+             {{"process", unknownID}, 3, host + "there is no such request: " + unknownID + "\n$"},
+             {{"watch", unknownID}, 3, host + "there is no such request: " + unknownID + "\n$"},
+             {{"requests", "--logged-out"}, 4, host + "userNotAuthenticated: .*\n$"},
          }) {
         SCOPED_TRACE(::testing::PrintToString(arguments));
         const HostRun ended = run(arguments);
-        EXPECT_EQ(ended.status, 1);
+        EXPECT_EQ(ended.status, status);
         EXPECT_EQ(ended.output, errors == host + different && arguments.size() == 3 ? "no\n" : "");
         EXPECT_TRUE(std::regex_search(ended.errors, std::regex(errors))) << ended.errors;
     }
@@ -137,7 +140,7 @@ TEST_F(RequestCommandsTest, FindTheRequestsOfAnotherProcess) {
     const HostRun merged = run({"--json", "merge", file("a/b"), clip_, clip_, "--height", "128"});
     broken.reset();
     EXPECT_EQ(merged.status, 1);
-    EXPECT_EQ(json::parse(merged.errors)["error"]["details"], "no space");
+    EXPECT_EQ(json::parse(merged.output)["error"]["details"], "no space");
     EXPECT_FALSE(std::filesystem::exists(file("a/b.mp4")));
     const json failed = requests("error");
     ASSERT_EQ(failed.size(), 1U);
@@ -164,11 +167,13 @@ TEST_F(RequestCommandsTest, FindTheRequestsOfAnotherProcess) {
     // A stored path is found by what the file is, wherever it was moved in its folder.
     const std::string moving = file("moving.mp4");
     std::filesystem::copy_file(clip_, moving);
-    const HostRun idle = run({"--logged-out", "concat", file("joined"), moving, clip_});
-    EXPECT_EQ(idle.status, 1);
+    broken.emplace("CORVANTA_FFMPEG", "exit 1\n");
+    const HostRun unmade = run({"concat", file("joined"), moving, clip_});
+    broken.reset();
+    EXPECT_EQ(unmade.status, 1);
     std::filesystem::rename(moving, file("moved.mp4"));
-    EXPECT_EQ(requests("idle")[0]["inputs"][0], file("moved.mp4"));
-    EXPECT_EQ(run({"process", idle.id()}).output, file("joined.mp4\n"));
+    EXPECT_EQ(requests("error")[0]["inputs"][0], file("moved.mp4"));
+    EXPECT_EQ(run({"process", unmade.id()}).output, file("joined.mp4\n"));
 }
 
 TEST_F(RequestCommandsTest, JoinTellsBeforeItBegins) {
@@ -183,11 +188,11 @@ TEST_F(RequestCommandsTest, JoinTellsBeforeItBegins) {
     EXPECT_TRUE(requests("idle").empty());
     for (const auto& [arguments, status, text] :
          std::vector<std::tuple<std::vector<std::string>, int, std::string>>{
-             {{"join", clip_, "-o", file("film")}, 1, "notEnoughVideos: 1 given"},
+             {{"join", clip_, "-o", file("film")}, 3, "notEnoughVideos: 1 given"},
              {{"join", clip_, other, "-o", file("film.mkv")}, 2, "name it " + file("film.mp4")},
              {{"join", clip_, clip_, "-o", file("film"), "--width", "641"}, 2, "an even number"},
              {{"join", file("film"), clip_, clip_}, 0, "copied: the files are alike"},
-             {{"join", clip_, clip_, "-o", file("film")}, 1, "film.mp4 is there already"},
+             {{"join", clip_, clip_, "-o", file("film")}, 3, "film.mp4 is there already"},
              {{"join", clip_, clip_, "-o", file("in another.mkv")}, 0, "copied"},
              {{"join", clip_, other, "-o", file("film"), "--force", "--fps", "25"},
               0,
@@ -212,15 +217,25 @@ TEST_F(RequestCommandsTest, ProcessSeveral) {
     EXPECT_EQ(run({"process", ids[0], "x"}).status, 2);
     EXPECT_EQ(requests("complete").size(), 0U) << "A word that is no id is told before anything runs.";
     const HostRun ended = run({"--json", "process", ids[0], absent, ids[1], ids[2]});
-    EXPECT_EQ(ended.status, 1);
-    EXPECT_THAT(ended.output, testing::AllOf(HasSubstr(file("a.mp4")), HasSubstr(file("c.mp4"))));
-    for (const auto& [id, name] : {std::pair(absent, "uploadNotFound"), {ids[1], "outputExists"}}) {
-        EXPECT_THAT(ended.errors, testing::AllOf(HasSubstr(name), HasSubstr("\"request\": \"" + id)));
+    EXPECT_EQ(ended.status, 3) << "As both failures.";
+    const json told = json::parse(ended.output);
+    ASSERT_EQ(told.size(), 4U);
+    EXPECT_EQ(told[0]["path"], file("a.mp4"));
+    EXPECT_EQ(told[3]["path"], file("c.mp4"));
+    for (const auto& [index, id, name] :
+         {std::tuple(1, absent, "uploadNotFound"), {2, ids[1], "outputExists"}}) {
+        EXPECT_EQ(told[index]["error"]["name"], name);
+        EXPECT_EQ(told[index]["error"]["request"], id);
     }
     EXPECT_EQ(readFile(file("b.mp4")), "of value");
-    const HostRun rest = run({"process", "--force", ids[1]});
-    EXPECT_EQ(rest.status, 0) << rest.errors;
-    EXPECT_EQ(rest.output, file("b.mp4\n"));
+    // What `requests --json` prints is what "-" reads.
+    const std::string piped = std::string("\"$0\" requests --json --status error | \"$0\" process - --force");
+    Program rest("/bin/sh", {"-c", piped, CORVANTA_HOST}, options_);
+    EXPECT_EQ(rest.wait(), 0) << rest.errors();
+    EXPECT_EQ(rest.output(), file("b.mp4\n"));
+    Program junk("/bin/sh", {"-c", "echo '[{\"no\": 1}]' | \"$0\" process -", CORVANTA_HOST}, options_);
+    EXPECT_EQ(junk.wait(), 2);
+    EXPECT_THAT(junk.errors(), HasSubstr("no list of requests"));
 }
 
 TEST_F(RequestCommandsTest, DeleteRequests) {
@@ -282,7 +297,7 @@ TEST_F(RequestCommandsTest, ShareOneStore) {
     CoreDataCorvantaStore store(URL::fromFilePath(file("data/corvanta-sdk-video/video-store.sqlite")));
     store.updateRequest(*parseUUID(id),
                         {{UpdateRequestData::Field::status(LocalVideoRequest::Status::cancelled)}});
-    EXPECT_EQ(first->wait(), 1) << "Its ffmpeg ends with the request.";
+    EXPECT_EQ(first->wait(), 130) << "Its ffmpeg ends with the request.";
     shows("1 requests: " + id + " merge cancelled");
 
     std::filesystem::remove(file("long.mp4"));
@@ -311,7 +326,10 @@ TEST_F(RequestCommandsTest, StopOnInterrupts) {
         EXPECT_FALSE(std::filesystem::exists(file("long.mp4")));
     }
     {
-        const FakeProgram slow("CORVANTA_FFPROBE", "touch $here/started; exec sleep 600\n");
+        // Slow from when the request is stored: before, each file is asked once.
+        const FakeProgram slow("CORVANTA_FFPROBE",
+                               "echo >>$here/calls; [ $(wc -l <$here/calls) -gt 2 ] || exec ffprobe \"$@\"\n"
+                               "touch $here/started; exec sleep 600\n");
         Program host(CORVANTA_HOST, {"concat", file("x"), clip_, clip_}, options_);
         EXPECT_TRUE(eventually([&] { return std::filesystem::exists(slow.file("started")); }));
         host.signal(SIGINT);
@@ -320,17 +338,20 @@ TEST_F(RequestCommandsTest, StopOnInterrupts) {
     }
     EXPECT_EQ(requests("cancelled").size(), 2U);
 
-    const auto watched = [this](const std::vector<std::string>& arguments) {
-        Program host(CORVANTA_HOST, arguments, options_);
+    const auto watched = [this](const std::vector<std::string>& arguments, const Program::Options& options) {
+        Program host(CORVANTA_HOST, arguments, options);
         EXPECT_TRUE(eventually([&] { return host.output().ends_with('\n'); }));
         host.signal(SIGTERM);
         EXPECT_EQ(host.wait(), 0);
         return host.output();
     };
-    const json all = json::parse(watched({"--json", "watch"}));
+    const json all = json::parse(watched({"--json", "watch"}, options_));
     ASSERT_EQ(all.size(), 2U);
-    EXPECT_EQ(json::parse(watched({"--json", "watch", all[1]["id"]})), all[1]);
-    EXPECT_THAT(watched({"watch"}),
+    EXPECT_EQ(json::parse(watched({"--json", "watch", all[1]["id"]}, options_)), all[1]);
+    const Program::Options empty{.environment = {{"XDG_DATA_HOME", file("empty")}}};
+    EXPECT_EQ(watched({"watch"}, empty), "0 requests\n");
+    EXPECT_EQ(watched({"--json", "watch"}, empty), "[]\n");
+    EXPECT_THAT(watched({"watch"}, options_),
                 MatchesRegex("2 requests: [-0-9a-f]+ merge cancelled, [-0-9a-f]+ concat cancelled\n"));
 }
 
