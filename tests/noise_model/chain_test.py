@@ -67,7 +67,10 @@ def decibels(difference, whole):
 
 def check_library(library_path, shape, folder):
     path = folder / "random.tw"
-    write_weights(path, model_file.records_of(random_parameters(shape), shape))
+    records = model_file.records_of(random_parameters(shape), shape)
+    # Training knows no rest on zeros, which the clip has.
+    del records["CONTROL_TALVO_SKIP_FRAME_v0_0_5"]
+    write_weights(path, records)
     clip = make_clip()
     out = cleaners.OurModel(Library(Path(library_path).resolve()), path).clean(clip).astype(np.float64)
     model = Model(read_weights(path), {})

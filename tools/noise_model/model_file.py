@@ -31,6 +31,8 @@ def _settings(shape):
     }
     # The noise cleaner and the noise level measure read the same settings under different names.
     records = {f"CONTROL_{prefix}_{name}_v0_0_5": r for prefix in ("TALVO", "NIMBA") for name, r in values.items()}
+    # Silence of zeros is in no recording that was trained on: after it noise would pass for speech for seconds.
+    records["CONTROL_TALVO_SKIP_FRAME_v0_0_5"] = Record(Kind.STRING, "t")
     records["CONTROL_NIMBA_COMPRESS_RATE_v0_0_5"] = Record(Kind.INT, shape.compression)
     return records
 

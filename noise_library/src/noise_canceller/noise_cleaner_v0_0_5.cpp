@@ -20,7 +20,9 @@ CleanerParams readParams(WEIGHTS::Model& model, std::size_t inputFrameDuration) 
 
 NoiseCleaner_v0_0_5::NoiseCleaner_v0_0_5(WEIGHTS::ModelPtr model, std::size_t inputFrameDuration)
     : GatedCleaner(model, readParams(*model, inputFrameDuration)), network_(weight()),
-      state(network_.stateSize, 0.0f) {}
+      state(network_.stateSize, 0.0f) {
+    makeRoom(network_, state);
+}
 
 void NoiseCleaner_v0_0_5::runNetwork() {
     NOISE_CLEANER_FUNCTIONS::calcRMForwardProp_GRU_Modify(state, features_, network_, buffers_);

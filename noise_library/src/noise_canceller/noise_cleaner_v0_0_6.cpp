@@ -34,7 +34,9 @@ void normaliseLayer(std::vector<float>& x, std::vector<float> const& gain, std::
 
 NoiseCleaner_v0_0_6::NoiseCleaner_v0_0_6(WEIGHTS::ModelPtr model, std::size_t inputFrameDuration)
     : GatedCleaner(model, readParams(*model, inputFrameDuration)), network_(weight()),
-      state(network_.stateSize, 0.0f) {}
+      state(network_.stateSize, 0.0f) {
+    makeRoom(network_, state);
+}
 
 void NoiseCleaner_v0_0_6::calcRMForwardProp_GRU_Layernorm(std::vector<float>& memory,
                                                           std::vector<float>& inOut) {

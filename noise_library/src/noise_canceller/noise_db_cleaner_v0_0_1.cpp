@@ -20,7 +20,9 @@ CleanerParams readParams(WEIGHTS::Model& model, std::size_t inputFrameDuration) 
 
 NoiseDBCleaner_v0_0_1::NoiseDBCleaner_v0_0_1(WEIGHTS::ModelPtr model, std::size_t inputFrameDuration)
     : GatedCleaner(model, readParams(*model, inputFrameDuration)), network_(weight()),
-      state(network_.stateSize, 0.0f) {}
+      state(network_.stateSize, 0.0f) {
+    makeRoom(network_, state);
+}
 
 bool NoiseDBCleaner_v0_0_1::cleanNoise(std::vector<float>& inOutVector) {
     bool const cleaned = GatedCleaner::cleanNoise(inOutVector);

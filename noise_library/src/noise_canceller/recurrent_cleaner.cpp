@@ -6,7 +6,9 @@ namespace TALVO::NOISE_CANCELLER {
 
 RecurrentCleaner::RecurrentCleaner(WEIGHTS::ModelPtr model, CleanerParams params)
     : SpectralCleaner(std::move(model), std::move(params)), network_(weight()),
-      state_(network_.stateSize, 0.0f) {}
+      state_(network_.stateSize, 0.0f) {
+    makeRoom(network_, state_);
+}
 
 void RecurrentCleaner::calcFeatures(float const* frame) {
     features_.clear();

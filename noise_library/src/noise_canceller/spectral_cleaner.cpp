@@ -4,6 +4,7 @@
 #include "noise_canceller/mask_functions.hpp"
 #include "utils/fft.hpp"
 
+#include <algorithm>
 #include <cmath>
 
 namespace TALVO::NOISE_CANCELLER {
@@ -13,6 +14,18 @@ using namespace NOISE_CLEANER_FUNCTIONS;
 SpectralCleaner::SpectralCleaner(WEIGHTS::ModelPtr model, CleanerParams params, FillBound fillBound)
     : OverlapCleaner(std::move(model), std::move(params), fillBound), framesFutures_(historyCapacity()) {
     start();
+}
+
+void SpectralCleaner::makeRoom(LayerWeights const& network, std::vector<float>& state) {
+    std::size_t room = std::max(params_.frameLength, framesFutures_.size());
+    for (auto const* const list : {&network.weight_wl, &network.weight_wnl})
+        for (CONTAINERS::Matrix const& matrix : *list)
+            room = std::max({room, matrix.rowSize(), matrix.colSize()});
+    for (std::vector<float>* const values : {&features_, &saved_rm, &windowed_, &time_, &buffers_.nonLinear,
+                                             &buffers_.linear, &buffers_.joined, &buffers_.gate, &state})
+        values->reserve(room);
+    spectrum_.reserve(params_.coefficientNumber);
+    masked_.reserve(params_.coefficientNumber);
 }
 
 std::size_t SpectralCleaner::historyCapacity() const {

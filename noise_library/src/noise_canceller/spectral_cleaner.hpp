@@ -1,6 +1,7 @@
 #pragma once
 
 #include "noise_canceller/forward_pass.hpp"
+#include "noise_canceller/network_weights.hpp"
 #include "noise_canceller/overlap_cleaner.hpp"
 #include "utils/en_threshold.hpp"
 #include "utils/mean_energy.hpp"
@@ -22,6 +23,10 @@ class SpectralCleaner : public OverlapCleaner {
 
     /// The state of a stream's start, for the constructor and for a reset.
     void start();
+
+    /// Room for all that a frame works in, which is passed from one vector to the next, so that no frame of a
+    /// stream allocates.
+    void makeRoom(LayerWeights const& network, std::vector<float>& state);
 
     /// Puts what the network sees of this frame into features_.
     virtual void calcFeatures(float const* frame) = 0;

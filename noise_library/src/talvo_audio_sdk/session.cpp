@@ -54,6 +54,12 @@ TalvoAudioSessionT::TalvoAudioSessionT(TalvoAudioSamplingRate inRate, TalvoAudio
       outputSize_(type == TalvoAudioSessionType::voiceActivity ? 0 : getSampleCount(duration, outRate)),
       type_(type), untouched_(4 * (cleaner_->latency() + getSampleCount(duration, modelRate(*cleaner_)))) {
     untouched_.push_backNULL(cleaner_->latency());
+    // What these hold by turns, so that hardly any frame allocates: the caller's frame, the model's side of
+    // it, and the model's own frames.
+    auto const [rate, frameDuration] = cleaner_->weight().getWeightInfo();
+    for (std::vector<float>* const room : {&samples_, &resampled_})
+        room->reserve(std::max(
+            {inputSize_, outputSize_, getSampleCount(duration, rate), getSampleCount(frameDuration, rate)}));
     bool const resamples = inRate != outRate || modelRate(*cleaner_) != inRate;
     if (resamples && (duration == TALVO_AUDIO_DURATION_15 || duration == TALVO_AUDIO_DURATION_32))
         TALVO_THROW("RESAMPLER WORKS WITH WRONG FRAMEDURATION ");
