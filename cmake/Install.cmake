@@ -4,6 +4,8 @@
 #   development         headers, CMake package and pkg-config files of the module and the audio library
 #   editor              the editor's library and QML module
 #   editor_development  its headers, CMake targets and pkg-config file
+#   ladspa              the audio library's LADSPA plugin; CORVANTA_INSTALL_LADSPADIR is its folder
+#   python              the audio library's Python module, where Debian's interpreters look under /usr
 #   examples            the example programs and their sources
 # The prefix may be moved: nothing that is installed knows its own place.
 include(CMakePackageConfigHelpers)
@@ -46,6 +48,19 @@ corvanta_install_library(talvo_audio CorvantaSdkVideoTargets runtime development
 corvanta_install_library(corvanta_sdk_video CorvantaSdkVideoTargets runtime development ${CORVANTA_INSTALL_INCLUDEDIR})
 install(FILES resources/version.properties DESTINATION ${CORVANTA_INSTALL_DATADIR} COMPONENT runtime)
 install(FILES resources/c6.f.s.ced125.tw DESTINATION ${CORVANTA_INSTALL_DATADIR} COMPONENT models)
+
+if(CORVANTA_BUILD_LADSPA)
+    if(NOT DEFINED CORVANTA_INSTALL_LADSPADIR)
+        set(CORVANTA_INSTALL_LADSPADIR ${CMAKE_INSTALL_LIBDIR}/ladspa)
+    endif()
+    file(RELATIVE_PATH up /${CORVANTA_INSTALL_LADSPADIR} /${CMAKE_INSTALL_LIBDIR})
+    set_target_properties(talvo_noise PROPERTIES INSTALL_RPATH "$ORIGIN/${up}")
+    install(TARGETS talvo_noise LIBRARY DESTINATION ${CORVANTA_INSTALL_LADSPADIR} COMPONENT ladspa)
+endif()
+if(PROJECT_IS_TOP_LEVEL)
+    install(DIRECTORY noise_library/python/talvo_audio DESTINATION lib/python3/dist-packages COMPONENT python
+        FILES_MATCHING PATTERN "*.py" PATTERN py.typed PATTERN __pycache__ EXCLUDE)
+endif()
 
 # The consumer must find the Qt that the editor's headers use.
 set(CORVANTA_EDITOR_QT_COMPONENTS)

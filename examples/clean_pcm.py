@@ -1,41 +1,22 @@
 #!/usr/bin/env python3
-"""Cleans raw 16-bit mono sound: clean_pcm.py LIBRARY MODEL [RATE] <noisy.raw >clean.raw"""
+"""Cleans raw 16-bit mono sound: clean_pcm.py [RATE [MODEL]] <noisy.raw >clean.raw"""
 
-import ctypes
-import os
 import sys
 
-DURATION = 10
+import numpy
+import talvo_audio
 
 
-def main():
-    if len(sys.argv) < 3:
-        sys.exit(__doc__)
-    library, model = ctypes.CDLL(os.path.abspath(sys.argv[1])), os.path.abspath(sys.argv[2])
-    rate = int(sys.argv[3]) if len(sys.argv) > 3 else 16000
-    library.talvoAudioNcCreateSession.restype = ctypes.c_void_p
-
-    # The library prints to standard output, which is the sound's here.
-    sound = os.fdopen(os.dup(1), "wb")
-    os.dup2(2, 1)
-
-    if library.talvoAudioGlobalInit(None) != 0 or library.talvoAudioSetModel(ctypes.c_wchar_p(model), b"model") != 0:
-        sys.exit("the model can't be used")
-    session = ctypes.c_void_p(library.talvoAudioNcCreateSession(rate, rate, DURATION, b"model"))
-    if not session:
-        sys.exit("no session")
-
-    size = rate * DURATION // 1000
-    frame = (ctypes.c_short * size)()
-    while data := sys.stdin.buffer.read(2 * size):
-        ctypes.memset(frame, 0, 2 * size)
-        ctypes.memmove(frame, data, len(data))
-        if library.talvoAudioNcCleanAmbientNoiseInt16(session, frame, size, frame, size) != 0:
-            sys.exit("a frame failed")
-        sound.write(bytes(frame)[: len(data)])
-    sound.close()
-    library.talvoAudioNcCloseSession(session)
-    library.talvoAudioGlobalDestroy()
+def main() -> None:
+    rate = int(sys.argv[1]) if len(sys.argv) > 1 else 16000
+    model = sys.argv[2] if len(sys.argv) > 2 else None
+    with talvo_audio.Cleaner(rate, model=model) as cleaner:
+        late = cleaner.delay  # taken out, so that both sounds stay in step
+        while data := sys.stdin.buffer.read(2 * rate):
+            cleaned = cleaner.process(numpy.frombuffer(data, "<i2"))
+            sys.stdout.buffer.write(cleaned[late:].tobytes())
+            late = max(0, late - len(cleaned))
+        sys.stdout.buffer.write(cleaner.flush()[late:].tobytes())
 
 
 if __name__ == "__main__":
