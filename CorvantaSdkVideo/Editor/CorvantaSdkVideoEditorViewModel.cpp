@@ -50,6 +50,12 @@ CorvantaSdkVideoEditorViewModel::CorvantaSdkVideoEditorViewModel(
     connect(videoPlayer_.get(), &VideoPlayer::positionChanged, this, &ViewModel::followPlayer);
 }
 
+CorvantaSdkVideoEditorViewModel::~CorvantaSdkVideoEditorViewModel() {
+    if (stopThumbnail_) {
+        stopThumbnail_();
+    }
+}
+
 void CorvantaSdkVideoEditorViewModel::showTrimmer() { showTab(true, false, false); }
 
 void CorvantaSdkVideoEditorViewModel::showSound() { showTab(false, true, false); }

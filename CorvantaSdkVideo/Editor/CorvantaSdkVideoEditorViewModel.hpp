@@ -109,6 +109,7 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
                                     const CorvantaSdkVideoFile& input,
                                     const std::optional<CorvantaSdkVideoFileDescriptor>& output,
                                     Completion completion, const MakeVideoPlayer& makeVideoPlayer = {});
+    ~CorvantaSdkVideoEditorViewModel() override;
 
     /// Lays the trimmer out for the size that the screen has, and starts to read the file and to make its
     /// thumbnails. What can't be read leaves blank thumbnails and a duration of 0, and a `notice`. A second
@@ -377,6 +378,8 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     QSize thumbnailPixels_;
     int thumbnailRound_ = 0;
     bool isMakingThumbnails_ = false;
+    /// Ends the run for the one that is being made; empty while none is.
+    std::function<void()> stopThumbnail_;
 
 // Assigning to one of these emits its signal if the value has changed.
 #define CORVANTA_OBSERVABLE(Type, property, start)                                                           \

@@ -4,11 +4,14 @@
 #include <CorvantaSdkVideo/Editor/PictureFile.hpp>
 #include <platform/AssetDuration.hpp>
 
+#include <boost/asio/cancellation_signal.hpp>
+
 #include <QCoreApplication>
 #include <QStringList>
 
 #include <cmath>
 #include <exception>
+#include <memory>
 #include <utility>
 
 namespace corvanta {
@@ -112,6 +115,8 @@ void CorvantaSdkVideoEditorViewModel::generateThumbnails() {
     thumbnailPixels_ = thumbnailPixels();
     if (!std::exchange(isMakingThumbnails_, true)) {
         startOnQtThread(makeThumbnails(this, editor_, videoURL_));
+    } else if (stopThumbnail_) {
+        stopThumbnail_();
     }
 }
 
@@ -129,7 +134,8 @@ QSize CorvantaSdkVideoEditorViewModel::thumbnailPixels() const {
             static_cast<int>(std::lround(trimmerHeight * pixelRatio_))};
 }
 
-// One task makes them all: a new round begins when the picture that is being made has come.
+// One task makes them all: a new round begins when the picture that is being made has come, or its run has
+// ended without it.
 Task<> CorvantaSdkVideoEditorViewModel::makeThumbnails(QPointer<ViewModel> model,
                                                        std::shared_ptr<CorvantaSdkVideoEditor> editor,
                                                        URL video) {
@@ -141,8 +147,10 @@ Task<> CorvantaSdkVideoEditorViewModel::makeThumbnails(QPointer<ViewModel> model
     while (index < thumbnailCount) {
         const double duration = model->videoDuration_;
         const double position = duration - index * (duration / thumbnailCount);
-        const QImage image =
-            co_await onEditorWorker(thumbnail(editor, video, position, model->thumbnailPixels_));
+        const auto stop = std::make_shared<boost::asio::cancellation_signal>();
+        model->stopThumbnail_ = [stop] { stop->emit(boost::asio::cancellation_type::terminal); };
+        Task<QImage> making = thumbnail(editor, video, position, model->thumbnailPixels_);
+        const QImage image = co_await onEditorWorker(std::move(making), stop);
         if (!model) {
             co_return;
         }
@@ -154,6 +162,7 @@ Task<> CorvantaSdkVideoEditorViewModel::makeThumbnails(QPointer<ViewModel> model
             model->setThumbnail(index++, image);
         }
     }
+    model->stopThumbnail_ = {};
     model->isMakingThumbnails_ = false;
 }
 

@@ -2,9 +2,6 @@
 
 #include <CorvantaSdkVideo/Editor/QtExecutor.hpp>
 
-#include <boost/asio/bind_cancellation_slot.hpp>
-#include <boost/asio/cancellation_signal.hpp>
-
 #include <exception>
 #include <memory>
 

@@ -2,11 +2,14 @@
 
 #include <platform/Task.hpp>
 
+#include <boost/asio/bind_cancellation_slot.hpp>
+#include <boost/asio/cancellation_signal.hpp>
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/thread_pool.hpp>
 #include <boost/asio/use_awaitable.hpp>
 
 #include <functional>
+#include <memory>
 #include <utility>
 
 namespace corvanta {
@@ -26,6 +29,14 @@ boost::asio::thread_pool& editorWorker();
 template <typename T>
 Task<T> onEditorWorker(Task<T> task) {
     co_return co_await boost::asio::co_spawn(editorWorker(), std::move(task), boost::asio::use_awaitable);
+}
+
+/// The same; `stop` cancels the task.
+template <typename T>
+Task<T> onEditorWorker(Task<T> task, std::shared_ptr<boost::asio::cancellation_signal> stop) {
+    co_return co_await boost::asio::co_spawn(
+        editorWorker(), std::move(task),
+        boost::asio::bind_cancellation_slot(stop->slot(), boost::asio::use_awaitable));
 }
 
 } // namespace corvanta

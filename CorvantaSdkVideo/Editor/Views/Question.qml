@@ -50,7 +50,7 @@ FocusScope {
         antialiasing: true
 
         Accessible.role: Accessible.Dialog
-        Accessible.name: question.title + ". " + question.message
+        Accessible.name: question.title + (/[.?!]$/.test(question.title) ? " " : ". ") + question.message
 
         Column {
             id: texts
