@@ -202,6 +202,8 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     Q_INVOKABLE bool hasChanges() const;
     /// Of a thumbnail on the strip.
     QSize thumbnailPixels() const;
+    /// What was read of the file; nothing before, and of a file that can't be read.
+    const std::optional<CorvantaSdkVideoInformation>& information() const { return information_; }
     bool isMakingThumbnails() const { return isMakingThumbnails_; }
 
     double screenWidth() const { return screenWidth_; }
@@ -364,6 +366,7 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     bool hasSound_ = false;
     /// Where the player stands, in seconds.
     double playerPosition_ = 0;
+    std::optional<CorvantaSdkVideoInformation> information_;
     QSizeF videoResolution_{0, 0};
     std::optional<Orientation> videoOrientation_;
     std::int64_t currentRotation_ = 0;

@@ -1,6 +1,7 @@
 #include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorViewModel.hpp>
 
 #include <CorvantaSdkVideo/Editor/EditorTasks.hpp>
+#include <CorvantaSdkVideo/Editor/PictureColors.hpp>
 #include <CorvantaSdkVideo/Editor/PictureFile.hpp>
 #include <platform/AssetDuration.hpp>
 
@@ -28,8 +29,8 @@ Task<std::vector<CorvantaSdkVideoInformation>> probed(VideosInformationGenerator
 }
 
 // The picture is null if there is none that can be read.
-Task<QImage> thumbnail(std::shared_ptr<CorvantaSdkVideoEditor> editor, URL video, double position,
-                       QSize size) {
+Task<QImage> thumbnail(std::shared_ptr<CorvantaSdkVideoEditor> editor, URL video, double position, QSize size,
+                       PictureColors colors) {
     const PictureInTheMaking open;
     std::optional<URL> file;
     try {
@@ -40,7 +41,7 @@ Task<QImage> thumbnail(std::shared_ptr<CorvantaSdkVideoEditor> editor, URL video
     }
     QImage image(QString::fromStdString(file->path()));
     removeIfMade(*file);
-    co_return image;
+    co_return withColors(std::move(image), colors);
 }
 
 // A probe's "30000/1001" as seconds; that of the usual rate where there is none.
@@ -77,6 +78,7 @@ Task<> CorvantaSdkVideoEditorViewModel::readVideo(QPointer<ViewModel> model,
 
 void CorvantaSdkVideoEditorViewModel::takeInformation(const CorvantaSdkVideoInformation& information,
                                                       double duration) {
+    information_ = information;
     const VideoSize size = information.videoSize;
     // A file without a picture has no aspect.
     if (size.width > 0 && size.height > 0) {
@@ -149,7 +151,9 @@ Task<> CorvantaSdkVideoEditorViewModel::makeThumbnails(QPointer<ViewModel> model
         const double position = duration - index * (duration / thumbnailCount);
         const auto stop = std::make_shared<boost::asio::cancellation_signal>();
         model->stopThumbnail_ = [stop] { stop->emit(boost::asio::cancellation_type::terminal); };
-        Task<QImage> making = thumbnail(editor, video, position, model->thumbnailPixels_);
+        const PictureColors colors =
+            model->information_ ? pictureColorsOf(*model->information_) : PictureColors{};
+        Task<QImage> making = thumbnail(editor, video, position, model->thumbnailPixels_, colors);
         const QImage image = co_await onEditorWorker(std::move(making), stop);
         if (!model) {
             co_return;

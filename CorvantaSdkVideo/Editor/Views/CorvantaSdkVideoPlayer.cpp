@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <QPainterPath>
+#include <QtMath>
 
 #include <algorithm>
 
@@ -24,11 +25,16 @@ void CorvantaSdkVideoPlayer::setViewModel(CorvantaSdkVideoEditorViewModel* viewM
     if (viewModel != nullptr) {
         player_ = &viewModel->videoPlayer();
         player_->setVideoSink(&sink_);
+        // What the frames' colours are is known then.
+        connect(viewModel, &CorvantaSdkVideoEditorViewModel::isReadyChanged, this, [this] { update(); });
     }
     Q_EMIT viewModelChanged();
 }
 
 void CorvantaSdkVideoPlayer::detach() {
+    if (viewModel_) {
+        viewModel_->disconnect(this);
+    }
     if (player_) {
         player_->setVideoSink(nullptr);
     }
@@ -55,18 +61,26 @@ void CorvantaSdkVideoPlayer::takeFrame(const QVideoFrame& frame) {
 QSGNode* CorvantaSdkVideoPlayer::updatePaintNode(QSGNode* node, UpdatePaintNodeData* data) {
     if (frame_.isValid()) {
         paintedFrame_ = std::exchange(frame_, {});
-        isImageStale_ = true;
+        paintedImage_ = {};
+    }
+    const PictureColors colors = viewModel_ && viewModel_->information()
+                                     ? pictureColorsOf(*viewModel_->information())
+                                     : PictureColors{};
+    if (colors != paintedColors_) {
+        paintedColors_ = colors;
+        paintedImage_ = {};
     }
     return QQuickPaintedItem::updatePaintNode(node, data);
 }
 
 void CorvantaSdkVideoPlayer::paint(QPainter* painter) {
-    if (isImageStale_) {
-        paintedImage_ = paintedFrame_.toImage();
-        isImageStale_ = false;
-    }
     const QRectF bounds = boundingRect();
     const QTransform toDevice = painter->transform();
+    const QSize room(qCeil(bounds.width() * toDevice.m11()), qCeil(bounds.height() * toDevice.m22()));
+    if (paintedFrame_.isValid() && (paintedImage_.isNull() || room != paintedRoom_)) {
+        paintedImage_ = converter_.image(paintedFrame_, room, paintedColors_);
+        paintedRoom_ = room;
+    }
     painter->setPen(Qt::NoPen);
     painter->setBrush(Qt::black);
     painter->drawRoundedRect(bounds, radius_, radius_);
@@ -74,19 +88,13 @@ void CorvantaSdkVideoPlayer::paint(QPainter* painter) {
         return;
     }
     const QSizeF fitted = QSizeF(paintedImage_.size()).scaled(bounds.size(), Qt::KeepAspectRatio);
-    const QSize pixels(qRound(fitted.width() * toDevice.m11()), qRound(fitted.height() * toDevice.m22()));
-    // A painter scales down by leaving pixels out, which glitters.
-    const bool isMuchSmaller = pixels.width() * 2 < paintedImage_.width();
-    const QImage picture = isMuchSmaller
-                               ? paintedImage_.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
-                               : paintedImage_;
     const QRectF place(
         QPointF((bounds.width() - fitted.width()) / 2, (bounds.height() - fitted.height()) / 2), fitted);
     // A brush, since a clip's border is not smooth. A brush begins anew beyond its picture, which is
     // therefore taken from the middle of its first pixels to that of its last.
-    QBrush brush(picture);
-    const double xScale = fitted.width() / std::max(1, picture.width() - 1);
-    const double yScale = fitted.height() / std::max(1, picture.height() - 1);
+    QBrush brush(paintedImage_);
+    const double xScale = fitted.width() / std::max(1, paintedImage_.width() - 1);
+    const double yScale = fitted.height() / std::max(1, paintedImage_.height() - 1);
     brush.setTransform(
         QTransform::fromTranslate(place.x() - xScale / 2, place.y() - yScale / 2).scale(xScale, yScale));
     QPainterPath corners;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorViewModel.hpp>
+#include <CorvantaSdkVideo/Editor/Views/FrameConverter.hpp>
 
 #include <QImage>
 #include <QPointer>
@@ -53,8 +54,10 @@ class CorvantaSdkVideoPlayer : public QQuickPaintedItem {
 
     // The scene graph's thread alone touches these, after they were handed over while the other one waited.
     QVideoFrame paintedFrame_;
+    PictureColors paintedColors_;
+    FrameConverter converter_;
     QImage paintedImage_;
-    bool isImageStale_ = false;
+    QSize paintedRoom_;
 };
 
 } // namespace corvanta

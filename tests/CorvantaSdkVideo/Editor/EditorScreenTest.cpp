@@ -268,6 +268,39 @@ TEST_F(EditorScreenTest, IsWorkedByKeysAlone) {
     ASSERT_TRUE(isClosed());
 }
 
+// By whatever matrix they were coded, told or not, in the picture and on the strip.
+TEST_F(EditorScreenTest, ShowsTheColoursThatWereCoded) {
+    const QColor coded(32, 160, 64);
+    const auto isNear = [&](QColor colour) {
+        const auto near = [](int left, int right) { return std::abs(left - right) <= 6; };
+        return near(colour.red(), coded.red()) && near(colour.green(), coded.green()) &&
+               near(colour.blue(), coded.blue());
+    };
+    for (const auto& [size, matrix, tags] : {std::tuple("1280x720", "bt709", "-colorspace bt709"),
+                                             {"1280x720", "bt709", ""},
+                                             {"1280x720", "bt601", "-colorspace smpte170m"},
+                                             {"320x240", "bt601", ""},
+                                             {"320x240", "bt709", "-colorspace bt709 -color_range pc"}}) {
+        SCOPED_TRACE(std::string(size) + " " + matrix + " " + tags);
+        const std::string clip = folders_.file("coded.mp4");
+        const std::string range = std::string(tags).ends_with("pc") ? "full" : "limited";
+        test::runTool("ffmpeg",
+                      test::wordsOf("-v error -y -f lavfi -i color=0x20a040:s=" + std::string(size) +
+                                    ":r=10:d=1 -vf scale=out_color_matrix=" + matrix + ":out_range=" + range +
+                                    ",format=yuv420p -c:v libx264 -preset ultrafast " + tags + " " + clip));
+        present(clip);
+        ASSERT_TRUE(eventually([this] { return !model().thumbnails().back().isNull(); }));
+        QQuickItem* const picture = block("CorvantaSdkVideoPlayer");
+        const auto shown = [&] { return colourAt(picture, {picture->width() / 4, picture->height() / 2}); };
+        EXPECT_TRUE(eventually([&] { return isNear(shown()); })) << shown().name().toStdString();
+        const QImage thumbnail = model().thumbnails().front();
+        const QColor onStrip = thumbnail.pixelColor(thumbnail.rect().center());
+        EXPECT_TRUE(isNear(onStrip)) << onStrip.name().toStdString();
+        QTest::keyClick(window_, Qt::Key_Escape);
+        ASSERT_TRUE(isClosed());
+    }
+}
+
 // Nothing leaves the window, and the screen's parts keep apart, at any size.
 TEST_F(EditorScreenTest, FitsEverySize) {
     present();
