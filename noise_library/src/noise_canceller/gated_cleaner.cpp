@@ -1,6 +1,7 @@
 #include "noise_canceller/gated_cleaner.hpp"
 
 #include "noise_canceller/feature_functions.hpp"
+#include "utils/vector_functions.hpp"
 
 #include <algorithm>
 #include <cmath>

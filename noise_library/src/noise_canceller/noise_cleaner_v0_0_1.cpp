@@ -1,6 +1,7 @@
 #include "noise_canceller/noise_cleaner_v0_0_1.hpp"
 
 #include "noise_canceller/mask_functions.hpp"
+#include "utils/assertion.hpp"
 #include "utils/fft.hpp"
 #include "utils/window_functions.hpp"
 

@@ -1,5 +1,8 @@
 #include "noise_canceller/noise_cleaner_v0_0_6.hpp"
 
+#include "utils/assertion.hpp"
+#include "utils/vector_functions.hpp"
+
 #include <numeric>
 
 namespace TALVO::NOISE_CANCELLER {

@@ -3,6 +3,7 @@
 #include "noise_canceller/feature_functions.hpp"
 #include "noise_canceller/mask_functions.hpp"
 #include "utils/fft.hpp"
+#include "utils/vector_functions.hpp"
 
 #include <algorithm>
 #include <cmath>

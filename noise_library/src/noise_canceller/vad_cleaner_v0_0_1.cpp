@@ -3,9 +3,11 @@
 #include "noise_canceller/band_functions.hpp"
 #include "noise_canceller/feature_functions.hpp"
 #include "noise_canceller/setting_reader.hpp"
+#include "utils/assertion.hpp"
 #include "utils/fft.hpp"
 #include "utils/mean_energy.hpp"
 #include "utils/printed_line.hpp"
+#include "utils/vector_functions.hpp"
 #include "utils/window_functions.hpp"
 
 #include <algorithm>
@@ -100,7 +102,7 @@ float VadCleaner_v0_0_1::probabilityCalc(float const* data, std::size_t dataSize
     TALVO_ASSERT(tempVector_.size() == params_.frameFutureSize, "tempVector.size()==params_.frameFutureSize");
     for (float& value : tempVector_)
         value = std::log(value + 1.0f);
-    calcMinusMUDivSD(tempVector_, params_);
+    calcMinusMUDivSD(tempVector_, params_, params_.varianceFloor);
     framesFutures_.pop_front(tempVector_.size());
     framesFutures_.push_back(tempVector_.data(), tempVector_.size());
     TALVO_ASSERT(framesFutures_.size() == params_.frameCount * params_.frameFutureSize,
