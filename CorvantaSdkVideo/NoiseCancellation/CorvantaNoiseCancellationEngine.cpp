@@ -4,6 +4,7 @@
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/NoiseCancellation/CleaningProgress.hpp>
 #include <CorvantaSdkVideo/NoiseCancellation/CorvantaNoiseProcessor.hpp>
+#include <CorvantaSdkVideo/NoiseCancellation/ModelLoading.hpp>
 #include <CorvantaSdkVideo/NoiseCancellation/SoundCleaning.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
@@ -42,9 +43,13 @@ constexpr int framesPerTurn = 100;
 // As long as it takes, since a long file's sound is all over it; a stop ends it.
 constexpr auto patience = std::chrono::hours(24);
 
-// A file that can't be read in process has its sound cleaned as it was extracted, from its start on.
-Task<> readSoundTimes(URL video, std::shared_ptr<SoundTimes> times) {
-    std::function<void(std::stop_token)> work = [times, path = video.path()](std::stop_token stop) {
+// What cleaning needs beside the extracted sound, while that is extracted. A file that can't be read in
+// process has its sound cleaned as it was extracted, from its start on.
+Task<> prepareCleaning(URL video, std::shared_ptr<SoundTimes> times, std::shared_ptr<ModelLoading> model) {
+    std::function<void(std::stop_token)> work = [times, model, path = video.path()](std::stop_token stop) {
+        if (model) {
+            model->load();
+        }
         const OpenMedia::Options options{.patience = patience, .stop = std::move(stop)};
         *times = soundTimes(path, options);
     };
@@ -180,10 +185,10 @@ Task<> CorvantaNoiseCancellationEngine::clean(URL input, URL output,
     requireSpace(input, output, seconds, copiesPicture);
     const auto progress = std::make_shared<CleaningProgress>(options.onProgress, seconds);
     const auto times = std::make_shared<SoundTimes>();
-    Task<> reading = readSoundTimes(input, times);
+    Task<> preparing = prepareCleaning(input, times, ownsLibrary_ ? modelLoading_ : nullptr);
     progress->extracts(copiesPicture);
     Task<URL> extraction = extractAudio(input, progress->meter());
-    const URL audio = co_await (std::move(extraction) && std::move(reading));
+    const URL audio = co_await (std::move(extraction) && std::move(preparing));
     processedFiles.push_back(audio);
     const URL cleaned = co_await cleanAudio(audio, times, options, progress);
     processedFiles.push_back(cleaned);
@@ -231,7 +236,7 @@ Task<URL> CorvantaNoiseCancellationEngine::cleanAudio(URL audioFileURL, std::sha
             }
         }
     } cleaned{fileProcessor_, Directories::temporaryFile("caf")};
-    SoundCleaning cleaning(audioFileURL, cleaned.url, *times, options);
+    SoundCleaning cleaning(audioFileURL, cleaned.url, *times, options, modelLoading_->isLoaded());
     const auto executor = co_await boost::asio::this_coro::executor;
     progress->cleans(cleaning.seconds());
     while (cleaning.cleanFrames(framesPerTurn)) {
@@ -249,12 +254,14 @@ void CorvantaNoiseCancellationEngine::initialize() {
     talvoAudioSetPrint([](const char* line, void*) { printToConsole(line); }, nullptr);
     withWideChars(Bundle::resourceDirectory(),
                   [this](const wchar_t* path) { ownsLibrary_ = talvoAudioGlobalInit(path) == 0; });
+    modelLoading_ = std::make_shared<ModelLoading>();
     state_ = ownsLibrary_ ? State::initialized : State::unknown;
 }
 
 // Only what this engine has made: by the time of its end the instance may be another engine's.
 void CorvantaNoiseCancellationEngine::endSession() {
     if (std::exchange(ownsLibrary_, false)) {
+        modelLoading_->stop();
         talvoAudioGlobalDestroy();
     }
 }

@@ -15,6 +15,7 @@
 namespace corvanta {
 
 class CleaningProgress;
+class ModelLoading;
 
 /// Extracts the sound, cleans it frame by frame, and puts it back. Holds the audio library's one instance
 /// from its construction to the end of its run, or to its own end. Made as a shared_ptr.
@@ -65,6 +66,7 @@ class CorvantaNoiseCancellationEngine : public CorvantaSdkVideoNoiseCancellation
 
     std::atomic<State> state_ = State::initial;
     bool ownsLibrary_ = false;
+    std::shared_ptr<ModelLoading> modelLoading_;
     CorvantaFileProcessor fileProcessor_;
     std::shared_ptr<CorvantaCredentialsManager> credentialsManager_;
     FFMPEGCommandGenerator commandGenerator_;

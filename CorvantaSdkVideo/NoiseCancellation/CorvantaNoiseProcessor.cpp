@@ -65,11 +65,15 @@ CorvantaNoiseProcessor::CorvantaNoiseProcessor(std::string modelName, unsigned s
 
 CorvantaNoiseProcessor::~CorvantaNoiseProcessor() { closeSession(); }
 
-void CorvantaNoiseProcessor::startSession() {
+bool CorvantaNoiseProcessor::loadModel(const std::string& modelName) {
     int result = 0;
-    withWideChars(modelPath(modelName_),
-                  [&](const wchar_t* path) { result = talvoAudioSetModel(path, modelName_.c_str()); });
-    if (result != 0) {
+    withWideChars(modelPath(modelName),
+                  [&](const wchar_t* path) { result = talvoAudioSetModel(path, modelName.c_str()); });
+    return result == 0;
+}
+
+void CorvantaNoiseProcessor::startSession(bool modelIsLoaded) {
+    if (!modelIsLoaded && !loadModel(modelName_)) {
         throw CorvantaSdkVideoError(CorvantaSdkVideoError::configurationError);
     }
     sessionId_ = createSession();

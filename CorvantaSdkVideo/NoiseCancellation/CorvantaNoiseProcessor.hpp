@@ -33,9 +33,12 @@ class CorvantaNoiseProcessor {
     /// Samples in a frame.
     unsigned bufferSize() const { return bufferSize_; }
 
-    /// Loads the model from the module's resources and opens the session. Throws `configurationError`; a
-    /// module that has no resource folder at all stops the process.
-    void startSession();
+    /// Loads the model from the module's resources into the library, under its own name; false for one that
+    /// can't be read or is there already. A module that has no resource folder at all stops the process.
+    static bool loadModel(const std::string& modelName);
+
+    /// Loads the model, unless that was done, and opens the session. Throws `configurationError`.
+    void startSession(bool modelIsLoaded = false);
 
     /// Cleans one frame of `bufferSize()` samples. What the library refuses leaves `bufferOut` as it was.
     void process(const PCMBuffer& bufferIn, PCMBuffer& bufferOut);

@@ -14,14 +14,13 @@ namespace {
 
 using Error = CorvantaSdkVideoError;
 
-constexpr const char* modelFileName = "c6.f.s.ced125.tw";
 constexpr unsigned frameDurationMillis = 10;
 constexpr int soundFramesPerSecond = 100;
 
 } // namespace
 
 SoundCleaning::SoundCleaning(URL audio, URL cleaned, const SoundTimes& times,
-                             const CorvantaSdkVideoNoiseCancellationOptions& options)
+                             const CorvantaSdkVideoNoiseCancellationOptions& options, bool modelIsLoaded)
     : audio_(std::move(audio)), cleaned_(std::move(cleaned)), source_(audio_.path(), times),
       target_(cleaned_.path(), source_.file()),
       processor_(modelFileName, static_cast<unsigned>(source_.file().sampleRate()), frameDurationMillis) {
@@ -33,7 +32,7 @@ SoundCleaning::SoundCleaning(URL audio, URL cleaned, const SoundTimes& times,
     requireFreeSpace(cleaned_.path(), source_.length() * bytesPerSample, Error::unableToProcessFile);
     rendered_.samples = std::vector<float>(frame);
     result_.samples = std::vector<float>(frame);
-    processor_.startSession();
+    processor_.startSession(modelIsLoaded);
     if (options.strength) {
         processor_.setStrength(static_cast<float>(*options.strength));
     }

@@ -13,11 +13,13 @@ namespace corvanta {
 /// by what the buffer held before. The library must be initialised. One thread at a time.
 class SoundCleaning {
   public:
-    /// Throws `unableToProcessFile` for a sound of more than one channel and for a folder with too little
-    /// room, `configurationError` for a model that can't be loaded, PlatformError for a file that can't be
-    /// opened.
+    static constexpr const char* modelFileName = "c6.f.s.ced125.tw";
+
+    /// With the model of that name, which may be loaded already. Throws `unableToProcessFile` for a sound of
+    /// more than one channel and for a folder with too little room, `configurationError` for a model that
+    /// can't be loaded, PlatformError for a file that can't be opened.
     SoundCleaning(URL audio, URL cleaned, const SoundTimes& times,
-                  const CorvantaSdkVideoNoiseCancellationOptions& options);
+                  const CorvantaSdkVideoNoiseCancellationOptions& options, bool modelIsLoaded);
 
     /// False when the whole sound is cleaned. A failure inside the loop can't be told from a broken disk or a
     /// broken module, and ends the process.
