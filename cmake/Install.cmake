@@ -114,4 +114,16 @@ if(CORVANTA_BUILD_EXAMPLES)
     set_target_properties(${programs} PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
     install(TARGETS ${programs} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT examples)
     install(DIRECTORY examples/ DESTINATION ${CORVANTA_INSTALL_EXAMPLESDIR} COMPONENT examples)
+
+    # Where Debian's zsh looks, and where one that was built by hand does.
+    set(zsh site-functions)
+    if(EXISTS /etc/debian_version)
+        set(zsh vendor-completions)
+    endif()
+    set(CORVANTA_INSTALL_ZSHDIR share/zsh/${zsh} CACHE STRING "Folder for zsh completions under the prefix")
+    set(completion examples/corvanta_host/completion)
+    install(FILES ${completion}/corvanta_host.bash RENAME corvanta_host
+        DESTINATION share/bash-completion/completions COMPONENT examples)
+    install(FILES ${completion}/_corvanta_host DESTINATION ${CORVANTA_INSTALL_ZSHDIR} COMPONENT examples)
+    install(FILES ${completion}/corvanta_host.fish DESTINATION share/fish/vendor_completions.d COMPONENT examples)
 endif()

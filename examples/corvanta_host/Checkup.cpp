@@ -1,5 +1,6 @@
 #include "Checkup.hpp"
 
+#include "DataFolder.hpp"
 #include "Failures.hpp"
 #include "ProgramOutput.hpp"
 #include "Run.hpp"
@@ -235,12 +236,15 @@ std::vector<Finding> checkup() {
             "containers", containers, {"mp4", "mov", "matroska", "webm", "nut", "wav", "image2", "concat"}));
     }
     const fs::path documents = folderOf(CorvantaSdkVideoFileDescriptor::files("x"));
-    findings.push_back(folderFinding("documents", documents));
+    const auto& obstacle = DataFolder::obstacle();
+    findings.push_back(obstacle ? Finding{"documents", State::missing, *obstacle}
+                                : folderFinding("documents", documents));
     findings.push_back(folderFinding("caches", folderOf(CorvantaSdkVideoFileDescriptor::cache("x"))));
     std::error_code absent;
     const fs::path temporary = fs::temp_directory_path(absent);
     findings.push_back(folderFinding("temporary", absent ? "/tmp" : temporary));
-    findings.push_back(storeFinding(documents.parent_path()));
+    findings.push_back(obstacle ? Finding{"store", State::missing, "no requests are kept"}
+                                : storeFinding(documents.parent_path()));
     if (hasFFmpeg) {
         findings.push_back(modelFinding(ffmpeg, absent ? "/tmp" : temporary));
     }

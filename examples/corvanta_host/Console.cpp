@@ -1,6 +1,7 @@
 #include "Console.hpp"
 
 #include "Failures.hpp"
+#include "FatalEnd.hpp"
 
 #include <CorvantaSdkVideo/CorvantaSdkVideo.hpp>
 
@@ -71,6 +72,7 @@ Console::Console(Options options)
         FFmpegKitConfig::setLogLevel("error");
     }
     SharedCorvantaSdkCommonKt::sdk_common().setLog(log_);
+    endAtFatalErrors(options.json && results_ ? fileno(results_.get()) : -1);
 }
 
 Console::~Console() = default;

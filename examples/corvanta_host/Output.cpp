@@ -3,10 +3,17 @@
 #include "Failures.hpp"
 #include "MediaNames.hpp"
 
+#include <cerrno>
+#include <cstddef>
 #include <filesystem>
+#include <functional>
+#include <map>
 #include <system_error>
 
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 using namespace corvanta;
 namespace fs = std::filesystem;
@@ -15,6 +22,34 @@ namespace {
 
 fs::path inFolder(const Files& files, const fs::path& name) {
     return isFolder(files.output) ? fs::path(files.output) / name : fs::path(files.output);
+}
+
+// Against two runs that write the same file, of which one would lose its output unheard. The name is one of
+// the kernel's own that goes with this process, however it ends.
+void claim(const std::string& path) {
+    static std::map<std::string, int> claims;
+    struct stat folder {};
+    const fs::path place(path);
+    if (stat(place.parent_path().c_str(), &folder) != 0) {
+        return;
+    }
+    const std::string name = fmt::format("corvanta_host-{}-{}-{:x}", folder.st_dev, folder.st_ino,
+                                         std::hash<std::string>{}(place.filename().string()));
+    if (claims.contains(name)) {
+        return;
+    }
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    // A first byte of 0 keeps it out of the file system.
+    name.copy(address.sun_path + 1, sizeof(address.sun_path) - 1);
+    const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + name.size());
+    const int descriptor = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    if (descriptor >= 0 && bind(descriptor, reinterpret_cast<const sockaddr*>(&address), length) != 0 &&
+        errno == EADDRINUSE) {
+        close(descriptor);
+        throw Refusal("outputBusy", path + " is being written by another corvanta_host");
+    }
+    claims.emplace(name, descriptor);
 }
 
 // A place that nothing in the way of can be lost.
@@ -61,6 +96,7 @@ std::string outputPath(const Files& files) {
 }
 
 void requireFree(const std::string& path, Overwriting overwriting) {
+    claim(path);
     std::error_code absent;
     if (!fs::exists(path, absent)) {
         return;

@@ -27,7 +27,8 @@ Output outputFor(const Files& files, const std::string& extension);
 /// The same for a path with its extension, whatever that is.
 std::string outputPath(const Files& files);
 
-/// Throws Refusal if something is at `path` that may not be written over.
+/// Throws Refusal if something is at `path` that may not be written over, or another run of this program is
+/// about to write there. Until this one ends the others are refused.
 void requireFree(const std::string& path, Overwriting overwriting);
 
 /// Removes what a run has begun to write at a path, unless it is told that the run is done. A file that was

@@ -1,5 +1,6 @@
 #include "RequestRun.hpp"
 
+#include "DataFolder.hpp"
 #include "Failures.hpp"
 #include "Output.hpp"
 #include "Progress.hpp"
@@ -46,6 +47,9 @@ std::string timestamp(CorvantaSdkVideoRequest::Date date) {
 void runRequest(Console& console, const RequestPointer& request, const std::string& outputPath) {
     const std::string id = uuidString(request->id);
     console.tellRequest(id);
+    if (DataFolder::obstacle()) {
+        console.note("the request is not kept: " + *DataFolder::obstacle());
+    }
     const std::vector<URL> inputs = inputsOf(*request);
     UnfinishedOutput unfinished(outputPath);
     json about{{"id", id}};

@@ -1,4 +1,5 @@
 #include "Commands.hpp"
+#include "DataFolder.hpp"
 #include "Failures.hpp"
 #include "Output.hpp"
 #include "RequestRun.hpp"
@@ -120,6 +121,7 @@ Stream<RequestPointer> streamOf(const std::string& id) {
 }
 
 void watch(Console& console, const std::string& id) {
+    DataFolder::requireLasting();
     std::atomic<bool> isTold = false;
     const auto print = [&](const auto& value) {
         isTold = true;
@@ -175,6 +177,7 @@ void processAll(Console& console, std::vector<std::string> ids, Overwriting over
     for (const std::string& id : ids) {
         parsedId(id);
     }
+    DataFolder::requireLasting();
     runEach(console, ids.size(), [&](std::size_t number) {
         console.setRequest(ids[number]);
         process(console, ids[number], overwriting);
@@ -199,6 +202,7 @@ void addRequestsCommand(CLI::App& app, Command& chosen) {
     command->add_flag("--delete", *isDeletion, "Delete them, and print what they were; their files stay");
     command->callback([&chosen, selection, isDeletion] {
         chosen = [selection, isDeletion](Console& console) {
+            DataFolder::requireLasting();
             if (*isDeletion) {
                 deleteRequests(console, *selection);
             } else {

@@ -1,4 +1,6 @@
 #include "Commands.hpp"
+#include "Completion.hpp"
+#include "DataFolder.hpp"
 #include "Failures.hpp"
 #include "Words.hpp"
 
@@ -30,6 +32,7 @@ int follow(const Command& command, const Console::Options& options, bool loggedO
     // Files come from anywhere.
     FFmpegKitConfig::setRunLimits(recommendedRunLimits());
     SharedCorvantaSdkCommonKt::sdk_common().setAuth(std::make_shared<SharedCorvantaSdkFixedAuth>(!loggedOut));
+    const DataFolder folder;
     Console console(options);
     int status = EXIT_SUCCESS;
     const auto attempt = [&console, &status](const auto& step) {
@@ -78,6 +81,11 @@ int main(int argumentCount, char** arguments) {
         options.verbose = false;
         return follow([&reason](Console&) { throw UsageError(reason); }, options, loggedOut);
     };
+    // For the shells' scripts, and no command for people.
+    if (!words.empty() && words.front() == "__complete") {
+        words.erase(words.begin());
+        return follow([&](Console& console) { complete(console, app, words); }, options, loggedOut);
+    }
     try {
         app.parse(reversedWords(app, words));
     } catch (const CLI::ParseError& error) {

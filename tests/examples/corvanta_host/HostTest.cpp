@@ -233,6 +233,69 @@ TEST(HostTest, WhatCannotBeFollowedIsToldInWords) {
     }
 }
 
+TEST(HostTest, DoctorTellsWhatIsMissing) {
+    const TemporaryDirectory directory;
+    const Program::Options there{.environment = {{"XDG_DATA_HOME", directory.file("data")}}};
+    const auto state = [](const json& told, const std::string& name) {
+        for (const json& check : told["checks"]) {
+            if (check["name"] == name) {
+                return std::string(check["state"]);
+            }
+        }
+        return std::string();
+    };
+    const HostRun healthy = runHost({"--json", "doctor"}, there);
+    EXPECT_EQ(healthy.status, 0) << healthy.output;
+    EXPECT_EQ(json::parse(healthy.output)["works"], true);
+    EXPECT_EQ(namesIn({directory.path()}), Words{"data"});
+    const FakeProgram poor("CORVANTA_FFMPEG", R"(case "$*" in
+        *-encoders*) ffmpeg "$@" | grep -v libx265;;
+        *-filters*) ffmpeg "$@" | grep -v showwavespic;;
+        *) exec ffmpeg "$@";; esac)");
+    Program::Options lacking = there;
+    lacking.environment["CORVANTA_RESOURCES"] = directory.path();
+    const HostRun ended = runHost({"--json", "doctor"}, lacking);
+    EXPECT_EQ(ended.status, 1);
+    const json told = json::parse(ended.output);
+    EXPECT_EQ(told["works"], false);
+    for (const auto& [name, expected] : {std::pair("encoders", "limited"),
+                                         {"filters", "missing"},
+                                         {"containers", "ok"},
+                                         {"store", "ok"},
+                                         {"model", "missing"}}) {
+        EXPECT_EQ(state(told, name), expected) << name;
+    }
+    const FakeProgram none("CORVANTA_FFMPEG", "exit 1\n");
+    const HostRun text = runHost({"doctor"}, there);
+    EXPECT_THAT(text.output, HasSubstr("missing ffmpeg "));
+    EXPECT_THAT(text.errors, tells("something that is needed is missing"));
+}
+
+TEST(HostTest, FoldersAndStoresThatCannotBeUsed) {
+    const TemporaryDirectory directory;
+    const std::string clip = makeClip({});
+    const Program::Options nowhere{
+        .environment = {{"XDG_DATA_HOME", "/proc/none"}, {"TMPDIR", directory.path()}}};
+    for (const auto& [arguments, status, errors] : std::vector<std::tuple<Words, int, std::string>>{
+             {{"info", clip}, 0, ""},
+             {{"encode", clip, "-o", directory.file("e")}, 0, "the request is not kept: /proc/none/"},
+             {{"edit", clip, "-o", directory.file("x"), "--range", "0.1-0.2", "--range", "0.5-0.6"}, 0, ""},
+             {{"requests"}, 3, "can't be written to: No such file or directory; no requests are kept there"},
+             {{"doctor"}, 1, "something that is needed is missing"}}) {
+        const HostRun ended = runHost(arguments, nowhere);
+        EXPECT_EQ(ended.status, status) << ended.errors;
+        EXPECT_THAT(ended.errors, HasSubstr(errors));
+    }
+    EXPECT_THAT(namesIn({directory.path()}), testing::UnorderedElementsAre("e.mp4", "x.mp4"));
+    std::filesystem::create_directories(directory.file("data/corvanta-sdk-video"));
+    writeFile(directory.file("data/corvanta-sdk-video/video-store.sqlite"), std::string(9999, 'x'));
+    const HostRun broken =
+        runHost({"--json", "info", clip}, {.environment = {{"XDG_DATA_HOME", directory.file("data")}}});
+    EXPECT_EQ(broken.status, 1);
+    EXPECT_THAT(broken.errors, HasSubstr("Fatal error: "));
+    EXPECT_EQ(json::parse(broken.output)["error"]["name"], "fatalError");
+}
+
 TEST(HostTest, AnInterruptEndsTheRunASecondOneTheHostAndItsDeathTheChild) {
     const TemporaryDirectory directory;
     // A child that takes its time gives the second signal the chance to end the program as usual.

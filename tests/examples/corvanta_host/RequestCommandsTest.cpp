@@ -319,6 +319,9 @@ TEST_F(RequestCommandsTest, StopOnInterrupts) {
             return none ? 0 : bytes;
         };
         EXPECT_TRUE(eventually([&] { return size() > 100'000; }));
+        const HostRun second = run({"merge", file("folder/../long.mp4"), clip_, clip_, "--force"});
+        EXPECT_EQ(second.status, 3);
+        EXPECT_THAT(second.errors, HasSubstr("long.mp4 is being written by another corvanta_host\n"));
         host.signal(SIGINT);
         EXPECT_EQ(host.wait(), 130);
         EXPECT_THAT(host.errors(), HasSubstr("corvanta_host: cancelled\n"));
