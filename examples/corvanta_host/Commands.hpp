@@ -10,6 +10,9 @@
 /// What a chosen subcommand does; a thrown error is the program's failure.
 using Command = std::function<void(Console&)>;
 
+/// Adds all subcommands, each of which puts its work into `chosen` when it is on the command line.
+void addCommands(CLI::App& app, Command& chosen);
+
 /// Each adds one subcommand, which puts its work into `chosen` when it is on the command line.
 void addEditCommand(CLI::App& app, Command& chosen);
 void addInfoCommand(CLI::App& app, Command& chosen);
@@ -26,3 +29,4 @@ void addProcessCommand(CLI::App& app, Command& chosen);
 void addCleanCommand(CLI::App& app, Command& chosen);
 void addTracksCommand(CLI::App& app, Command& chosen);
 void addDoctorCommand(CLI::App& app, Command& chosen);
+void addJobsCommand(CLI::App& app, Command& chosen);

@@ -191,6 +191,8 @@ void addValues(Candidates& candidates, const Line& line, const CLI::Option& opti
         candidates.addFiles(mediaExtensions());
     } else if (type == "OUT") {
         candidates.addFiles();
+    } else if (type == "JOBS") {
+        candidates.addFiles({"json"});
     } else if (type == "ID") {
         addRequests(candidates, line.command->get_name() == "process");
     } else if (type == "ENCODER") {

@@ -84,9 +84,14 @@ bool Console::drawsProgress() const {
 }
 
 void Console::gatherResults() {
-    if (options_.json) {
+    if (options_.json && !gathered_) {
         gathered_ = std::make_unique<Json>(Json::array());
     }
+}
+
+Json Console::takeResults() {
+    const auto gathered = std::exchange(gathered_, nullptr);
+    return gathered ? *gathered : Json::array();
 }
 
 void Console::finish() {

@@ -29,6 +29,8 @@ class Console {
 
     /// From now on the results and failures of several jobs make one document, a list, for `finish` to write.
     void gatherResults();
+    /// Those that are gathered, which end here; an empty list without JSON.
+    nlohmann::ordered_json takeResults();
     void finish();
 
     /// The command's result: the document as JSON, else the text, which ends with its last line.

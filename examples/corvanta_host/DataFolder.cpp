@@ -31,7 +31,7 @@ std::optional<std::string> reasonAgainst(const fs::path& folder) {
         return canWrite ? std::nullopt : std::optional(std::strerror(errno));
     }
     // As much as a new store takes, and some more.
-    constexpr std::size_t bytes = 256 * 1024;
+    constexpr std::size_t bytes = 64UL * 1024;
     const fs::path probe = folder / fmt::format(".corvanta_host-{}", getpid());
     std::ofstream file(probe, std::ios::binary);
     file << std::string(bytes, '\0') << std::flush;

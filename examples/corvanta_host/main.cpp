@@ -52,6 +52,15 @@ int follow(const Command& command, const Console::Options& options, bool loggedO
 
 } // namespace
 
+void addCommands(CLI::App& app, Command& chosen) {
+    for (const auto add : {addInfoCommand, addThumbnailCommand, addContactSheetCommand, addJoinCommand,
+                           addCanConcatCommand, addConcatCommand, addMergeCommand, addEncodeCommand,
+                           addEditCommand, addCleanCommand, addTracksCommand, addRequestsCommand,
+                           addWatchCommand, addProcessCommand, addJobsCommand, addDoctorCommand}) {
+        add(app, chosen);
+    }
+}
+
 int main(int argumentCount, char** arguments) {
     CLI::App app("Inspects, joins and edits local video files with the CorvantaSdkVideo module.",
                  "corvanta_host");
@@ -68,12 +77,7 @@ int main(int argumentCount, char** arguments) {
     app.set_version_flag("--version", "corvanta_host " CORVANTA_VERSION);
 
     Command command;
-    for (const auto add :
-         {addInfoCommand, addThumbnailCommand, addContactSheetCommand, addJoinCommand, addCanConcatCommand,
-          addConcatCommand, addMergeCommand, addEncodeCommand, addEditCommand, addCleanCommand,
-          addTracksCommand, addRequestsCommand, addWatchCommand, addProcessCommand, addDoctorCommand}) {
-        add(app, command);
-    }
+    addCommands(app, command);
     app.add_subcommand("help", "Show this text, or that of a command");
     const auto tellUsage = [&](const std::string& reason) {
         // What CLI11 has not come to.

@@ -224,6 +224,19 @@ TEST(HostTest, WhatCannotBeFollowedIsToldInWords) {
         EXPECT_EQ(ended.output, "");
         EXPECT_THAT(ended.errors, HasSubstr(errors));
     }
+    for (const auto& [jobs, errors] : std::vector<std::pair<std::string, std::string>>{
+             {"{", "holds no JSON list of jobs"},
+             {R"([["clean", "a 1.mp4", "-o", "kept", "--force"], "clean"])",
+              "job 2: not a list of a command's"},
+             {R"([["clean", "a 1.mp4", "-o", "kept", "--force"], ["infos"]])",
+              R"(job 2: there is no command "infos")"},
+             {R"([["clean", "a 1.mp4", "-o", "kept", "--focre"]])", R"(do you mean "--force"?)"},
+             {R"([["watch"]])", "job 1: watch can't be one of several"}}) {
+        writeFile(directory.file("jobs.json"), jobs);
+        const HostRun ended = runHost({"jobs", "jobs.json"}, there);
+        EXPECT_EQ(ended.status, 2) << jobs;
+        EXPECT_THAT(ended.errors, HasSubstr(errors));
+    }
     EXPECT_EQ(runHost({"requests"}, there).output, "");
     for (const std::string name : {"a 1.mp4", "a 2.mp4", "a 3.mp4", "kept.mp4"}) {
         EXPECT_EQ(readFile(directory.file(name)), readFile(clip));

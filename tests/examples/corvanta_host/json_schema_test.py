@@ -69,6 +69,19 @@ with tempfile.TemporaryDirectory() as folder:
             validator = validator_of(name) if name else jsonschema.Draft202012Validator(schema)
             for fault in validator.iter_errors(document):
                 sys.exit(f"{arguments}: {fault.message} in {json.dumps(document, indent=2)}")
+    jobs = [
+        ["clean", "a.mp4", "none.mp4", "-o", "out/"],
+        ["join", "out/a.mp4", "out/a.mp4", "-o", "twice"],
+        ["can-concat", "a.mp4", "b.mkv"],
+        ["info", "twice.mp4"],
+    ]
+    with open("jobs.json", "w", encoding="utf-8") as file:
+        json.dump(jobs, file)
+    ended, told = run("jobs", "jobs.json")
+    validator_of("jobs").validate(told)
+    assert ended == 1 and [job["words"] for job in told] == jobs, told
+    assert [job["status"] for job in told] == [3, 0, 1, 0], told
+    assert len(told[0]["results"]) == 2 and 1900 < told[3]["results"][0][0]["durationMillis"] < 2200, told
     stored = run("requests", "--status", "idle")[1][0]["id"]
     for definition, document in [
         ("process", run("process", stored)[1]),
