@@ -61,42 +61,6 @@ std::vector<URL> inputPaths(const LocalVideoRequest& localRequest) {
     return paths;
 }
 
-std::optional<VideoMergeData> mergeData(const LocalVideoRequest& localRequest) {
-    auto data = decode<VideoMergeData::SerializableMergeData>(localRequest.rawData);
-    const auto rate = data ? CorvantaSdkVideoFrameRate::fromRawValue(data->framesRate) : std::nullopt;
-    if (!rate) {
-        return std::nullopt;
-    }
-    return VideoMergeData{.videos = inputPaths(localRequest),
-                          .width = data->width,
-                          .height = data->height,
-                          .framesRate = *rate,
-                          .videoTracks = std::move(data->videoTracks),
-                          .audioTracks = std::move(data->audioTracks),
-                          .encoding = std::move(data->encoding),
-                          .isJoin = data->isJoin};
-}
-
-VideoConcatData concatData(const LocalVideoRequest& localRequest) {
-    auto data = decode<VideoConcatData::SerializableConcatData>(localRequest.rawData);
-    return {inputPaths(localRequest), data ? std::move(data->joinExtension) : std::nullopt};
-}
-
-std::optional<VideoEncodingData> encodingData(const LocalVideoRequest& localRequest) {
-    auto data = decode<VideoEncodingData::SerializableEncodingData>(localRequest.rawData);
-    const auto rate = data ? CorvantaSdkVideoFrameRate::fromRawValue(data->framesRate) : std::nullopt;
-    if (!rate || localRequest.inputFiles.empty()) {
-        return std::nullopt;
-    }
-    return VideoEncodingData{.inputFileURL = localRequest.inputFiles.front().path,
-                             .width = data->width,
-                             .height = data->height,
-                             .videoTracks = std::move(data->videoTracks),
-                             .audioTracks = std::move(data->audioTracks),
-                             .framesRate = *rate,
-                             .encoding = std::move(data->encoding)};
-}
-
 // A row whose parameters don't decode gives a request without operation data, listed like any other.
 RequestPointer map(const LocalVideoRequest& localRequest, const Engines& engines) {
     using Type = CorvantaSdkVideoRequest::Type;
@@ -107,17 +71,20 @@ RequestPointer map(const LocalVideoRequest& localRequest, const Engines& engines
     std::optional<VideoConcatData> concat;
     switch (localRequest.type) {
     case LocalVideoRequest::OperationType::concat:
-        concat = concatData(localRequest);
+        concat = VideoConcatData::fromStored(inputPaths(localRequest), localRequest.rawData);
         break;
     case LocalVideoRequest::OperationType::merge:
         type = Type::merge;
         engine = engines.merge;
-        merge = mergeData(localRequest);
+        merge = VideoMergeData::fromStored(inputPaths(localRequest), localRequest.rawData);
         break;
     case LocalVideoRequest::OperationType::encode:
         type = Type::encode;
         engine = engines.encoding;
-        encoding = encodingData(localRequest);
+        if (!localRequest.inputFiles.empty()) {
+            encoding =
+                VideoEncodingData::fromStored(localRequest.inputFiles.front().path, localRequest.rawData);
+        }
         break;
     }
     return std::make_shared<CorvantaSdkVideoRequest>(

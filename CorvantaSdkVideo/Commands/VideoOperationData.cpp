@@ -197,6 +197,7 @@ void read(const json& object, VideoEncodingData::SerializableEncodingData& data)
     readStoredForm(object, data);
 }
 
+// All that merges and encodes have in common, one way and back.
 template <typename Serializable, typename Data>
 Serializable serialized(const Data& data) {
     return {data.width,
@@ -205,6 +206,22 @@ Serializable serialized(const Data& data) {
             data.audioTracks,
             std::string(data.framesRate.rawValue()),
             data.encoding};
+}
+
+// False for a rate that there is none of.
+template <typename Data, typename Serializable>
+bool restore(Serializable stored, Data& data) {
+    const auto rate = CorvantaSdkVideoFrameRate::fromRawValue(stored.framesRate);
+    if (!rate) {
+        return false;
+    }
+    data.width = stored.width;
+    data.height = stored.height;
+    data.videoTracks = std::move(stored.videoTracks);
+    data.audioTracks = std::move(stored.audioTracks);
+    data.framesRate = *rate;
+    data.encoding = std::move(stored.encoding);
+    return true;
 }
 
 } // namespace
@@ -257,5 +274,32 @@ template std::optional<std::string> jsonRepresentation(const VideoMergeData::Ser
 template std::optional<VideoMergeData::SerializableMergeData> decode(const std::optional<std::string>&);
 template std::optional<std::string> jsonRepresentation(const VideoEncodingData::SerializableEncodingData&);
 template std::optional<VideoEncodingData::SerializableEncodingData> decode(const std::optional<std::string>&);
+
+VideoConcatData VideoConcatData::fromStored(std::vector<URL> videos, const std::optional<std::string>& json) {
+    auto stored = decode<SerializableConcatData>(json);
+    return {std::move(videos), stored ? std::move(stored->joinExtension) : std::nullopt};
+}
+
+std::optional<VideoMergeData> VideoMergeData::fromStored(std::vector<URL> videos,
+                                                         const std::optional<std::string>& json) {
+    const auto stored = decode<SerializableMergeData>(json);
+    VideoMergeData data;
+    if (!stored || !restore(*stored, data)) {
+        return std::nullopt;
+    }
+    data.videos = std::move(videos);
+    data.isJoin = stored->isJoin;
+    return data;
+}
+
+std::optional<VideoEncodingData> VideoEncodingData::fromStored(URL inputFile,
+                                                               const std::optional<std::string>& json) {
+    const auto stored = decode<SerializableEncodingData>(json);
+    VideoEncodingData data{.inputFileURL = std::move(inputFile)};
+    if (!stored || !restore(*stored, data)) {
+        return std::nullopt;
+    }
+    return data;
+}
 
 } // namespace corvanta

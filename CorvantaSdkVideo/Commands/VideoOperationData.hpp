@@ -26,6 +26,8 @@ struct VideoConcatData {
     std::optional<std::string> joinExtension = {};
 
     SerializableConcatData serializable() const { return {joinExtension}; }
+    /// From the JSON text of the stored form; one that can't be read is no join's.
+    static VideoConcatData fromStored(std::vector<URL> videos, const std::optional<std::string>& json);
 };
 
 /// What a merge joins, and how.
@@ -56,6 +58,9 @@ struct VideoMergeData {
     bool isJoin = false;
 
     SerializableMergeData serializable() const;
+    /// From the JSON text of the stored form; nothing if it can't be read.
+    static std::optional<VideoMergeData> fromStored(std::vector<URL> videos,
+                                                    const std::optional<std::string>& json);
 
     friend bool operator==(const VideoMergeData&, const VideoMergeData&) = default;
 };
@@ -75,16 +80,18 @@ struct VideoEncodingData {
 
     URL inputFileURL;
     /// Pixels.
-    std::optional<double> width;
-    std::optional<double> height;
+    std::optional<double> width = {};
+    std::optional<double> height = {};
     /// Empty: every video track of the file.
-    std::vector<CorvantaSdkVideoEncodeVideoEntry> videoTracks;
+    std::vector<CorvantaSdkVideoEncodeVideoEntry> videoTracks = {};
     /// Stream indexes. Empty: every audio track of the file.
-    std::vector<std::int64_t> audioTracks;
+    std::vector<std::int64_t> audioTracks = {};
     CorvantaSdkVideoFrameRate framesRate = CorvantaSdkVideoFrameRate::thirtyFps;
     std::optional<CorvantaSdkVideoEncoding> encoding = {};
 
     SerializableEncodingData serializable() const;
+    /// From the JSON text of the stored form; nothing if it can't be read.
+    static std::optional<VideoEncodingData> fromStored(URL inputFile, const std::optional<std::string>& json);
 };
 
 /// The JSON text of a stored form or of a track record. Absent for a number that isn't finite and for a text

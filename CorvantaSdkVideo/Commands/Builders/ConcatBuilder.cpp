@@ -3,7 +3,6 @@
 #include <CorvantaSdkVideo/Commands/Builders/RequestSaving.hpp>
 #include <CorvantaSdkVideo/Shared/FileURLs.hpp>
 
-#include <chrono>
 #include <utility>
 
 namespace corvanta {
@@ -17,10 +16,7 @@ ConcatBuilder::ConcatBuilder(std::vector<CorvantaSdkVideoFile> videos_,
 
 std::shared_ptr<CorvantaSdkVideoRequest> ConcatBuilder::build() const {
     const VideoConcatData data{urls(videos)};
-    auto request = std::make_shared<CorvantaSdkVideoRequest>(
-        id, CorvantaSdkVideoRequest::Type::concat, CorvantaSdkVideoRequest::Status::idle, output,
-        std::chrono::system_clock::now(), std::chrono::system_clock::now(), std::nullopt, std::nullopt, data,
-        std::nullopt, std::nullopt, engine);
+    auto request = newRequest(id, output, data, engine);
     // Without a video there is no extension, and so no place to store.
     if (!videos.empty()) {
         const StoredOperation operation{.type = LocalVideoRequest::OperationType::concat,

@@ -2,7 +2,6 @@
 
 #include <CorvantaSdkVideo/Commands/Builders/RequestSaving.hpp>
 
-#include <chrono>
 #include <utility>
 
 namespace corvanta {
@@ -21,10 +20,7 @@ std::shared_ptr<CorvantaSdkVideoRequest> EncodingBuilder::build() const {
                                  .audioTracks = audioTracks,
                                  .framesRate = framesRate,
                                  .encoding = encoding};
-    auto request = std::make_shared<CorvantaSdkVideoRequest>(
-        id, CorvantaSdkVideoRequest::Type::encode, CorvantaSdkVideoRequest::Status::idle, output,
-        std::chrono::system_clock::now(), std::chrono::system_clock::now(), data, std::nullopt, std::nullopt,
-        std::nullopt, std::nullopt, engine);
+    auto request = newRequest(id, output, data, engine);
     const StoredOperation operation{.type = LocalVideoRequest::OperationType::encode,
                                     .fileExtension = "mp4",
                                     .inputFiles = {data.inputFileURL},

@@ -4,7 +4,6 @@
 #include <CorvantaSdkVideo/Commands/Join/JoinInspector.hpp>
 #include <CorvantaSdkVideo/Shared/FileURLs.hpp>
 
-#include <chrono>
 #include <utility>
 
 namespace corvanta {
@@ -44,33 +43,32 @@ Task<CorvantaSdkVideoJoinInspection> JoinBuilder::inspect() const {
 }
 
 RequestPointer JoinBuilder::build(const CorvantaSdkVideoJoinInspection& inspection) const {
-    using Type = CorvantaSdkVideoRequest::Type;
     const bool copies = inspection.way == CorvantaSdkVideoJoinWay::copied;
-    std::optional<VideoConcatData> concat;
-    std::optional<VideoMergeData> merge;
+    OperationData data;
+    std::optional<std::string> rawData;
     if (copies) {
-        concat = VideoConcatData{urls(videos), inspection.fileExtension};
+        const VideoConcatData concat{urls(videos), inspection.fileExtension};
+        rawData = jsonRepresentation(concat.serializable());
+        data = concat;
     } else {
-        merge = VideoMergeData{.videos = urls(videos),
-                               .width = pixels(inspection.width),
-                               .height = pixels(inspection.height),
-                               .framesRate = inspection.framesRate,
-                               .videoTracks = {},
-                               .audioTracks = {},
-                               .encoding = inspection.encoding,
-                               .isJoin = true};
+        const VideoMergeData merge{.videos = urls(videos),
+                                   .width = pixels(inspection.width),
+                                   .height = pixels(inspection.height),
+                                   .framesRate = inspection.framesRate,
+                                   .videoTracks = {},
+                                   .audioTracks = {},
+                                   .encoding = inspection.encoding,
+                                   .isJoin = true};
+        rawData = jsonRepresentation(merge.serializable());
+        data = merge;
     }
-    auto request = std::make_shared<CorvantaSdkVideoRequest>(
-        id, copies ? Type::concat : Type::merge, CorvantaSdkVideoRequest::Status::idle, output,
-        std::chrono::system_clock::now(), std::chrono::system_clock::now(), std::nullopt, merge, concat,
-        std::nullopt, std::nullopt, copies ? concatEngine : mergeEngine);
+    auto request = newRequest(id, output, data, copies ? concatEngine : mergeEngine);
     if (!videos.empty()) {
         using Stored = LocalVideoRequest::OperationType;
         const StoredOperation operation{.type = copies ? Stored::concat : Stored::merge,
                                         .fileExtension = inspection.fileExtension,
                                         .inputFiles = urls(videos),
-                                        .rawData = copies ? jsonRepresentation(concat->serializable())
-                                                          : jsonRepresentation(merge->serializable()),
+                                        .rawData = std::move(rawData),
                                         .placeholder = copies};
         saveRequest(*request, operation, *store);
     }

@@ -3,7 +3,6 @@
 #include <CorvantaSdkVideo/Commands/Builders/RequestSaving.hpp>
 #include <CorvantaSdkVideo/Shared/FileURLs.hpp>
 
-#include <chrono>
 #include <utility>
 
 namespace corvanta {
@@ -22,10 +21,7 @@ std::shared_ptr<CorvantaSdkVideoRequest> MergeBuilder::build() const {
                               .videoTracks = videoTracks,
                               .audioTracks = audioTracks,
                               .encoding = encoding};
-    auto request = std::make_shared<CorvantaSdkVideoRequest>(
-        id, CorvantaSdkVideoRequest::Type::merge, CorvantaSdkVideoRequest::Status::idle, output,
-        std::chrono::system_clock::now(), std::chrono::system_clock::now(), std::nullopt, data, std::nullopt,
-        std::nullopt, std::nullopt, engine);
+    auto request = newRequest(id, output, data, engine);
     const StoredOperation operation{.type = LocalVideoRequest::OperationType::merge,
                                     .fileExtension = "mp4",
                                     .inputFiles = data.videos,

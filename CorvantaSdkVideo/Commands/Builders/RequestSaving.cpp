@@ -6,8 +6,10 @@
 #include <platform/FileManager.hpp>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <exception>
+#include <utility>
 
 namespace corvanta {
 
@@ -28,7 +30,27 @@ std::vector<LocalVideoRequestFile> indexed(const std::vector<URL>& files) {
     return inputFiles;
 }
 
+template <typename Data>
+std::optional<Data> only(const OperationData& data) {
+    const Data* const held = std::get_if<Data>(&data);
+    return held != nullptr ? std::optional(*held) : std::nullopt;
+}
+
 } // namespace
+
+std::shared_ptr<CorvantaSdkVideoRequest> newRequest(const UUID& id,
+                                                    const CorvantaSdkVideoFileDescriptor& output,
+                                                    const OperationData& data,
+                                                    std::shared_ptr<CorvantaSdkVideoRequestEngine> engine) {
+    using Type = CorvantaSdkVideoRequest::Type;
+    // In the variant's order.
+    constexpr std::array types{Type::encode, Type::merge, Type::concat};
+    return std::make_shared<CorvantaSdkVideoRequest>(
+        id, types[data.index()], CorvantaSdkVideoRequest::Status::idle, output,
+        std::chrono::system_clock::now(), std::chrono::system_clock::now(), only<VideoEncodingData>(data),
+        only<VideoMergeData>(data), only<VideoConcatData>(data), std::nullopt, std::nullopt,
+        std::move(engine));
+}
 
 void saveRequest(const CorvantaSdkVideoRequest& request, const StoredOperation& operation,
                  VideoStore& store) {

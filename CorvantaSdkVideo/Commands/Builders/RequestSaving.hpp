@@ -4,9 +4,10 @@
 #include <CorvantaSdkVideo/Store/LocalVideoRequest.hpp>
 #include <CorvantaSdkVideo/Store/VideoStore.hpp>
 
+#include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
+#include <variant>
 #include <vector>
 
 namespace corvanta {
@@ -20,6 +21,15 @@ struct StoredOperation {
     /// Whether an empty file stands at the output during the insertion, for the store to take a bookmark of.
     bool placeholder = false;
 };
+
+/// What a new request does; which of them it is tells its type.
+using OperationData = std::variant<VideoEncodingData, VideoMergeData, VideoConcatData>;
+
+/// A request as it is before it has been stored.
+std::shared_ptr<CorvantaSdkVideoRequest> newRequest(const UUID& id,
+                                                    const CorvantaSdkVideoFileDescriptor& output,
+                                                    const OperationData& data,
+                                                    std::shared_ptr<CorvantaSdkVideoRequestEngine> engine);
 
 /// Stores a newly built request as `idle` and leaves its output location empty. Reports nothing: a request
 /// that could not be stored shows it when it is processed.

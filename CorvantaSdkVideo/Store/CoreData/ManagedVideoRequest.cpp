@@ -72,6 +72,27 @@ std::optional<std::string_view> optionalBytes(const SQLite::Column& column) {
     return column.isNull() ? std::nullopt : std::optional(bytes(column));
 }
 
+// What the query below gives, in its order.
+namespace joined {
+enum Column {
+    primaryKey,
+    id,
+    status,
+    outputPath,
+    outputBookmark,
+    type,
+    rawData,
+    processId,
+    error,
+    createdAt,
+    updatedAt,
+    fileIndex,
+    filePath,
+    filePathBookmark,
+    count
+};
+} // namespace joined
+
 // The requests that fit `predicate`, which has at most one parameter, each with its input files.
 std::string joinedQuery(const std::string& predicate) {
     return R"(SELECT r.primaryKey, r.id, r.status, r.outputPath, r.outputBookmark, r.type, r.rawData,
@@ -86,28 +107,31 @@ std::array<SQLite::Column, sizeof...(Number)> columnsOf(const SQLite::Statement&
     return {statement.getColumn(Number)...};
 }
 
-std::vector<LocalVideoRequest> readRecords(SQLite::Statement& joined, FileBookmarkResolver& bookmarks) {
-    if (!joined.executeStep()) {
+std::vector<LocalVideoRequest> readRecords(SQLite::Statement& query, FileBookmarkResolver& bookmarks) {
+    if (!query.executeStep()) {
         return {};
     }
     // A column gives the value of the row that the statement is at, so one of each serves all rows.
-    const auto column = columnsOf(joined, std::make_integer_sequence<int, 14>());
+    const auto column = columnsOf(query, std::make_integer_sequence<int, joined::count>());
     RecordCollector records(bookmarks);
     std::optional<RowKey> last;
     do {
-        const RowKey key = column[0].getInt64();
+        const RowKey key = column[joined::primaryKey].getInt64();
         if (key != last) {
             last = key;
             records.add(ManagedVideoRequest{
-                bytes(column[1]), column[2].getInt64(), bytes(column[3]), optionalBytes(column[4]),
-                bytes(column[5]), optionalBytes(column[6]), optionalBytes(column[7]),
-                optionalBytes(column[8]), column[9].getInt64(), column[10].getInt64()});
+                bytes(column[joined::id]), column[joined::status].getInt64(),
+                bytes(column[joined::outputPath]), optionalBytes(column[joined::outputBookmark]),
+                bytes(column[joined::type]), optionalBytes(column[joined::rawData]),
+                optionalBytes(column[joined::processId]), optionalBytes(column[joined::error]),
+                column[joined::createdAt].getInt64(), column[joined::updatedAt].getInt64()});
         }
-        if (!column[11].isNull()) {
-            records.add(ManagedVideoRequestInputFile{bytes(column[12]), column[11].getInt64(),
-                                                     optionalBytes(column[13])});
+        if (!column[joined::fileIndex].isNull()) {
+            records.add(ManagedVideoRequestInputFile{bytes(column[joined::filePath]),
+                                                     column[joined::fileIndex].getInt64(),
+                                                     optionalBytes(column[joined::filePathBookmark])});
         }
-    } while (joined.executeStep());
+    } while (query.executeStep());
     return records.take();
 }
 
@@ -115,9 +139,9 @@ template <typename... Parameter>
 std::vector<LocalVideoRequest> fetchRecords(ManagedObjectContext& context, const std::string& sql,
                                             const Parameter&... parameter) {
     return context.fetch([&] {
-        StatementUse joined(context.statement(sql));
-        (joined->bind(1, parameter), ...);
-        return readRecords(*joined, context.bookmarks());
+        StatementUse query(context.statement(sql));
+        (query->bind(1, parameter), ...);
+        return readRecords(*query, context.bookmarks());
     });
 }
 
