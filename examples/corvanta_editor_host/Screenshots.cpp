@@ -1,6 +1,6 @@
 #include "Screenshots.hpp"
 
-#include "ResultWindow.hpp"
+#include "HostWindow.hpp"
 
 #include <CorvantaSdkVideo/CorvantaSdkVideo.hpp>
 #include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorViewModel.hpp>
@@ -14,6 +14,7 @@
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
+#include <QRasterWindow>
 #include <QTemporaryDir>
 #include <QTimer>
 
@@ -60,6 +61,12 @@ QVariant propertyOf(const QObject& owner, const char* part, const char* property
     return object != nullptr ? object->property(property) : QVariant();
 }
 
+void save(const QImage& picture, const QString& file) {
+    if (!picture.save(file)) {
+        throw std::runtime_error("Can't write " + file.toStdString());
+    }
+}
+
 /// An editor in a window.
 class Scene {
   public:
@@ -104,11 +111,7 @@ class Scene {
         }
     }
 
-    void write(const QString& file) const {
-        if (!window_.grabWindow().save(file)) {
-            throw std::runtime_error("Can't write " + file.toStdString());
-        }
-    }
+    void write(const QString& file) const { save(window_.grabWindow(), file); }
 
     void waitForEdit() const {
         waitUntil([this] { return !model_ || !model_->isTrimming(); });
@@ -148,7 +151,7 @@ class Stage {
     /// `act` returns.
     void show(const char* name, const Act& act) const {
         QTemporaryDir outputs;
-        ResultWindow presenter{QString()};
+        QRasterWindow presenter;
         presenter.resize(size_);
         presenter.show();
         presentCorvantaSdkVideoEditorView(&presenter, input(), outputIn(outputs), {});
@@ -159,6 +162,13 @@ class Stage {
             }
         }
         shoot(name, *editor, act, outputs);
+    }
+
+    /// The host's own window, as it waits for a video.
+    void showHost(const char* name) const {
+        HostWindow window({video_});
+        window.resize(size_);
+        save(window.grab().toImage(), fileOf(name));
     }
 
     /// The same by the QML module, on a layout for a host's orientation, if there is one.
@@ -197,11 +207,15 @@ class Stage {
             parseablePath(outputs.filePath(QStringLiteral("edited")).toStdString()));
     }
 
+    QString fileOf(const char* name) const {
+        return QDir(directory_).filePath(QString::fromLatin1(name) + QStringLiteral(".png"));
+    }
+
     void shoot(const char* name, QQuickWindow& window, const Act& act, QTemporaryDir& outputs,
                OrientationManager* orientation = nullptr) const {
         const Scene scene(window, orientation);
         act(scene, outputs);
-        scene.write(QDir(directory_).filePath(QString::fromLatin1(name) + QStringLiteral(".png")));
+        scene.write(fileOf(name));
         scene.waitForEdit();
     }
 
@@ -247,6 +261,7 @@ void writeScreenshots(const QString& video, const QString& directory, QSize size
         throw std::runtime_error("Can't make " + directory.toStdString());
     }
     const Stage stage(video, directory, size);
+    stage.showHost("host");
     const Act untouched = [](const Scene&, QTemporaryDir&) {};
     const Act trimmed = [](const Scene& scene, QTemporaryDir&) { trim(scene); };
     stage.show("untouched", untouched);

@@ -1,13 +1,15 @@
-#include "ResultWindow.hpp"
+#include "HostWindow.hpp"
+#include "RecentVideos.hpp"
 #include "Screenshots.hpp"
+#include "VideoFiles.hpp"
 
 #include <CorvantaSdkVideo/CorvantaSdkVideo.hpp>
-#include <CorvantaSdkVideo/Editor/Presentation/PresentCorvantaSdkVideoEditorView.hpp>
 
+#include <QApplication>
 #include <QCommandLineParser>
-#include <QDir>
 #include <QFileInfo>
-#include <QGuiApplication>
+#include <QIcon>
+#include <QTimer>
 
 #include <algorithm>
 #include <cstdio>
@@ -41,46 +43,25 @@ QSize sizeOf(const QString& text) {
     return sides.size() == 2 ? QSize(sides[0].toInt(), sides[1].toInt()) : QSize();
 }
 
-/// Why a file can't be edited; empty if it can.
-std::string reasonAgainst(const QString& file) {
-    const QFileInfo info(file);
-    if (info.isDir()) {
-        return file.toStdString() + " is a folder";
-    }
-    if (!info.exists()) {
-        return "There is no file " + file.toStdString();
-    }
-    const CorvantaSdkVideoFile video(URL::fromFilePath(info.absoluteFilePath().toStdString()));
-    try {
-        const auto information = runBlocking(CorvantaSdkVideo->getVideosInformation({video}));
-        return information.front().videos.empty() ? "There is no picture in " + file.toStdString() : "";
-    } catch (const std::exception&) {
-        return file.toStdString() + " can't be read as a video";
-    }
-}
-
 /// The path without the extension that the edited file gets anyway.
 QString withoutExtension(const QString& path) {
     const QString added = QStringLiteral(".mp4");
     return path.endsWith(added, Qt::CaseInsensitive) ? path.chopped(added.size()) : path;
 }
 
-int edit(const QString& video, const CorvantaSdkVideoFileDescriptor& output, QSize size) {
-    ResultWindow window(QString{});
+/// Opens the window: on a video if there is one, else with a question for it.
+int show(const QStringList& files, QSize size, bool offersRecent) {
+    HostWindow window(offersRecent ? recentVideos() : QStringList());
     window.resize(size);
     window.show();
-    presentCorvantaSdkVideoEditorView(&window, CorvantaSdkVideoFile(URL::fromFilePath(video.toStdString())),
-                                      output, [&window](const CorvantaSdkVideoEditorResult& result) {
-                                          if (!result.editedVideoURL) {
-                                              window.setText(QStringLiteral("Left without an edit"));
-                                              return;
-                                          }
-                                          const std::string path = result.editedVideoURL->path();
-                                          std::printf("%s\n", path.c_str());
-                                          std::fflush(stdout);
-                                          window.setText(QString::fromStdString(path));
-                                      });
-    return QGuiApplication::exec();
+    if (files.isEmpty()) {
+        // Once it has its place on the screen, which the dialog takes its own from.
+        QTimer::singleShot(0, &window, &HostWindow::choose);
+    } else {
+        window.edit(files[0], files.size() > 1 ? QFileInfo(withoutExtension(files[1])).absoluteFilePath()
+                                               : placeForEdit(files[0]));
+    }
+    return QApplication::exec();
 }
 
 } // namespace
@@ -91,7 +72,11 @@ int main(int argumentCount, char** arguments) {
     if (std::any_of(arguments, arguments + argumentCount, isScreenshot)) {
         setenv("QT_QPA_PLATFORM", "offscreen", 0);
     }
-    const QGuiApplication application(argumentCount, arguments);
+    QApplication::setApplicationName(QStringLiteral("corvanta_editor_host"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Corvanta editor"));
+    QApplication::setDesktopFileName(QStringLiteral("com.corvanta.editor_host"));
+    const QApplication application(argumentCount, arguments);
+    QApplication::setWindowIcon(QIcon::fromTheme(QApplication::desktopFileName()));
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Opens the editor on a video file."));
     parser.addHelpOption();
@@ -103,16 +88,21 @@ int main(int argumentCount, char** arguments) {
                                         QStringLiteral("Size of the window in points."),
                                         QStringLiteral("WxH"), QStringLiteral("390x844"));
     const QCommandLineOption loggedOut(QStringLiteral("logged-out"), QStringLiteral("Nobody is logged in."));
-    parser.addOptions({screenshot, windowSize, loggedOut});
-    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("Video file."));
+    const QCommandLineOption noRecent(
+        QStringLiteral("no-recent"),
+        QStringLiteral("Don't offer the videos in the desktop's list of recently used files."));
+    parser.addOptions({screenshot, windowSize, noRecent, loggedOut});
+    parser.addPositionalArgument(QStringLiteral("FILE"),
+                                 QStringLiteral("Video file; without one the window asks for it."),
+                                 QStringLiteral("[FILE"));
     parser.addPositionalArgument(QStringLiteral("OUT"),
                                  QStringLiteral("Where to write the mp4 file, with or without extension."),
-                                 QStringLiteral("[OUT]"));
+                                 QStringLiteral("[OUT]]"));
     parser.process(application);
 
     const QStringList files = parser.positionalArguments();
     const QSize size = sizeOf(parser.value(windowSize));
-    if (files.isEmpty() || files.size() > 2 || size.isEmpty()) {
+    if (files.size() > 2 || size.isEmpty() || (files.isEmpty() && parser.isSet(screenshot))) {
         parser.showHelp(EXIT_FAILURE);
     }
     FFmpegKitConfig::setLogLevel("error");
@@ -121,7 +111,7 @@ int main(int argumentCount, char** arguments) {
     FFmpegKitConfig::setRunLimits(recommendedRunLimits());
     SharedCorvantaSdkCommonKt::sdk_common().setLog(std::make_shared<ErrorLog>());
     SharedCorvantaSdkCommonKt::sdk_common().setAuth(std::make_shared<SharedCorvantaSdkFixedAuth>(true));
-    if (const std::string reason = reasonAgainst(files[0]); !reason.empty()) {
+    if (const std::string reason = files.isEmpty() ? "" : reasonAgainst(files[0]); !reason.empty()) {
         return fail(reason);
     }
     if (parser.isSet(loggedOut)) {
@@ -132,13 +122,7 @@ int main(int argumentCount, char** arguments) {
             writeScreenshots(files[0], parser.value(screenshot), size);
             return EXIT_SUCCESS;
         }
-        const QFileInfo input(files[0]);
-        const QString output =
-            files.size() > 1
-                ? QFileInfo(withoutExtension(files[1])).absoluteFilePath()
-                : input.absoluteDir().filePath(input.completeBaseName() + QStringLiteral("-edited"));
-        return edit(files[0], CorvantaSdkVideoFileDescriptor::custom(parseablePath(output.toStdString())),
-                    size);
+        return show(files, size, !parser.isSet(noRecent));
     } catch (const std::exception& error) {
         return fail(error.what());
     }
