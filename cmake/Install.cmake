@@ -1,12 +1,16 @@
-# What `cmake --install` writes, by component:
-#   runtime             the libraries that a built host loads, and the module's version
+# What `cmake --install` writes, by component; debian/rules tells which package takes it:
+#   audio               the audio library
+#   audio_development   its header and pkg-config file
 #   models              the noise model
-#   development         headers, CMake package and pkg-config files of the module and the audio library
-#   editor              the editor's library and QML module
+#   runtime             the module's library; needs audio
+#   data                the module's version, which stands in its log records
+#   development         headers, CMake package and pkg-config file of the module; needs audio_development
+#   editor              the editor's library
+#   editor_qml          its QML module
 #   editor_development  its headers, CMake targets and pkg-config file
 #   ladspa              the audio library's LADSPA plugin; CORVANTA_INSTALL_LADSPADIR is its folder
 #   python              the audio library's Python module, where Debian's interpreters look under /usr
-#   examples            the example programs and their sources
+#   examples            the terminal host, the window host with its desktop entry, and the sources of all examples
 # The prefix may be moved: nothing that is installed knows its own place.
 include(CMakePackageConfigHelpers)
 
@@ -14,7 +18,7 @@ set(CORVANTA_INSTALL_INCLUDEDIR ${CMAKE_INSTALL_INCLUDEDIR}/corvanta-sdk-video)
 set(CORVANTA_INSTALL_DATADIR share/corvanta-sdk-video) # where platform/Bundle.cpp looks
 set(CORVANTA_INSTALL_CMAKEDIR ${CMAKE_INSTALL_LIBDIR}/cmake/CorvantaSdkVideo)
 set(CORVANTA_INSTALL_PKGCONFIGDIR ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-set(CORVANTA_INSTALL_EXAMPLESDIR share/doc/corvanta-sdk-video/examples)
+set(CORVANTA_INSTALL_EXAMPLESDIR share/doc/corvanta-sdk-video/examples CACHE STRING "Folder for the examples' sources")
 
 # corvanta_install_library(TARGET EXPORT_SET RUNTIME_COMPONENT DEVELOPMENT_COMPONENT INCLUDE_DIRECTORY)
 function(corvanta_install_library TARGET EXPORT_SET RUNTIME DEVELOPMENT INCLUDEDIR)
@@ -44,10 +48,10 @@ function(corvanta_install_targets_file EXPORT_SET COMPONENT)
         DESTINATION ${CORVANTA_INSTALL_CMAKEDIR} COMPONENT ${COMPONENT})
 endfunction()
 
-corvanta_install_library(talvo_audio CorvantaSdkVideoTargets runtime development ${CMAKE_INSTALL_INCLUDEDIR})
+corvanta_install_library(talvo_audio CorvantaSdkVideoTargets audio audio_development ${CMAKE_INSTALL_INCLUDEDIR})
 corvanta_install_library(corvanta_sdk_video CorvantaSdkVideoTargets runtime development ${CORVANTA_INSTALL_INCLUDEDIR})
-install(FILES resources/version.properties DESTINATION ${CORVANTA_INSTALL_DATADIR} COMPONENT runtime)
 install(FILES resources/c6.f.s.ced125.tw DESTINATION ${CORVANTA_INSTALL_DATADIR} COMPONENT models)
+install(FILES resources/version.properties DESTINATION ${CORVANTA_INSTALL_DATADIR} COMPONENT data)
 
 if(CORVANTA_BUILD_LADSPA)
     if(NOT DEFINED CORVANTA_INSTALL_LADSPADIR)
@@ -87,7 +91,7 @@ install(FILES
     ${PROJECT_BINARY_DIR}/package/CorvantaSdkVideoConfigVersion.cmake
     DESTINATION ${CORVANTA_INSTALL_CMAKEDIR} COMPONENT development)
 corvanta_install_targets_file(CorvantaSdkVideoTargets development)
-corvanta_install_pkgconfig(talvo_audio development)
+corvanta_install_pkgconfig(talvo_audio audio_development)
 corvanta_install_pkgconfig(corvanta-sdk-video development)
 
 if(CORVANTA_BUILD_EDITOR)
@@ -100,16 +104,21 @@ if(CORVANTA_BUILD_EDITOR)
     file(RELATIVE_PATH up /${CORVANTA_INSTALL_QMLDIR}/CorvantaSdkVideo/Editor /${CMAKE_INSTALL_LIBDIR})
     set_target_properties(${module} PROPERTIES INSTALL_RPATH "$ORIGIN/${up}")
     install(TARGETS ${module}
-        LIBRARY DESTINATION ${CORVANTA_INSTALL_QMLDIR}/CorvantaSdkVideo/Editor COMPONENT editor)
+        LIBRARY DESTINATION ${CORVANTA_INSTALL_QMLDIR}/CorvantaSdkVideo/Editor COMPONENT editor_qml)
     get_target_property(directory corvanta_sdk_video_editor QT_QML_MODULE_OUTPUT_DIRECTORY)
     install(FILES ${directory}/qmldir ${directory}/corvanta_sdk_video_editor.qmltypes
-        DESTINATION ${CORVANTA_INSTALL_QMLDIR}/CorvantaSdkVideo/Editor COMPONENT editor)
+        DESTINATION ${CORVANTA_INSTALL_QMLDIR}/CorvantaSdkVideo/Editor COMPONENT editor_qml)
 endif()
 
 if(CORVANTA_BUILD_EXAMPLES)
-    set(programs clean_pcm corvanta_host)
+    set(programs corvanta_host)
     if(TARGET corvanta_editor_host)
         list(APPEND programs corvanta_editor_host)
+        set(desktop examples/corvanta_editor_host/desktop/com.corvanta.editor_host)
+        install(FILES ${desktop}.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications COMPONENT examples)
+        install(FILES ${desktop}.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo COMPONENT examples)
+        install(FILES ${desktop}.svg
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps COMPONENT examples)
     endif()
     set_target_properties(${programs} PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
     install(TARGETS ${programs} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT examples)

@@ -137,7 +137,7 @@ TEST_F(HostWindowTest, OpensWhatIsChosenAndForgetsIt) {
     QMetaObject::invokeMethod(dialog, "accept");
     leaveEditor();
     host_.choose(); // The first one goes, and would leave its folders.
-    EXPECT_FALSE(fs::exists(folders_.file("config")));
+    EXPECT_FALSE(fs::exists(folders_.file("config/QtProject.conf")));
 }
 
 TEST_F(HostWindowTest, WritesBesideTheVideoOverNothing) {
