@@ -30,24 +30,24 @@ constexpr int errorDescriptor = 4;
     throw std::system_error(error, std::generic_category(), what);
 }
 
-FileDescriptor checked(int descriptor, const char* what) {
+UniqueFd checked(int descriptor, const char* what) {
     if (descriptor < 0) {
         fail(errno, what);
     }
-    return FileDescriptor(descriptor);
+    return UniqueFd(descriptor);
 }
 
 // A host that has closed its standard descriptors would otherwise hand out one of the numbers that the
 // child's pipes are copied to.
-FileDescriptor aboveTargets(FileDescriptor descriptor) {
+UniqueFd aboveTargets(UniqueFd descriptor) {
     return descriptor.get() > errorDescriptor
                ? std::move(descriptor)
                : checked(fcntl(descriptor.get(), F_DUPFD_CLOEXEC, errorDescriptor + 1), "fcntl");
 }
 
 struct Pipe {
-    FileDescriptor readEnd;
-    FileDescriptor writeEnd;
+    UniqueFd readEnd;
+    UniqueFd writeEnd;
 };
 
 Pipe makePipe() {
@@ -55,17 +55,17 @@ Pipe makePipe() {
     if (pipe2(ends.data(), O_CLOEXEC) != 0) {
         fail(errno, "pipe");
     }
-    Pipe made{FileDescriptor(ends[0]), FileDescriptor(ends[1])};
+    Pipe made{UniqueFd(ends[0]), UniqueFd(ends[1])};
     made.writeEnd = aboveTargets(std::move(made.writeEnd));
     return made;
 }
 
-FileDescriptor inputOf(const std::string& bytes) {
+UniqueFd inputOf(const std::string& bytes) {
     if (bytes.empty()) {
         return checked(open("/dev/null", O_RDONLY | O_CLOEXEC), "/dev/null");
     }
     // In memory, whole before the program starts: nobody has to feed it, and nothing stays behind.
-    FileDescriptor input = checked(memfd_create("input", MFD_CLOEXEC), "memfd_create");
+    UniqueFd input = checked(memfd_create("input", MFD_CLOEXEC), "memfd_create");
     for (std::size_t written = 0; written < bytes.size();) {
         const ssize_t count = write(input.get(), bytes.data() + written, bytes.size() - written);
         if (count < 0 && errno != EINTR) {
@@ -163,7 +163,7 @@ bool lower(__rlimit_resource resource, const std::optional<std::uint64_t>& bytes
 // Waits until the child has become the program; gives 0 then, else what kept it from that. Where vfork is
 // real the child has decided by now: the patience is for tools that put fork in its place, its end for a host
 // that forked meanwhile and so holds the pipe open.
-int startError(const FileDescriptor& source) {
+int startError(const UniqueFd& source) {
     constexpr int patienceMillis = 1000;
     pollfd decided{source.get(), POLLIN, 0};
     int error = 0;
@@ -186,7 +186,7 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
     }
     argv.push_back(nullptr);
 
-    const FileDescriptor input = aboveTargets(inputOf(options.input));
+    const UniqueFd input = aboveTargets(inputOf(options.input));
     Pipe output = makePipe();
     Pipe log = makePipe();
     Pipe statistics = makePipe();
@@ -205,9 +205,9 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
     }
     pid_ = child;
     // Called by number: the C library of Debian 12 declares its wrapper for C alone.
-    exited = FileDescriptor(static_cast<int>(syscall(SYS_pidfd_open, child, 0)));
+    exited = UniqueFd(static_cast<int>(syscall(SYS_pidfd_open, child, 0)));
     const int noHandle = exited.get() < 0 ? errno : 0;
-    start.writeEnd = FileDescriptor();
+    start.writeEnd = UniqueFd();
     const int error = startError(start.readEnd);
     if (error != 0 || noHandle != 0) {
         signalGroup(SIGKILL);

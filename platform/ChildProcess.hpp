@@ -1,7 +1,7 @@
 #pragma once
 
-#include <platform/FileDescriptor.hpp>
 #include <platform/RunLimits.hpp>
+#include <platform/UniqueFd.hpp>
 
 #include <string>
 #include <vector>
@@ -38,11 +38,11 @@ class ChildProcess {
     /// signal.
     int reap();
 
-    FileDescriptor standardOutput;
-    FileDescriptor standardError;
-    FileDescriptor progress;
+    UniqueFd standardOutput;
+    UniqueFd standardError;
+    UniqueFd progress;
     /// Readable when the child has ended.
-    FileDescriptor exited;
+    UniqueFd exited;
 
   private:
     pid_t pid_ = -1;

@@ -175,7 +175,7 @@ void CommandRun::setRunning() {
     }
 }
 
-void CommandRun::drain(FileDescriptor& source, Consumer consumer) {
+void CommandRun::drain(UniqueFd& source, Consumer consumer) {
     auto made = std::make_shared<Drain>(strand_, source.release(), std::move(consumer));
     drains_.push_back(made);
     ++openDrains_;

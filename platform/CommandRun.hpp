@@ -70,7 +70,7 @@ class CommandRun : public std::enable_shared_from_this<CommandRun> {
     void answered(std::optional<std::string> output);
     void spawn();
     void setRunning();
-    void drain(FileDescriptor& source, Consumer consumer);
+    void drain(UniqueFd& source, Consumer consumer);
     void readMore(const std::shared_ptr<Drain>& drain);
     void waitForExit();
     void terminate();

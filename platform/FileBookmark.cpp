@@ -1,7 +1,7 @@
 #include <platform/FileBookmark.hpp>
 
 #include <platform/Directories.hpp>
-#include <platform/FileDescriptor.hpp>
+#include <platform/UniqueFd.hpp>
 
 #include <array>
 #include <cstring>
@@ -42,9 +42,7 @@ struct Bookmark {
     std::string path;
 };
 
-FileDescriptor openPath(const std::string& path) {
-    return FileDescriptor(open(path.c_str(), O_PATH | O_CLOEXEC));
-}
+UniqueFd openPath(const std::string& path) { return UniqueFd(open(path.c_str(), O_PATH | O_CLOEXEC)); }
 
 std::optional<Identity> identify(int folder, const char* path, int flags) {
     struct statx status {};
@@ -56,7 +54,7 @@ std::optional<Identity> identify(int folder, const char* path, int flags) {
                     status.stx_btime.tv_sec, status.stx_btime.tv_nsec};
 }
 
-std::string fileHandle(const FileDescriptor& file) {
+std::string fileHandle(const UniqueFd& file) {
     alignas(file_handle) std::array<char, sizeof(file_handle) + MAX_HANDLE_SZ> room{};
     auto* handle = reinterpret_cast<file_handle*>(room.data());
     handle->handle_bytes = MAX_HANDLE_SZ;
@@ -129,7 +127,7 @@ bool isAt(const std::string& path, const Bookmark& bookmark) {
     if (bookmark.handle.empty()) {
         return identify(AT_FDCWD, path.c_str(), 0) == bookmark.identity;
     }
-    const FileDescriptor file = openPath(path);
+    const UniqueFd file = openPath(path);
     return file.get() >= 0 && identify(file.get(), "", AT_EMPTY_PATH) == bookmark.identity &&
            fileHandle(file) == bookmark.handle;
 }
@@ -146,7 +144,7 @@ std::optional<std::string> makeFileBookmark(const std::string& path) {
         return std::nullopt;
     }
     const timespec now = clockNow();
-    const FileDescriptor file = openPath(absolute);
+    const UniqueFd file = openPath(absolute);
     const auto identity =
         file.get() >= 0 ? identify(file.get(), "", AT_EMPTY_PATH) : std::optional<Identity>();
     if (!identity) {

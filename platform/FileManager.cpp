@@ -1,6 +1,6 @@
 #include <platform/FileManager.hpp>
 
-#include <platform/FileDescriptor.hpp>
+#include <platform/UniqueFd.hpp>
 
 #include <filesystem>
 #include <fstream>
@@ -47,8 +47,7 @@ bool createFile(const std::string& path, std::string_view contents) {
 bool createNewFile(const std::string& path) {
     constexpr mode_t readableByAll = 0666;
     return isName(path) &&
-           FileDescriptor(
-               open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, readableByAll))
+           UniqueFd(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, readableByAll))
                    .get() >= 0;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <platform/FileDescriptor.hpp>
+#include <platform/UniqueFd.hpp>
 
 #include <cstdint>
 #include <string>
@@ -33,7 +33,7 @@ class PeerFile {
 
   private:
     std::string path_;
-    FileDescriptor file_;
+    UniqueFd file_;
     std::int64_t mark_;
 };
 

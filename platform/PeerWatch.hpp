@@ -1,6 +1,6 @@
 #pragma once
 
-#include <platform/FileDescriptor.hpp>
+#include <platform/UniqueFd.hpp>
 
 #include <functional>
 #include <string>
@@ -27,8 +27,8 @@ class PeerWatch {
     bool takeEvents();
 
     std::function<void()> onNews_;
-    FileDescriptor events_;
-    FileDescriptor stop_;
+    UniqueFd events_;
+    UniqueFd stop_;
     bool isTold_;
     std::thread thread_;
 };

@@ -1,6 +1,6 @@
 #include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorViewModel.hpp>
 
-#include <CorvantaSdkVideo/Editor/Player/QtVideoPlayer.hpp>
+#include <CorvantaSdkVideo/Editor/Player/QtMediaPlayer.hpp>
 #include <CorvantaSdkVideo/Editor/QtExecutor.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
@@ -32,22 +32,22 @@ CorvantaSdkVideoEditorViewModel::CorvantaSdkVideoEditorViewModel(
     std::shared_ptr<CorvantaSdkVideoEditor> editor, VideosInformationGenerator videosInformationGenerator,
     const std::shared_ptr<CorvantaCredentialsManager>& credentialsManager, const CorvantaSdkVideoFile& input,
     const std::optional<CorvantaSdkVideoFileDescriptor>& output, Completion completion,
-    const MakeVideoPlayer& makeVideoPlayer)
+    const MakeMediaPlayer& makeMediaPlayer)
     : editor_(std::move(editor)), videosInformationGenerator_(std::move(videosInformationGenerator)),
       videoURL_(input.url()), outputURL_(locationFor(output)),
       isAuthenticated_(credentialsManager->isUserAuthenticated()),
       completion_(completion ? std::move(completion) : [](const CorvantaSdkVideoEditorResult&) {}),
-      videoPlayer_(makeVideoPlayer ? makeVideoPlayer(videoURL_) : QtVideoPlayer::make(videoURL_)) {
-    connect(videoPlayer_.get(), &VideoPlayer::didPlayToEndTime, this, &ViewModel::onDidFinishPlaying);
-    connect(videoPlayer_.get(), &VideoPlayer::timeObserved, this, [this](double seconds) {
+      videoPlayer_(makeMediaPlayer ? makeMediaPlayer(videoURL_) : QtMediaPlayer::make(videoURL_)) {
+    connect(videoPlayer_.get(), &MediaPlayer::didPlayToEndTime, this, &ViewModel::onDidFinishPlaying);
+    connect(videoPlayer_.get(), &MediaPlayer::timeObserved, this, [this](double seconds) {
         if (seconds >= stopAt()) {
             onDidFinishPlaying();
         }
     });
-    connect(videoPlayer_.get(), &VideoPlayer::failed, this, [this] { tellWhatIsWrong(fileNotice_, true); });
-    connect(videoPlayer_.get(), &VideoPlayer::recovered, this,
+    connect(videoPlayer_.get(), &MediaPlayer::failed, this, [this] { tellWhatIsWrong(fileNotice_, true); });
+    connect(videoPlayer_.get(), &MediaPlayer::recovered, this,
             [this] { tellWhatIsWrong(fileNotice_, false); });
-    connect(videoPlayer_.get(), &VideoPlayer::positionChanged, this, &ViewModel::followPlayer);
+    connect(videoPlayer_.get(), &MediaPlayer::positionChanged, this, &ViewModel::followPlayer);
 }
 
 CorvantaSdkVideoEditorViewModel::~CorvantaSdkVideoEditorViewModel() {

@@ -4,7 +4,7 @@
 #include <CorvantaSdkVideo/CorvantaSdkVideoFileDescriptor.hpp>
 #include <CorvantaSdkVideo/CredentialsManager/CorvantaCredentialsManager.hpp>
 #include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditor.hpp>
-#include <CorvantaSdkVideo/Editor/Player/VideoPlayer.hpp>
+#include <CorvantaSdkVideo/Editor/Player/MediaPlayer.hpp>
 #include <CorvantaSdkVideo/Editor/Views/CorvantaColor.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Shared/VideosInformationGenerator.hpp>
@@ -102,13 +102,13 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
 
     /// Without `output`, or if it gives no URL, a new file in the documents directory is written.
     /// `completion` is called at most once, on the Qt thread; it may destroy the view model, and must not
-    /// throw. Without `makeVideoPlayer` it plays with QtVideoPlayer. Throws what making the player throws.
+    /// throw. Without `makeMediaPlayer` it plays with QtMediaPlayer. Throws what making the player throws.
     CorvantaSdkVideoEditorViewModel(std::shared_ptr<CorvantaSdkVideoEditor> editor,
                                     VideosInformationGenerator videosInformationGenerator,
                                     const std::shared_ptr<CorvantaCredentialsManager>& credentialsManager,
                                     const CorvantaSdkVideoFile& input,
                                     const std::optional<CorvantaSdkVideoFileDescriptor>& output,
-                                    Completion completion, const MakeVideoPlayer& makeVideoPlayer = {});
+                                    Completion completion, const MakeMediaPlayer& makeMediaPlayer = {});
     ~CorvantaSdkVideoEditorViewModel() override;
 
     /// Lays the trimmer out for the size that the screen has, and starts to read the file and to make its
@@ -263,7 +263,7 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
 
     const URL& videoURL() const { return videoURL_; }
     const URL& outputURL() const { return outputURL_; }
-    VideoPlayer& videoPlayer() const { return *videoPlayer_; }
+    MediaPlayer& videoPlayer() const { return *videoPlayer_; }
     const std::shared_ptr<CorvantaSdkVideoEditor>& editor() const { return editor_; }
 
   Q_SIGNALS:
@@ -421,7 +421,7 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
 #undef CORVANTA_OBSERVABLE
 
     /// Goes first, since it may still emit.
-    const std::unique_ptr<VideoPlayer> videoPlayer_;
+    const std::unique_ptr<MediaPlayer> videoPlayer_;
 };
 
 } // namespace corvanta

@@ -7,7 +7,7 @@
 namespace corvanta {
 
 Playhead::Playhead(CorvantaSdkVideoEditorViewModel& viewModel) : viewModel_(viewModel) {
-    connect(&viewModel.videoPlayer(), &VideoPlayer::positionChanged, this, [this](double seconds) {
+    connect(&viewModel.videoPlayer(), &MediaPlayer::positionChanged, this, [this](double seconds) {
         seconds_ = seconds;
         Q_EMIT secondsChanged();
     });

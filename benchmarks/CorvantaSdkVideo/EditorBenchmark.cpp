@@ -51,7 +51,7 @@ const std::string& tenMinuteClip() {
     return path;
 }
 
-class SilentPlayer : public VideoPlayer {
+class SilentPlayer : public MediaPlayer {
   public:
     void play() override {}
     void pause() override {}

@@ -271,8 +271,8 @@ void writeScreenshots(const QString& video, const QString& directory, QSize size
         bool hasPlayed = false;
         const auto notice = [&hasPlayed] { hasPlayed = true; };
         QObject context;
-        QObject::connect(&scene.model().videoPlayer(), &VideoPlayer::timeObserved, &context, notice);
-        QObject::connect(&scene.model().videoPlayer(), &VideoPlayer::didPlayToEndTime, &context, notice);
+        QObject::connect(&scene.model().videoPlayer(), &MediaPlayer::timeObserved, &context, notice);
+        QObject::connect(&scene.model().videoPlayer(), &MediaPlayer::didPlayToEndTime, &context, notice);
         scene.model().handleAction();
         waitUntil([&hasPlayed] { return hasPlayed; });
     });

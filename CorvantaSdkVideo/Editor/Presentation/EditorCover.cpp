@@ -3,7 +3,7 @@
 #include <CorvantaSdkVideo/CredentialsManager/CorvantaCredentialsManager.hpp>
 #include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorImplementation.hpp>
 #include <CorvantaSdkVideo/Editor/EditorTexts.hpp>
-#include <CorvantaSdkVideo/Editor/Player/QtVideoPlayer.hpp>
+#include <CorvantaSdkVideo/Editor/Player/QtMediaPlayer.hpp>
 #include <CorvantaSdkVideo/Shared/VideosInformationGenerator.hpp>
 
 #include <QQmlComponent>
@@ -22,20 +22,20 @@ constexpr int slideMilliseconds = 250;
 const QUrl screenFile(QStringLiteral(
     "qrc:/qt-project.org/imports/CorvantaSdkVideo/Editor/Views/CorvantaSdkVideoEditorView.qml"));
 
-std::unique_ptr<EditorView> makeView(QQmlEngine& engine, const QVariantMap& properties) {
+std::unique_ptr<EditorRoot> makeView(QQmlEngine& engine, const QVariantMap& properties) {
     installEditorTexts();
     QQmlComponent component(&engine, screenFile);
     // Qt 6.4 doesn't survive the making of a component that has errors.
     std::unique_ptr<QObject> made(component.isReady() ? component.createWithInitialProperties(properties)
                                                       : nullptr);
-    auto* const view = qobject_cast<EditorView*>(made.get());
+    auto* const view = qobject_cast<EditorRoot*>(made.get());
     if (view == nullptr) {
         throw std::runtime_error("The editor's screen can't be shown: " +
                                  component.errorString().toStdString());
     }
     QQmlEngine::setObjectOwnership(view, QQmlEngine::CppOwnership);
     static_cast<void>(made.release());
-    return std::unique_ptr<EditorView>(view);
+    return std::unique_ptr<EditorRoot>(view);
 }
 
 } // namespace
@@ -47,7 +47,7 @@ makeEditorViewModel(const CorvantaSdkVideoFile& input,
     return std::make_unique<CorvantaSdkVideoEditorViewModel>(
         std::make_shared<CorvantaSdkVideoEditorImplementation>(), VideosInformationGenerator(),
         std::make_shared<CorvantaCredentialsManagerImp>(), input, output, std::move(completion),
-        &QtVideoPlayer::make);
+        &QtMediaPlayer::make);
 }
 
 EditorCover::EditorCover(QQmlEngine& engine, QQuickItem& covered,
@@ -62,7 +62,7 @@ EditorCover::EditorCover(QQmlEngine& engine, QQuickItem& covered,
     fillCovered();
     connect(&covered, &QQuickItem::widthChanged, this, &EditorCover::fillCovered);
     connect(&covered, &QQuickItem::heightChanged, this, &EditorCover::fillCovered);
-    connect(view_.get(), &EditorView::dismiss, this, &EditorCover::dismissRequested);
+    connect(view_.get(), &EditorRoot::dismiss, this, &EditorCover::dismissRequested);
     slide_.setTargetObject(view_.get());
     slide_.setPropertyName("y");
     slide_.setDuration(slideMilliseconds);

@@ -5,7 +5,7 @@
 #include <CorvantaSdkVideo/CorvantaSdkVideoFileDescriptor.hpp>
 #include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorViewModel.hpp>
 #include <CorvantaSdkVideo/Editor/Presentation/OrientationManager.hpp>
-#include <CorvantaSdkVideo/Editor/Views/EditorView.hpp>
+#include <CorvantaSdkVideo/Editor/Views/EditorRoot.hpp>
 
 #include <QPointer>
 #include <QPropertyAnimation>
@@ -48,7 +48,7 @@ class EditorCover : public QObject {
     void close() { view_->requestClose(); }
 
     CorvantaSdkVideoEditorViewModel& viewModel() const { return *viewModel_; }
-    EditorView& view() const { return *view_; }
+    EditorRoot& view() const { return *view_; }
 
   Q_SIGNALS:
     /// The screen wants to be dismissed.
@@ -61,7 +61,7 @@ class EditorCover : public QObject {
     QPointer<QQuickItem> covered_;
     /// Goes after the view that is bound to it.
     std::unique_ptr<CorvantaSdkVideoEditorViewModel> viewModel_;
-    std::unique_ptr<EditorView> view_;
+    std::unique_ptr<EditorRoot> view_;
     QPropertyAnimation slide_;
     std::function<void()> dismissed_;
 };

@@ -263,7 +263,7 @@
     </message>
 </context>
 <context>
-    <name>VideoPlayer</name>
+    <name>MediaPlayer</name>
     <message>
         <source>Video</source>
         <translation>Vidéo</translation>

@@ -4,7 +4,7 @@ import CorvantaSdkVideo.Editor
 Item {
     id: row
 
-    required property EditorView view
+    required property EditorRoot view
     readonly property CorvantaSdkVideoEditorViewModel viewModel: view.viewModel
 
     implicitHeight: close.height

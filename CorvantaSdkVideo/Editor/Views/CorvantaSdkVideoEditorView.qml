@@ -2,7 +2,7 @@ import QtQuick
 import CorvantaSdkVideo.Editor
 
 /// The screen: the editor, or what stands in its place.
-EditorView {
+EditorRoot {
     id: root
 
     Rectangle {

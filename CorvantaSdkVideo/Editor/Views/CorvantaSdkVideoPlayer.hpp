@@ -46,7 +46,7 @@ class CorvantaSdkVideoPlayer : public QQuickPaintedItem {
     void detach();
 
     QPointer<CorvantaSdkVideoEditorViewModel> viewModel_;
-    QPointer<VideoPlayer> player_;
+    QPointer<MediaPlayer> player_;
     QVideoSink sink_;
     double radius_ = 0;
     double frameAspectRatio_ = 0;

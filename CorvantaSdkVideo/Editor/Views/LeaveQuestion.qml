@@ -5,7 +5,7 @@ import CorvantaSdkVideo.Editor
 Question {
     id: question
 
-    required property EditorView view
+    required property EditorRoot view
 
     isOpen: view.isAskedToLeave
     title: qsTr("Discard the changes?")

@@ -4,7 +4,7 @@ import CorvantaSdkVideo.Editor
 FocusScope {
     id: reader
 
-    required property EditorView view
+    required property EditorRoot view
 
     readonly property OrientationManager orientationManager: view.orientationManager
     readonly property bool isPortrait: orientationManager.isPortraitModeSupported

@@ -5,7 +5,7 @@ import CorvantaSdkVideo.Editor as Editor
 FocusScope {
     id: screen
 
-    required property EditorView view
+    required property EditorRoot view
     readonly property CorvantaSdkVideoEditorViewModel viewModel: view.viewModel
 
     readonly property int spacing: 8

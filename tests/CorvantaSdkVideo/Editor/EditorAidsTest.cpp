@@ -20,7 +20,7 @@ constexpr double stripWidth = 343;
 
 class EditorAidsTest : public test::ScreenFixture {
   protected:
-    EditorView& view() const { return *qobject_cast<EditorView*>(view_.get()); }
+    EditorRoot& view() const { return *qobject_cast<EditorRoot*>(view_.get()); }
     void presentAndRead(const std::string& clip = test::colourClip()) {
         present(clip);
         ASSERT_TRUE(isFileRead());

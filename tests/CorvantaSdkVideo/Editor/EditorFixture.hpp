@@ -18,7 +18,7 @@
 
 namespace corvanta::test {
 
-class FakePlayer : public VideoPlayer {
+class FakePlayer : public MediaPlayer {
   public:
     void play() override { calls.emplace_back("play"); }
     void pause() override { calls.emplace_back("pause"); }

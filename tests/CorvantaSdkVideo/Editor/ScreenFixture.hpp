@@ -5,7 +5,7 @@
 #include "support/UserFolders.hpp"
 
 #include <CorvantaSdkVideo/Editor/Presentation/PresentCorvantaSdkVideoEditorView.hpp>
-#include <CorvantaSdkVideo/Editor/Views/EditorView.hpp>
+#include <CorvantaSdkVideo/Editor/Views/EditorRoot.hpp>
 
 #include <QGuiApplication>
 #include <QPointer>
@@ -75,7 +75,7 @@ class ScreenFixture : public testing::Test {
     void takeScreen(QQuickWindow* window) {
         window_ = window;
         for (QQuickItem* const item : itemsBelow(window->contentItem())) {
-            if (qobject_cast<EditorView*>(item) != nullptr) {
+            if (qobject_cast<EditorRoot*>(item) != nullptr) {
                 view_ = item;
             }
         }
@@ -88,7 +88,7 @@ class ScreenFixture : public testing::Test {
     }
 
     CorvantaSdkVideoEditorViewModel& model() const {
-        return *qobject_cast<EditorView*>(view_.get())->viewModel();
+        return *qobject_cast<EditorRoot*>(view_.get())->viewModel();
     }
     /// The first item of a QML type.
     QQuickItem* block(const char* type) const {

@@ -1,4 +1,4 @@
-#include <CorvantaSdkVideo/Editor/Views/EditorView.hpp>
+#include <CorvantaSdkVideo/Editor/Views/EditorRoot.hpp>
 
 #include <CorvantaSdkVideo/Editor/CutChoice.hpp>
 #include <CorvantaSdkVideo/Editor/Playhead.hpp>
@@ -10,14 +10,14 @@
 
 namespace corvanta {
 
-EditorView::EditorView(QQuickItem* parent) : QQuickItem(parent) {
+EditorRoot::EditorRoot(QQuickItem* parent) : QQuickItem(parent) {
     setFlag(ItemIsFocusScope);
     Logger::addLog(Event::initEditVideoScreen, EventMessage::initEditVideoScreen());
 }
 
-EditorView::~EditorView() = default;
+EditorRoot::~EditorRoot() = default;
 
-void EditorView::setViewModel(CorvantaSdkVideoEditorViewModel* viewModel) {
+void EditorRoot::setViewModel(CorvantaSdkVideoEditorViewModel* viewModel) {
     if (viewModel != viewModel_) {
         viewModel_ = viewModel;
         cutChoice_ = viewModel != nullptr ? std::make_unique<CutChoice>(*viewModel) : nullptr;
@@ -28,26 +28,26 @@ void EditorView::setViewModel(CorvantaSdkVideoEditorViewModel* viewModel) {
     }
 }
 
-void EditorView::setOrientationManager(OrientationManager* orientationManager) {
+void EditorRoot::setOrientationManager(OrientationManager* orientationManager) {
     if (orientationManager != orientationManager_) {
         orientationManager_ = orientationManager;
         Q_EMIT orientationManagerChanged();
     }
 }
 
-void EditorView::trimVideo() {
+void EditorRoot::trimVideo() {
     if (viewModel_) {
         cutChoice_->confirm(dismissing());
     }
 }
 
-void EditorView::closeTrimmer() {
+void EditorRoot::closeTrimmer() {
     if (viewModel_) {
         viewModel_->closeTrimmer(dismissing());
     }
 }
 
-void EditorView::requestClose() {
+void EditorRoot::requestClose() {
     if (!viewModel_ || viewModel_->isTrimming()) {
         return;
     }
@@ -61,15 +61,15 @@ void EditorView::requestClose() {
     }
 }
 
-void EditorView::stay() { setAskedToLeave(false); }
+void EditorRoot::stay() { setAskedToLeave(false); }
 
-void EditorView::setAskedToLeave(bool isAsked) {
+void EditorRoot::setAskedToLeave(bool isAsked) {
     if (std::exchange(isAskedToLeave_, isAsked) != isAsked) {
         Q_EMIT isAskedToLeaveChanged();
     }
 }
 
-std::function<void()> EditorView::dismissing() {
+std::function<void()> EditorRoot::dismissing() {
     return [view = QPointer(this)] {
         if (view) {
             Q_EMIT view->dismiss();

@@ -13,7 +13,7 @@ namespace corvanta {
 
 /// What the editor needs of a player for one file. Paused at first, with a volume of 1. Used on the Qt
 /// thread.
-class VideoPlayer : public QObject {
+class MediaPlayer : public QObject {
     Q_OBJECT
 
   public:
@@ -45,6 +45,6 @@ class VideoPlayer : public QObject {
 };
 
 /// Makes the player for a file.
-using MakeVideoPlayer = std::function<std::unique_ptr<VideoPlayer>(const URL&)>;
+using MakeMediaPlayer = std::function<std::unique_ptr<MediaPlayer>(const URL&)>;
 
 } // namespace corvanta

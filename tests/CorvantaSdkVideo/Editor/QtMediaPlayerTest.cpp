@@ -2,7 +2,7 @@
 #include "support/Processes.hpp"
 
 #include <CorvantaSdkVideo/Editor/Error/PlayerUnavailable.hpp>
-#include <CorvantaSdkVideo/Editor/Player/QtVideoPlayer.hpp>
+#include <CorvantaSdkVideo/Editor/Player/QtMediaPlayer.hpp>
 
 #include <QImage>
 #include <QThread>
@@ -17,13 +17,13 @@ namespace {
 using testing::ElementsAre;
 using testing::Ge;
 
-class QtVideoPlayerTest : public test::EditorFixture {
+class QtMediaPlayerTest : public test::EditorFixture {
   protected:
     void start(const std::string& path) {
-        real_ = std::make_unique<QtVideoPlayer>(URL::fromFilePath(path));
+        real_ = std::make_unique<QtMediaPlayer>(URL::fromFilePath(path));
         real_->setVideoSink(&sink_);
-        QObject::connect(real_.get(), &VideoPlayer::didPlayToEndTime, [this] { ++ends_; });
-        QObject::connect(real_.get(), &VideoPlayer::timeObserved,
+        QObject::connect(real_.get(), &MediaPlayer::didPlayToEndTime, [this] { ++ends_; });
+        QObject::connect(real_.get(), &MediaPlayer::timeObserved,
                          [this](double seconds) { observed_.push_back(seconds); });
     }
 
@@ -36,12 +36,12 @@ class QtVideoPlayerTest : public test::EditorFixture {
     }
 
     QVideoSink sink_;
-    std::unique_ptr<QtVideoPlayer> real_;
+    std::unique_ptr<QtMediaPlayer> real_;
     int ends_ = 0;
     std::vector<double> observed_;
 };
 
-TEST_F(QtVideoPlayerTest, ShowsPlaysSeeksAndStartsAgainAfterTheEnd) {
+TEST_F(QtMediaPlayerTest, ShowsPlaysSeeksAndStartsAgainAfterTheEnd) {
     const std::string clip = directory_.file("red 100% then blue.mp4");
     test::runTool("ffmpeg", {"-v", "error", "-f", "lavfi", "-i", "color=red:s=128x96:r=30:d=1.5", "-f",
                              "lavfi", "-i", "color=blue:s=128x96:r=30:d=1", "-filter_complex", "concat=n=2",
@@ -68,7 +68,7 @@ TEST_F(QtVideoPlayerTest, ShowsPlaysSeeksAndStartsAgainAfterTheEnd) {
     EXPECT_THAT(observed_, ElementsAre(Ge(2)));
 }
 
-TEST_F(QtVideoPlayerTest, TakesWhatIsAskedOfItBeforeTheFileIsLoaded) {
+TEST_F(QtMediaPlayerTest, TakesWhatIsAskedOfItBeforeTheFileIsLoaded) {
     start(test::makeClip({.seconds = 3, .sounds = {}}));
     real_->setVolume(0.25F);
     EXPECT_EQ(real_->volume(), 0.25F);
@@ -78,14 +78,14 @@ TEST_F(QtVideoPlayerTest, TakesWhatIsAskedOfItBeforeTheFileIsLoaded) {
     EXPECT_THAT(observed_, testing::Each(Ge(2)));
 }
 
-TEST_F(QtVideoPlayerTest, RefusesWhatTheModuleWouldNotOpen) {
+TEST_F(QtMediaPlayerTest, RefusesWhatTheModuleWouldNotOpen) {
     const std::string clip = test::makeClip({.seconds = 1, .sounds = {}});
     for (const std::string& text :
          {std::string("no video"), "#EXTM3U\n#EXTINF:1,\n" + clip + "\n#EXT-X-ENDLIST\n"}) {
         test::writeFile(directory_.file("notes.mp4"), text);
         start(directory_.file("notes.mp4"));
         QString reason;
-        QObject::connect(real_.get(), &VideoPlayer::failed,
+        QObject::connect(real_.get(), &MediaPlayer::failed,
                          [&reason](const QString& told) { reason = told; });
         EXPECT_TRUE(eventually([&reason] { return reason.contains("notes.mp4"); })) << text;
     }
@@ -117,14 +117,14 @@ TEST(PlaybackEngineTest, OpensAndSeeksWithoutTheQtThread) {
     thread.wait();
 }
 
-TEST(QtVideoPlayerDeathTest, SaysWhatIsMissingInsteadOfCrashing) {
+TEST(QtMediaPlayerDeathTest, SaysWhatIsMissingInsteadOfCrashing) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     EXPECT_EXIT(
         {
             setenv("GST_PLUGIN_SYSTEM_PATH", "/nonexistent", 1);
             setenv("GST_REGISTRY", "/dev/null", 1);
             try {
-                QtVideoPlayer player(URL::fromFilePath("/clip.mp4"));
+                QtMediaPlayer player(URL::fromFilePath("/clip.mp4"));
             } catch (const PlayerUnavailable& error) {
                 std::fputs(error.what(), stderr);
                 std::_Exit(3);

@@ -1,4 +1,4 @@
-#include <CorvantaSdkVideo/Editor/Player/QtVideoPlayer.hpp>
+#include <CorvantaSdkVideo/Editor/Player/QtMediaPlayer.hpp>
 
 #include <CorvantaSdkVideo/Editor/Player/GStreamerElements.hpp>
 
@@ -41,25 +41,25 @@ QUrl qtURL(const URL& url) { return QUrl::fromLocalFile(QString::fromStdString(u
 
 } // namespace
 
-QtVideoPlayer::QtVideoPlayer(const URL& url) {
+QtMediaPlayer::QtMediaPlayer(const URL& url) {
     requireGStreamerElements();
     // Asked here, since this makes what Qt keeps for all players, on this thread that outlives theirs.
     const bool hasAudioDevice = !QMediaDevices::audioOutputs().isEmpty();
     auto engine = std::make_unique<PlaybackEngine>(qtURL(url), hasAudioDevice);
     engine_ = engine.get();
     thread_ = std::make_unique<PlaybackThread>(std::move(engine));
-    connect(engine_, &PlaybackEngine::frameWaiting, this, &QtVideoPlayer::showFrame);
-    connect(engine_, &PlaybackEngine::timeObserved, this, &VideoPlayer::timeObserved);
-    connect(engine_, &PlaybackEngine::didPlayToEndTime, this, &VideoPlayer::didPlayToEndTime);
-    connect(engine_, &PlaybackEngine::failed, this, &VideoPlayer::failed);
-    connect(engine_, &PlaybackEngine::recovered, this, &VideoPlayer::recovered);
+    connect(engine_, &PlaybackEngine::frameWaiting, this, &QtMediaPlayer::showFrame);
+    connect(engine_, &PlaybackEngine::timeObserved, this, &MediaPlayer::timeObserved);
+    connect(engine_, &PlaybackEngine::didPlayToEndTime, this, &MediaPlayer::didPlayToEndTime);
+    connect(engine_, &PlaybackEngine::failed, this, &MediaPlayer::failed);
+    connect(engine_, &PlaybackEngine::recovered, this, &MediaPlayer::recovered);
     connect(engine_, &PlaybackEngine::sought, this, [this](quint64 number) { seeksDone_ = number; });
     thread_->start();
     QMetaObject::invokeMethod(engine_, &PlaybackEngine::open);
 }
 
 // A player that comes to rest takes its time, and nobody has to wait for it but an application that ends.
-QtVideoPlayer::~QtVideoPlayer() {
+QtMediaPlayer::~QtMediaPlayer() {
     disconnect(engine_, nullptr, this, nullptr);
     QThread* const thread = thread_.release();
     thread->setParent(QCoreApplication::instance());
@@ -67,18 +67,18 @@ QtVideoPlayer::~QtVideoPlayer() {
     thread->quit();
 }
 
-std::unique_ptr<VideoPlayer> QtVideoPlayer::make(const URL& url) {
-    return std::make_unique<QtVideoPlayer>(url);
+std::unique_ptr<MediaPlayer> QtMediaPlayer::make(const URL& url) {
+    return std::make_unique<QtMediaPlayer>(url);
 }
 
-void QtVideoPlayer::setVideoSink(QVideoSink* sink) {
+void QtMediaPlayer::setVideoSink(QVideoSink* sink) {
     sink_ = sink;
     if (sink_ && frame_.isValid()) {
         sink_->setVideoFrame(frame_);
     }
 }
 
-void QtVideoPlayer::showFrame() {
+void QtMediaPlayer::showFrame() {
     const PlaybackEngine::Shown shown = engine_->takeFrame();
     frame_ = shown.frame;
     if (sink_) {
@@ -89,19 +89,19 @@ void QtVideoPlayer::showFrame() {
     }
 }
 
-void QtVideoPlayer::play() { QMetaObject::invokeMethod(engine_, &PlaybackEngine::play); }
+void QtMediaPlayer::play() { QMetaObject::invokeMethod(engine_, &PlaybackEngine::play); }
 
-void QtVideoPlayer::pause() { QMetaObject::invokeMethod(engine_, &PlaybackEngine::pause); }
+void QtMediaPlayer::pause() { QMetaObject::invokeMethod(engine_, &PlaybackEngine::pause); }
 
-void QtVideoPlayer::seek(double seconds) {
+void QtMediaPlayer::seek(double seconds) {
     QMetaObject::invokeMethod(engine_, [engine = engine_, milliseconds = std::llround(seconds * 1000),
                                         number = ++seeksAsked_] { engine->seek(milliseconds, number); });
     Q_EMIT positionChanged(seconds);
 }
 
-float QtVideoPlayer::volume() const { return volume_; }
+float QtMediaPlayer::volume() const { return volume_; }
 
-void QtVideoPlayer::setVolume(float volume) {
+void QtMediaPlayer::setVolume(float volume) {
     volume_ = volume;
     QMetaObject::invokeMethod(engine_, [engine = engine_, volume] { engine->setVolume(volume); });
 }

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <CorvantaSdkVideo/Editor/Player/MediaPlayer.hpp>
 #include <CorvantaSdkVideo/Editor/Player/PlaybackEngine.hpp>
-#include <CorvantaSdkVideo/Editor/Player/VideoPlayer.hpp>
 
 #include <QPointer>
 #include <QThread>
@@ -13,15 +13,15 @@ namespace corvanta {
 /// Plays with Qt Multimedia, on a thread of its own: nothing here waits for a decoder. Silent on a machine
 /// without an audio device, where the volume is still kept. Seeks that come faster than frames are left out,
 /// all but the last one.
-class QtVideoPlayer : public VideoPlayer {
+class QtMediaPlayer : public MediaPlayer {
     Q_OBJECT
 
   public:
     /// Throws PlayerUnavailable. A file that can't be played fails later, and never ends.
-    explicit QtVideoPlayer(const URL& url);
-    ~QtVideoPlayer() override;
+    explicit QtMediaPlayer(const URL& url);
+    ~QtMediaPlayer() override;
 
-    static std::unique_ptr<VideoPlayer> make(const URL& url);
+    static std::unique_ptr<MediaPlayer> make(const URL& url);
 
     void play() override;
     void pause() override;

@@ -22,7 +22,7 @@ class StripZoom;
 class Waveform;
 
 /// What the screen's QML stands on: its members, the operations that end it, and what they ask before.
-class EditorView : public QQuickItem {
+class EditorRoot : public QQuickItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(corvanta::CorvantaSdkVideoEditorViewModel* viewModel READ viewModel WRITE setViewModel NOTIFY
@@ -36,8 +36,8 @@ class EditorView : public QQuickItem {
     Q_PROPERTY(bool isAskedToLeave READ isAskedToLeave NOTIFY isAskedToLeaveChanged)
 
   public:
-    explicit EditorView(QQuickItem* parent = nullptr);
-    ~EditorView() override;
+    explicit EditorRoot(QQuickItem* parent = nullptr);
+    ~EditorRoot() override;
 
     CorvantaSdkVideoEditorViewModel* viewModel() const { return viewModel_; }
     void setViewModel(CorvantaSdkVideoEditorViewModel* viewModel);
