@@ -16,11 +16,13 @@ foreach(target talvo_audio corvanta_sdk_video corvanta_sdk_video_editor)
     endif()
 endforeach()
 list(JOIN headers " " headers)
-add_custom_target(documentation
-    COMMAND ${CMAKE_COMMAND} -E env
-        CORVANTA_PUBLIC_HEADERS=${headers}
-        CORVANTA_DOCUMENTATION=${PROJECT_BINARY_DIR}/documentation
-        CORVANTA_SOURCE=${PROJECT_SOURCE_DIR}
-        ${DOXYGEN_PROGRAM} ${PROJECT_SOURCE_DIR}/docs/Doxyfile
-    VERBATIM)
+set(make_pages ${CMAKE_COMMAND} -E env
+    CORVANTA_PUBLIC_HEADERS=${headers}
+    CORVANTA_DOCUMENTATION=${PROJECT_BINARY_DIR}/documentation
+    CORVANTA_SOURCE=${PROJECT_SOURCE_DIR}
+    ${DOXYGEN_PROGRAM} ${PROJECT_SOURCE_DIR}/docs/Doxyfile)
+add_custom_target(documentation COMMAND ${make_pages} VERBATIM)
+if(CORVANTA_BUILD_TESTS)
+    add_test(NAME documentation COMMAND ${make_pages})
+endif()
 file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/documentation)
