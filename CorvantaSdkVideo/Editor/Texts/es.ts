@@ -263,7 +263,7 @@
     </message>
 </context>
 <context>
-    <name>MediaPlayer</name>
+    <name>VideoPlayer</name>
     <message>
         <source>Video</source>
         <translation>Vídeo</translation>

@@ -91,7 +91,7 @@ TEST_F(EditorAccessTest, NamesEveryControlAndTellsItsRoleAndValue) {
     click("Rotation");
     has({{"Rotate left", QAccessible::Button}, {"Rotate right", QAccessible::Button}});
     click("Close");
-    has({{"Discard the changes?. The video stays as it was.", QAccessible::Dialog},
+    has({{"Discard the changes? The video stays as it was.", QAccessible::Dialog},
          {"Keep editing", QAccessible::Button},
          {"Discard", QAccessible::Button}});
 }
