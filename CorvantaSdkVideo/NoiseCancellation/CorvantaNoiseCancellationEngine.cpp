@@ -100,6 +100,8 @@ void requireSpace(const URL& video, const URL& output, double seconds, bool copi
     requireFreeSpace(needed, Error::unableToProcessInput);
 }
 
+URL newSoundFile() { return CorvantaSdkVideoUtils::outputURL(uuidString(makeUUID()), "wav"); }
+
 } // namespace
 
 CorvantaNoiseCancellationEngine::CorvantaNoiseCancellationEngine(
@@ -187,9 +189,10 @@ Task<> CorvantaNoiseCancellationEngine::clean(URL input, URL output,
     const auto times = std::make_shared<SoundTimes>();
     Task<> preparing = prepareCleaning(input, times, ownsLibrary_ ? modelLoading_ : nullptr);
     progress->extracts(copiesPicture);
-    Task<URL> extraction = extractAudio(input, progress->meter());
-    const URL audio = co_await (std::move(extraction) && std::move(preparing));
-    processedFiles.push_back(audio);
+    // It may be there, and this run be dropped, before the preparation has ended.
+    const URL audio = processedFiles.emplace_back(newSoundFile());
+    Task<> extraction = extractAudio(input, audio, progress->meter());
+    co_await (std::move(extraction) && std::move(preparing));
     const URL cleaned = co_await cleanAudio(audio, times, options, progress);
     processedFiles.push_back(cleaned);
     progress->writes();
@@ -197,11 +200,13 @@ Task<> CorvantaNoiseCancellationEngine::clean(URL input, URL output,
 }
 
 Task<URL> CorvantaNoiseCancellationEngine::extractAudioForFile(URL at) {
-    return extractAudio(std::move(at), nullptr);
+    const URL audio = newSoundFile();
+    co_await extractAudio(std::move(at), audio, nullptr);
+    co_return audio;
 }
 
-Task<URL> CorvantaNoiseCancellationEngine::extractAudio(URL at, std::shared_ptr<ProgressMeter> meter) {
-    const URL audio = CorvantaSdkVideoUtils::outputURL(uuidString(makeUUID()), "wav");
+Task<> CorvantaNoiseCancellationEngine::extractAudio(URL at, URL audio,
+                                                     std::shared_ptr<ProgressMeter> meter) {
     try {
         CommandPaths paths;
         const URL video = paths.input(at, PathForm::quoted);
@@ -216,7 +221,6 @@ Task<URL> CorvantaNoiseCancellationEngine::extractAudio(URL at, std::shared_ptr<
         }
         throw Error(Error::unableToProcessInput, detailsOf(error));
     }
-    co_return audio;
 }
 
 Task<URL> CorvantaNoiseCancellationEngine::cleanAudio(URL audioFileURL, std::shared_ptr<SoundTimes> times,

@@ -55,7 +55,7 @@ class CorvantaNoiseCancellationEngine : public CorvantaSdkVideoNoiseCancellation
     void enterProcessing();
     Task<> clean(URL input, URL output, CorvantaSdkVideoNoiseCancellationOptions options,
                  std::vector<URL>& processedFiles);
-    Task<URL> extractAudio(URL at, std::shared_ptr<ProgressMeter> meter);
+    Task<> extractAudio(URL at, URL audio, std::shared_ptr<ProgressMeter> meter);
     Task<URL> cleanAudio(URL audioFileURL, std::shared_ptr<SoundTimes> times,
                          CorvantaSdkVideoNoiseCancellationOptions options,
                          std::shared_ptr<CleaningProgress> progress);
