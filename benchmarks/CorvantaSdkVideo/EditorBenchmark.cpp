@@ -4,9 +4,10 @@
 #include <platform/FFmpegKit.hpp>
 #include <platform/SharedCorvantaSdkCommon.hpp>
 
-#include <QCoreApplication>
 #include <QEventLoop>
+#include <QGuiApplication>
 #include <QTimer>
+#include <QVideoSink>
 
 #include <benchmark/benchmark.h>
 
@@ -61,13 +62,16 @@ class SilentPlayer : public MediaPlayer {
     void setVideoSink(QVideoSink*) override {}
 };
 
-std::unique_ptr<CorvantaSdkVideoEditorViewModel> openEditor() {
+std::unique_ptr<MediaPlayer> silentPlayer(const URL&) { return std::make_unique<SilentPlayer>(); }
+
+// Without `makePlayer`, with the one that people see.
+std::unique_ptr<CorvantaSdkVideoEditorViewModel>
+openEditor(const MakeMediaPlayer& makePlayer = silentPlayer) {
     return std::make_unique<CorvantaSdkVideoEditorViewModel>(
         std::make_shared<CorvantaSdkVideoEditorImplementation>(), VideosInformationGenerator(),
         std::make_shared<CorvantaCredentialsManagerImp>(),
         CorvantaSdkVideoFile(URL::fromFilePath(tenMinuteClip())), std::nullopt,
-        [](const CorvantaSdkVideoEditorResult&) {},
-        [](const URL&) { return std::make_unique<SilentPlayer>(); });
+        [](const CorvantaSdkVideoEditorResult&) {}, makePlayer);
 }
 
 bool isComplete(const CorvantaSdkVideoEditorViewModel& model) {
@@ -190,12 +194,64 @@ void longestBlockOfAnIdleLoop(benchmark::State& state) {
 }
 BENCHMARK(longestBlockOfAnIdleLoop)->Unit(benchmark::kMillisecond)->UseManualTime()->Iterations(5);
 
+// How long a picture stands while the start of the range is dragged over the whole strip, sixty points a
+// second, for three seconds.
+void pictureWhileDragging(benchmark::State& state) {
+    const bool plays = state.range(0) != 0;
+    for (auto _ : state) {
+        const auto model = openEditor({});
+        QVideoSink sink;
+        model->videoPlayer().setVideoSink(&sink);
+        QEventLoop loop;
+        int pictures = 0;
+        QObject::connect(&sink, &QVideoSink::videoFrameChanged, &loop, [&] {
+            ++pictures;
+            loop.quit();
+        });
+        QObject::connect(model.get(), &CorvantaSdkVideoEditorViewModel::stopAtChanged, &loop,
+                         &QEventLoop::quit);
+        model->setupTrimmer(QSizeF(screenWidth, 600));
+        while (pictures == 0 || model->videoDuration() == 0) {
+            loop.exec();
+        }
+        if (plays) {
+            model->handleAction();
+        }
+        QObject::disconnect(&sink, nullptr, &loop, nullptr);
+        QObject::connect(&sink, &QVideoSink::videoFrameChanged, &loop, [&] { ++pictures; });
+        pictures = 0;
+        constexpr double seconds = 3;
+        const QRectF strip(0, 0, screenWidth - 32, 64);
+        const auto start = Clock::now();
+        QTimer drags;
+        QObject::connect(&drags, &QTimer::timeout, [&] {
+            const double share = std::chrono::duration<double>(Clock::now() - start).count() / seconds;
+            if (share >= 1) {
+                loop.quit();
+            }
+            model->applyTrimming(QPointF(16 + 250 * share, 30), strip);
+        });
+        drags.start(16);
+        loop.exec();
+        state.SetIterationTime(seconds / std::max(pictures, 1));
+        model->videoPlayer().setVideoSink(nullptr);
+    }
+}
+BENCHMARK(pictureWhileDragging)
+    ->ArgName("plays")
+    ->Arg(0)
+    ->Arg(1)
+    ->Unit(benchmark::kMillisecond)
+    ->UseManualTime()
+    ->Iterations(3);
+
 } // namespace
 } // namespace corvanta
 
 int main(int argumentCount, char** arguments) {
     benchmark::Initialize(&argumentCount, arguments);
-    const QCoreApplication application(argumentCount, arguments);
+    setenv("QT_QPA_PLATFORM", "offscreen", 0);
+    const QGuiApplication application(argumentCount, arguments);
     const auto folder = corvanta::fs::temp_directory_path() / "corvanta-editor-benchmark";
     setenv("XDG_DATA_HOME", folder.c_str(), 1);
     corvanta::SharedCorvantaSdkCommonKt::sdk_common().setAuth(
