@@ -1,28 +1,7 @@
+#include "noise_library/support/allocation_count.hpp"
 #include "noise_library/support/library_scope.hpp"
 
-#include <atomic>
-#include <cstdlib>
 #include <gmock/gmock.h>
-#include <new>
-
-namespace {
-
-/// How often memory was asked for with new; 0 under a sanitizer, which keeps its own operators.
-std::atomic<long> allocations = 0;
-
-} // namespace
-
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* const memory = std::malloc(size))
-        return memory;
-    throw std::bad_alloc();
-}
-
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-#endif
 
 namespace {
 
