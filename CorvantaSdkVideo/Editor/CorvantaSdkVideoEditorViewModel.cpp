@@ -2,6 +2,7 @@
 
 #include <CorvantaSdkVideo/Editor/Player/QtMediaPlayer.hpp>
 #include <CorvantaSdkVideo/Editor/QtExecutor.hpp>
+#include <CorvantaSdkVideo/Editor/StripThumbnails.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
 #include <platform/UUID.hpp>
@@ -37,6 +38,7 @@ CorvantaSdkVideoEditorViewModel::CorvantaSdkVideoEditorViewModel(
       videoURL_(input.url()), outputURL_(locationFor(output)),
       isAuthenticated_(credentialsManager->isUserAuthenticated()),
       completion_(completion ? std::move(completion) : [](const CorvantaSdkVideoEditorResult&) {}),
+      stripThumbnails_(std::make_unique<StripThumbnails>(editor_, videoURL_, thumbnailCount)),
       videoPlayer_(makeMediaPlayer ? makeMediaPlayer(videoURL_) : QtMediaPlayer::make(videoURL_)) {
     connect(videoPlayer_.get(), &MediaPlayer::didPlayToEndTime, this, &ViewModel::onDidFinishPlaying);
     connect(videoPlayer_.get(), &MediaPlayer::timeObserved, this, [this](double seconds) {
@@ -48,13 +50,10 @@ CorvantaSdkVideoEditorViewModel::CorvantaSdkVideoEditorViewModel(
     connect(videoPlayer_.get(), &MediaPlayer::recovered, this,
             [this] { tellWhatIsWrong(fileNotice_, false); });
     connect(videoPlayer_.get(), &MediaPlayer::positionChanged, this, &ViewModel::followPlayer);
+    connect(stripThumbnails_.get(), &StripThumbnails::made, this, &ViewModel::setThumbnail);
 }
 
-CorvantaSdkVideoEditorViewModel::~CorvantaSdkVideoEditorViewModel() {
-    if (stopThumbnail_) {
-        stopThumbnail_();
-    }
-}
+CorvantaSdkVideoEditorViewModel::~CorvantaSdkVideoEditorViewModel() = default;
 
 void CorvantaSdkVideoEditorViewModel::showTrimmer() { showTab(true, false, false); }
 
@@ -69,7 +68,7 @@ void CorvantaSdkVideoEditorViewModel::showTab(bool trimmer, bool sound, bool rot
 }
 
 void CorvantaSdkVideoEditorViewModel::trimVideo(Handler handler) {
-    startEdit({videoURL_, outputURL_, trimmerStart(), stopAt(), videoRotation() + currentRotation_,
+    startEdit({videoURL_, outputURL_, trimmerStart(), stopAt(), videoRotation() + currentRotation(),
                videoPlayer_->volume()},
               std::move(handler));
 }

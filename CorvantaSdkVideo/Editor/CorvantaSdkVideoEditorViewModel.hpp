@@ -5,6 +5,7 @@
 #include <CorvantaSdkVideo/CredentialsManager/CorvantaCredentialsManager.hpp>
 #include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditor.hpp>
 #include <CorvantaSdkVideo/Editor/Player/MediaPlayer.hpp>
+#include <CorvantaSdkVideo/Editor/TrimmerGeometry.hpp>
 #include <CorvantaSdkVideo/Editor/Views/CorvantaColor.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Shared/VideosInformationGenerator.hpp>
@@ -28,8 +29,7 @@
 
 namespace corvanta {
 
-/// Which part of the trimmer's frame a touch is on.
-enum class TrimEdge { right, left, center, none };
+class StripThumbnails;
 
 /// The editor's whole state and all its rules; the screen shows the properties and forwards gestures.
 ///
@@ -90,7 +90,7 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     static constexpr int trimmerHeight = 64;
     static constexpr int trimmerHorizontalPadding = 16;
     static constexpr double thumbnailListHorizontalPadding = 24;
-    static constexpr double thumbnailHorizontalPadding = 24;
+    static constexpr double thumbnailHorizontalPadding = TrimmerGeometry::thumbnailHorizontalPadding;
     static constexpr double spacing = 20;
     static constexpr double tabOptionsHeight = 20;
     static constexpr double spacersMinimumHeight = 20;
@@ -141,7 +141,7 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     /// Whether a tap there is inside of the frame and beside what shows of the handles.
     Q_INVOKABLE bool isBetweenHandlesAt(double position) const;
     /// The time that a position on the strip stands for.
-    Q_INVOKABLE double secondsAt(double position) const;
+    Q_INVOKABLE double secondsAt(double position) const { return geometry_.secondsAt(position); }
 
     Q_INVOKABLE void handleAction();
     /// Shows the picture at that time, which need not be a whole second; playing goes on from there.
@@ -192,9 +192,8 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
 
     /// What one frame of the file takes on the strip.
     double frameDistance() const;
-    /// Seconds; 0 before the file has been read.
+    /// 0 before the file has been read.
     double frameDuration() const { return frameDuration_; }
-    /// Seconds.
     double keptLength() const { return keptLength_; }
     /// Whether the range is the whole clip, by what a hand can tell.
     bool keepsAll() const { return keepsAll_; }
@@ -204,24 +203,24 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     QSize thumbnailPixels() const;
     /// What was read of the file; nothing before, and of a file that can't be read.
     const std::optional<CorvantaSdkVideoInformation>& information() const { return information_; }
-    bool isMakingThumbnails() const { return isMakingThumbnails_; }
+    bool isMakingThumbnails() const;
 
     double screenWidth() const { return screenWidth_; }
     double screenHeight() const { return screenHeight_; }
     /// The centres of the grab handles, 12 points inside the frame's outer sides.
-    double leftEdgePosition() const { return leftEdgePosition_; }
-    double rightEdgePosition() const { return rightEdgePosition_; }
-    double trimmerRightEdgePosition() const { return trimmerRightEdgePosition_; }
-    double videoDuration() const { return videoDuration_; }
-    QSizeF videoResolution() const { return videoResolution_; }
-    std::optional<Orientation> videoOrientation() const { return videoOrientation_; }
+    double leftEdgePosition() const { return geometry_.leftEdge(); }
+    double rightEdgePosition() const { return geometry_.rightEdge(); }
+    double trimmerRightEdgePosition() const { return geometry_.rightSide(); }
+    double videoDuration() const { return geometry_.duration(); }
+    QSizeF videoResolution() const;
+    std::optional<Orientation> videoOrientation() const;
 
     static constexpr int totalTrimmerHorizontalPadding() { return 2 * trimmerHorizontalPadding; }
     static constexpr double totalThumbnailListHorizontalPadding() {
         return 2 * thumbnailListHorizontalPadding;
     }
     double trimmerInitialWidth() const { return screenWidth_ - totalTrimmerHorizontalPadding(); }
-    double trimmerCenter() const { return trimmerXOffset() + trimmerSize().width() / 2; }
+    double trimmerCenter() const { return geometry_.center(); }
 
     bool didFinishPlaying() const { return didFinishPlaying_; }
     bool isPlaying() const { return isPlaying_; }
@@ -238,10 +237,10 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
     /// What `muteVideo` comes back to; 0 before the first mute.
     double previousVolumeHeight() const { return previousVolumeHeight_; }
     /// Degrees, as the file's probe states them.
-    std::int64_t currentRotation() const { return currentRotation_; }
+    std::int64_t currentRotation() const { return information_ ? information_->rotation() : 0; }
 
     /// Whether the file has a sound track.
-    bool hasSound() const { return hasSound_; }
+    bool hasSound() const { return information_ && !information_->audios.empty(); }
 
     /// The file has been read: it has a length, and can be edited.
     bool isReady() const { return isReady_; }
@@ -304,19 +303,14 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
 
     void setupInitialUI();
     void updateUIforTrimmingIfNeeded();
-    TrimEdge getTrimEdge(const QPointF& location) const;
     void moveRightEdge(double position);
     void moveLeftEdge(double position);
     void moveTrimmerCenter(double position);
-    double calculateLeftSpaceSize(double position) const;
-    double calculateRightSpaceSize(double position) const;
-    void setLeftEdgePosition(double position);
-    void setRightEdgePosition(double position);
     void setRightSpaceSize(double size);
     void setTrimmerStart(double seconds);
     void setStopAt(double seconds);
     void updateRange();
-    void placeEdges(double left, double right);
+    void showFrame();
 
     void takeInformation(const CorvantaSdkVideoInformation& information, double duration);
     void tellWhatIsWrong(const QString& file, bool playerHasFailed);
@@ -339,8 +333,6 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
 
     // These hold the view model weakly, and look at it on the Qt thread alone.
     static Task<> readVideo(QPointer<ViewModel> model, VideosInformationGenerator generator, URL video);
-    static Task<> makeThumbnails(QPointer<ViewModel> model, std::shared_ptr<CorvantaSdkVideoEditor> editor,
-                                 URL video);
     static Task<> runEdit(QPointer<ViewModel> model, std::shared_ptr<CorvantaSdkVideoEditor> editor,
                           CorvantaSdkVideoEditorInput input, Handler handler);
 
@@ -354,22 +346,14 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
 
     double screenWidth_ = 0;
     double screenHeight_ = 0;
-    double leftEdgePosition_ = 0;
-    double rightEdgePosition_ = 0;
-    double trimmerRightEdgePosition_ = 0;
+    TrimmerGeometry geometry_{trimmerInitialWidth()};
     bool isUnreadable_ = false;
     QString fileNotice_;
     bool playerHasFailed_ = false;
-    double videoDuration_ = 0;
-    /// Seconds.
     double frameDuration_ = 0;
-    bool hasSound_ = false;
     /// Where the player stands, in seconds.
     double playerPosition_ = 0;
     std::optional<CorvantaSdkVideoInformation> information_;
-    QSizeF videoResolution_{0, 0};
-    std::optional<Orientation> videoOrientation_;
-    std::int64_t currentRotation_ = 0;
     double previousVolumeHeight_ = 0;
     bool isClosing_ = false;
     /// Ends the edit that runs; empty while none does.
@@ -377,12 +361,7 @@ class CorvantaSdkVideoEditorViewModel : public QObject {
 
     /// The screen's pixels in a point.
     double pixelRatio_ = 1;
-    /// What the newest round of thumbnails is made for.
-    QSize thumbnailPixels_;
-    int thumbnailRound_ = 0;
-    bool isMakingThumbnails_ = false;
-    /// Ends the run for the one that is being made; empty while none is.
-    std::function<void()> stopThumbnail_;
+    const std::unique_ptr<StripThumbnails> stripThumbnails_;
 
 // Assigning to one of these emits its signal if the value has changed.
 #define CORVANTA_OBSERVABLE(Type, property, start)                                                           \

@@ -35,7 +35,7 @@ void CorvantaSdkVideoEditorViewModel::trimVideo(CorvantaSdkVideoCut cut, Handler
                .outputURL = outputURL_,
                .startPosition = trimmerStart(),
                .endPosition = stopAt(),
-               .rotationAngle = copies ? videoRotation() - currentRotation_ : videoRotation(),
+               .rotationAngle = copies ? videoRotation() - currentRotation() : videoRotation(),
                .volumen = videoPlayer_->volume(),
                .cut = cut},
               std::move(handler));

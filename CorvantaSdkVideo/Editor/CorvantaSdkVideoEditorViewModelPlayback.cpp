@@ -40,7 +40,7 @@ void CorvantaSdkVideoEditorViewModel::followPlayer(double seconds) {
 
 void CorvantaSdkVideoEditorViewModel::seekTo(double seconds) {
     didFinishPlaying_ = false;
-    videoPlayer_->seek(std::clamp(seconds, 0.0, videoDuration_));
+    videoPlayer_->seek(std::clamp(seconds, 0.0, videoDuration()));
 }
 
 // On whole seconds: that is how coarse the picture shown while trimming is meant to be.

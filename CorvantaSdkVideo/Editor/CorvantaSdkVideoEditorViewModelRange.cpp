@@ -1,9 +1,5 @@
 #include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorViewModel.hpp>
 
-#include <CorvantaSdkVideo/Editor/TrimmerGeometry.hpp>
-
-#include <algorithm>
-
 namespace corvanta {
 
 void CorvantaSdkVideoEditorViewModel::resizeTrimmer(const QSizeF& forScreenSize) {
@@ -11,17 +7,16 @@ void CorvantaSdkVideoEditorViewModel::resizeTrimmer(const QSizeF& forScreenSize)
     screenHeight_ = forScreenSize.height();
     setupInitialUI();
     if (isReady() && isTrimmerRangeVisible()) {
-        const double pointsPerSecond = trimmerInitialWidth() / videoDuration_;
-        placeEdges(trimmerStart() * pointsPerSecond + handleInset, stopAt() * pointsPerSecond - handleInset);
+        geometry_.placeAround({trimmerStart(), stopAt()});
+        showFrame();
     }
 }
 
-void CorvantaSdkVideoEditorViewModel::placeEdges(double left, double right) {
-    setLeftEdgePosition(left);
-    setRightEdgePosition(right);
-    leftSpaceSize_ = calculateLeftSpaceSize(left);
-    setRightSpaceSize(calculateRightSpaceSize(right));
-    trimmerSize_ = QSizeF(trimmerRightEdgePosition_ - trimmerXOffset(), trimmerHeight);
+void CorvantaSdkVideoEditorViewModel::showFrame() {
+    trimmerXOffset_ = geometry_.leftSide();
+    leftSpaceSize_ = geometry_.leftSpace();
+    setRightSpaceSize(geometry_.rightSpace());
+    trimmerSize_ = QSizeF(geometry_.frameWidth(), trimmerHeight);
 }
 
 void CorvantaSdkVideoEditorViewModel::moveStartBy(double distance) {
@@ -29,10 +24,9 @@ void CorvantaSdkVideoEditorViewModel::moveStartBy(double distance) {
         return;
     }
     updateUIforTrimmingIfNeeded();
-    // On a smaller screen the edges may stand closer than they can be brought here.
-    const double furthest = std::max(leftEdgePosition_, rightEdgePosition_ - minimumEdgeDistance);
-    placeEdges(std::max(handleInset, std::min(leftEdgePosition_ + distance, furthest)), rightEdgePosition_);
-    setTrimmerStart(secondsAt(trimmerXOffset()));
+    geometry_.moveLeftEdgeBy(distance);
+    showFrame();
+    setTrimmerStart(geometry_.range().start);
     videoPlayer_->seek(trimmerStart());
 }
 
@@ -41,10 +35,9 @@ void CorvantaSdkVideoEditorViewModel::moveEndBy(double distance) {
         return;
     }
     updateUIforTrimmingIfNeeded();
-    const double nearest = std::min(rightEdgePosition_, leftEdgePosition_ + minimumEdgeDistance);
-    const double last = trimmerInitialWidth() - handleInset;
-    placeEdges(leftEdgePosition_, std::min(last, std::max(rightEdgePosition_ + distance, nearest)));
-    setStopAt(std::min(videoDuration_, secondsAt(trimmerRightEdgePosition_)));
+    geometry_.moveRightEdgeBy(distance);
+    showFrame();
+    setStopAt(geometry_.range().end);
 }
 
 void CorvantaSdkVideoEditorViewModel::moveRangeBy(double distance) {
@@ -52,11 +45,10 @@ void CorvantaSdkVideoEditorViewModel::moveRangeBy(double distance) {
         return;
     }
     updateUIforTrimmingIfNeeded();
-    const double toTheRight = trimmerInitialWidth() - handleInset - rightEdgePosition_;
-    const double possible = std::max(handleInset - leftEdgePosition_, std::min(distance, toTheRight));
-    placeEdges(leftEdgePosition_ + possible, rightEdgePosition_ + possible);
-    setTrimmerStart(std::max(0.0, secondsAt(trimmerXOffset())));
-    setStopAt(std::min(videoDuration_, secondsAt(trimmerRightEdgePosition_)));
+    geometry_.moveBy(distance);
+    showFrame();
+    setTrimmerStart(geometry_.range().start);
+    setStopAt(geometry_.range().end);
     videoPlayer_->seek(trimmerStart());
 }
 
@@ -65,22 +57,16 @@ void CorvantaSdkVideoEditorViewModel::keep(double start, double end) {
         return;
     }
     updateUIforTrimmingIfNeeded();
-    const double pointsPerSecond = trimmerInitialWidth() / videoDuration_;
-    const double least = (minimumEdgeDistance + 2 * handleInset) / pointsPerSecond;
-    // The edge that stays holds the one that moves.
-    const bool movesStart = start != trimmerStart();
-    const double first = std::clamp(start, 0.0, std::max(0.0, videoDuration_ - least));
-    const double last = std::clamp(end, std::min(least, videoDuration_), videoDuration_);
-    const double from = movesStart ? std::min(first, std::max(0.0, last - least)) : first;
-    const double to = movesStart ? last : std::max(last, std::min(videoDuration_, first + least));
-    placeEdges(from * pointsPerSecond + handleInset, to * pointsPerSecond - handleInset);
-    setTrimmerStart(from);
-    setStopAt(to);
+    const CorvantaSdkVideoTimeRange kept = geometry_.nearestTo({start, end}, start != trimmerStart());
+    geometry_.placeAround(kept);
+    showFrame();
+    setTrimmerStart(kept.start);
+    setStopAt(kept.end);
 }
 
 void CorvantaSdkVideoEditorViewModel::resetRange() {
     if (isReady()) {
-        keep(0, videoDuration_);
+        keep(0, videoDuration());
         videoPlayer_->seek(0);
     }
 }
@@ -90,16 +76,15 @@ bool CorvantaSdkVideoEditorViewModel::hasChanges() const {
 }
 
 bool CorvantaSdkVideoEditorViewModel::isFreeAt(double position) const {
-    return isReady() && isBetweenHandlesAt(position) && getTrimEdge(QPointF(position, 0)) == TrimEdge::none;
+    return isBetweenHandlesAt(position) && geometry_.getTrimEdge(position) == TrimEdge::none;
 }
 
 bool CorvantaSdkVideoEditorViewModel::isBetweenHandlesAt(double position) const {
-    return isReady() && position >= leftEdgePosition_ + handleInset &&
-           position <= rightEdgePosition_ - handleInset;
+    return isReady() && geometry_.isBetweenHandles(position);
 }
 
 double CorvantaSdkVideoEditorViewModel::frameDistance() const {
-    return isReady() ? trimmerInitialWidth() * frameDuration_ / videoDuration_ : 0;
+    return isReady() ? trimmerInitialWidth() * frameDuration_ / videoDuration() : 0;
 }
 
 } // namespace corvanta

@@ -2,17 +2,14 @@
 
 #include <CorvantaSdkVideo/Editor/EditorTasks.hpp>
 #include <CorvantaSdkVideo/Editor/PictureColors.hpp>
-#include <CorvantaSdkVideo/Editor/PictureFile.hpp>
+#include <CorvantaSdkVideo/Editor/StripThumbnails.hpp>
 #include <platform/AssetDuration.hpp>
-
-#include <boost/asio/cancellation_signal.hpp>
 
 #include <QCoreApplication>
 #include <QStringList>
 
 #include <cmath>
 #include <exception>
-#include <memory>
 #include <utility>
 
 namespace corvanta {
@@ -26,22 +23,6 @@ QString noticeText(const char* source) {
 Task<std::vector<CorvantaSdkVideoInformation>> probed(VideosInformationGenerator generator, URL video) {
     std::vector<URL> videos{std::move(video)};
     co_return co_await generator.getVideosInformation(std::move(videos));
-}
-
-// The picture is null if there is none that can be read.
-Task<QImage> thumbnail(std::shared_ptr<CorvantaSdkVideoEditor> editor, URL video, double position, QSize size,
-                       PictureColors colors) {
-    const PictureInTheMaking open;
-    std::optional<URL> file;
-    try {
-        file = co_await editor->getThumbnailForVideo(std::move(video), position, size.width(), size.height());
-    } catch (const std::exception&) {
-        // The strip stays blank from here on.
-        co_return QImage();
-    }
-    QImage image(QString::fromStdString(file->path()));
-    removeIfMade(*file);
-    co_return withColors(std::move(image), colors);
 }
 
 // A probe's "30000/1001" as seconds; that of the usual rate where there is none.
@@ -84,12 +65,8 @@ void CorvantaSdkVideoEditorViewModel::takeInformation(const CorvantaSdkVideoInfo
     if (size.width > 0 && size.height > 0) {
         videoAspectRatio_ = size.width / size.height;
     }
-    videoDuration_ = duration;
-    videoResolution_ = QSizeF(size.width, size.height);
-    videoOrientation_ = information.orientation;
-    currentRotation_ = information.rotation();
+    geometry_.setDuration(duration);
     frameDuration_ = frameDurationOf(information);
-    hasSound_ = !information.audios.empty();
     setStopAt(duration);
     isReady_ = duration > 0;
     isUnreadable_ = !isReady();
@@ -113,20 +90,17 @@ void CorvantaSdkVideoEditorViewModel::tellWhatIsWrong(const QString& file, bool 
 }
 
 void CorvantaSdkVideoEditorViewModel::generateThumbnails() {
-    ++thumbnailRound_;
-    thumbnailPixels_ = thumbnailPixels();
-    if (!std::exchange(isMakingThumbnails_, true)) {
-        startOnQtThread(makeThumbnails(this, editor_, videoURL_));
-    } else if (stopThumbnail_) {
-        stopThumbnail_();
-    }
+    stripThumbnails_->make(videoDuration(), thumbnailPixels(),
+                           information_ ? pictureColorsOf(*information_) : PictureColors{});
 }
 
 void CorvantaSdkVideoEditorViewModel::renewThumbnails() {
-    if (isReady() && thumbnailPixels() != thumbnailPixels_) {
+    if (isReady() && thumbnailPixels() != stripThumbnails_->pixels()) {
         generateThumbnails();
     }
 }
+
+bool CorvantaSdkVideoEditorViewModel::isMakingThumbnails() const { return stripThumbnails_->isMaking(); }
 
 QSize CorvantaSdkVideoEditorViewModel::thumbnailPixels() const {
     constexpr int padding =
@@ -136,44 +110,19 @@ QSize CorvantaSdkVideoEditorViewModel::thumbnailPixels() const {
             static_cast<int>(std::lround(trimmerHeight * pixelRatio_))};
 }
 
-// One task makes them all: a new round begins when the picture that is being made has come, or its run has
-// ended without it.
-Task<> CorvantaSdkVideoEditorViewModel::makeThumbnails(QPointer<ViewModel> model,
-                                                       std::shared_ptr<CorvantaSdkVideoEditor> editor,
-                                                       URL video) {
-    if (!model) {
-        co_return;
-    }
-    int round = model->thumbnailRound_;
-    int index = 0;
-    while (index < thumbnailCount) {
-        const double duration = model->videoDuration_;
-        const double position = duration - index * (duration / thumbnailCount);
-        const auto stop = std::make_shared<boost::asio::cancellation_signal>();
-        model->stopThumbnail_ = [stop] { stop->emit(boost::asio::cancellation_type::terminal); };
-        const PictureColors colors =
-            model->information_ ? pictureColorsOf(*model->information_) : PictureColors{};
-        Task<QImage> making = thumbnail(editor, video, position, model->thumbnailPixels_, colors);
-        const QImage image = co_await onEditorWorker(std::move(making), stop);
-        if (!model) {
-            co_return;
-        }
-        if (std::exchange(round, model->thumbnailRound_) != model->thumbnailRound_) {
-            index = 0;
-        } else if (image.isNull()) {
-            break;
-        } else {
-            model->setThumbnail(index++, image);
-        }
-    }
-    model->stopThumbnail_ = {};
-    model->isMakingThumbnails_ = false;
-}
-
 void CorvantaSdkVideoEditorViewModel::setThumbnail(int index, const QImage& image) {
     QList<QImage> images = thumbnails();
     images[index] = image;
     thumbnails_ = images;
+}
+
+QSizeF CorvantaSdkVideoEditorViewModel::videoResolution() const {
+    return information_ ? QSizeF(information_->videoSize.width, information_->videoSize.height)
+                        : QSizeF(0, 0);
+}
+
+std::optional<Orientation> CorvantaSdkVideoEditorViewModel::videoOrientation() const {
+    return information_ ? std::optional(information_->orientation) : std::nullopt;
 }
 
 } // namespace corvanta

@@ -2,17 +2,12 @@
 
 #include <CorvantaSdkVideo/Editor/EditorTasks.hpp>
 #include <CorvantaSdkVideo/Editor/Gestures.hpp>
-#include <CorvantaSdkVideo/Editor/TrimmerGeometry.hpp>
 
-#include <algorithm>
 #include <cmath>
 
 namespace corvanta {
 
 namespace {
-
-constexpr double centerTouchDistance = 16;
-constexpr double edgeTouchDistance = 48;
 
 // Minutes keep counting past the hour; fractions are cut off.
 QString durationText(double seconds) {
@@ -36,10 +31,10 @@ void CorvantaSdkVideoEditorViewModel::setupTrimmer(const QSizeF& forScreenSize) 
 
 void CorvantaSdkVideoEditorViewModel::setupInitialUI() {
     const double width = trimmerInitialWidth();
+    geometry_.layOut(width);
     trimmerSize_ = QSizeF(width, trimmerHeight);
     thumbnailSize_ = QSizeF((width - totalThumbnailListHorizontalPadding()) / thumbnailCount, trimmerHeight);
-    setLeftEdgePosition(handleInset);
-    setRightEdgePosition(width - handleInset);
+    trimmerXOffset_ = geometry_.leftSide();
 }
 
 void CorvantaSdkVideoEditorViewModel::applyTrimming(const QPointF& location, const QRectF& strip) {
@@ -47,15 +42,16 @@ void CorvantaSdkVideoEditorViewModel::applyTrimming(const QPointF& location, con
         return;
     }
     updateUIforTrimmingIfNeeded();
-    switch (getTrimEdge(location)) {
+    const double position = location.x();
+    switch (geometry_.getTrimEdge(position)) {
     case TrimEdge::right:
-        moveRightEdge(location.x());
+        moveRightEdge(position);
         break;
     case TrimEdge::left:
-        moveLeftEdge(location.x());
+        moveLeftEdge(position);
         break;
     case TrimEdge::center:
-        moveTrimmerCenter(location.x());
+        moveTrimmerCenter(position);
         break;
     case TrimEdge::none:
         break;
@@ -69,77 +65,33 @@ void CorvantaSdkVideoEditorViewModel::updateUIforTrimmingIfNeeded() {
     }
 }
 
-// The order decides where zones overlap: a narrow frame is moved, not resized.
-TrimEdge CorvantaSdkVideoEditorViewModel::getTrimEdge(const QPointF& location) const {
-    const double x = location.x();
-    if (std::abs(x - trimmerCenter()) <= centerTouchDistance) {
-        return TrimEdge::center;
-    }
-    if (std::abs(x - rightEdgePosition_) <= edgeTouchDistance) {
-        return TrimEdge::right;
-    }
-    if (std::abs(x - leftEdgePosition_) <= edgeTouchDistance) {
-        return TrimEdge::left;
-    }
-    return TrimEdge::none;
-}
-
 void CorvantaSdkVideoEditorViewModel::moveRightEdge(double position) {
-    if (!(position - leftEdgePosition_ > minimumEdgeDistance &&
-          trimmerInitialWidth() - handleInset > position)) {
-        return;
+    if (geometry_.moveRightEdge(position)) {
+        setRightSpaceSize(geometry_.rightSpace());
+        trimmerSize_ = QSizeF(geometry_.frameWidth(), trimmerSize().height());
+        setStopAt(geometry_.range().end);
     }
-    setRightSpaceSize(calculateRightSpaceSize(position));
-    setRightEdgePosition(position);
-    trimmerSize_ = QSizeF(trimmerRightEdgePosition_ - trimmerXOffset(), trimmerSize().height());
-    setStopAt(secondsAt(trimmerRightEdgePosition_));
 }
 
 void CorvantaSdkVideoEditorViewModel::moveLeftEdge(double position) {
-    if (!(rightEdgePosition_ - position > minimumEdgeDistance && position > handleInset)) {
-        return;
+    if (geometry_.moveLeftEdge(position)) {
+        leftSpaceSize_ = geometry_.leftSpace();
+        trimmerXOffset_ = geometry_.leftSide();
+        trimmerSize_ = QSizeF(geometry_.frameWidth(), trimmerSize().height());
+        setTrimmerStart(geometry_.range().start);
+        seek(trimmerStart());
     }
-    leftSpaceSize_ = calculateLeftSpaceSize(position);
-    setLeftEdgePosition(position);
-    trimmerSize_ = QSizeF(trimmerRightEdgePosition_ - trimmerXOffset(), trimmerSize().height());
-    setTrimmerStart(secondsAt(trimmerXOffset()));
-    seek(trimmerStart());
 }
 
 void CorvantaSdkVideoEditorViewModel::moveTrimmerCenter(double position) {
-    const double delta = position - trimmerCenter();
-    const double left = leftEdgePosition_ + delta;
-    const double right = rightEdgePosition_ + delta;
-    // Tested on the very numbers that are stored, so that rounding can't put the end past the duration.
-    if (!(left >= handleInset && right + handleInset <= trimmerInitialWidth())) {
-        return;
+    if (geometry_.moveTrimmerCenter(position)) {
+        trimmerXOffset_ = geometry_.leftSide();
+        leftSpaceSize_ = geometry_.leftSpace();
+        setRightSpaceSize(geometry_.rightSpace());
+        setTrimmerStart(geometry_.range().start);
+        seek(trimmerStart());
+        setStopAt(geometry_.range().end);
     }
-    setLeftEdgePosition(left);
-    // The spaces are functions of the touch, not of the edges.
-    leftSpaceSize_ = calculateLeftSpaceSize(position);
-    setRightSpaceSize(calculateRightSpaceSize(position));
-    setTrimmerStart(secondsAt(trimmerXOffset()));
-    seek(trimmerStart());
-    setRightEdgePosition(right);
-    setStopAt(secondsAt(trimmerRightEdgePosition_));
-}
-
-double CorvantaSdkVideoEditorViewModel::calculateLeftSpaceSize(double position) const {
-    return std::min(position, thumbnailHorizontalPadding);
-}
-
-double CorvantaSdkVideoEditorViewModel::calculateRightSpaceSize(double position) const {
-    return std::min(trimmerInitialWidth() - position, thumbnailHorizontalPadding);
-}
-
-void CorvantaSdkVideoEditorViewModel::setLeftEdgePosition(double position) {
-    leftEdgePosition_ = position;
-    trimmerXOffset_ = position - handleInset;
-}
-
-void CorvantaSdkVideoEditorViewModel::setRightEdgePosition(double position) {
-    rightEdgePosition_ = position;
-    trimmerRightEdgePosition_ = position + handleInset;
 }
 
 void CorvantaSdkVideoEditorViewModel::setRightSpaceSize(double size) {
@@ -158,15 +110,9 @@ void CorvantaSdkVideoEditorViewModel::setStopAt(double seconds) {
 }
 
 void CorvantaSdkVideoEditorViewModel::updateRange() {
-    // An edge that was brought back by hand stands a hair beside the end.
-    const double hair = videoDuration_ / std::max(1.0, 4 * trimmerInitialWidth());
-    keepsAll_ = trimmerStart() <= hair && stopAt() >= videoDuration_ - hair;
+    keepsAll_ = geometry_.isWhole({trimmerStart(), stopAt()});
     keptLength_ = stopAt() - trimmerStart();
     trimmerRange_ = durationText(trimmerStart()) + QStringLiteral(" - ") + durationText(stopAt());
-}
-
-double CorvantaSdkVideoEditorViewModel::secondsAt(double position) const {
-    return videoDuration_ * (position / trimmerInitialWidth());
 }
 
 } // namespace corvanta
