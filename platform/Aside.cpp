@@ -28,6 +28,7 @@ Task<> runAside(std::function<void(std::stop_token)> work) {
             }
             return "";
         };
+        plan.answering = CommandPlan::Answering::lasting;
         plan.onComplete = std::move(onComplete);
         return SessionRunner::shared().run(SessionRunner::Program::none, std::move(plan));
     };

@@ -46,13 +46,7 @@ struct AssetReader::Context {
 
     std::span<AVStream* const> streams() const { return {format().streams, format().nb_streams}; }
 
-    // A cover is no track.
-    const AVStream* firstTrack(AVMediaType type) const {
-        const auto found = std::ranges::find_if(streams(), [type](const AVStream* stream) {
-            return stream->codecpar->codec_type == type && !isCover(*stream);
-        });
-        return found != streams().end() ? *found : nullptr;
-    }
+    const AVStream* firstTrack(AVMediaType type) const { return corvanta::firstTrack(format(), type); }
 
     const std::string path;
     // Most containers tell what is wanted in their header; the others need some packets read.
@@ -92,19 +86,7 @@ std::optional<AffineTransform> AssetReader::firstVideoTrackTransform() {
     if (context_->firstTrack(AVMEDIA_TYPE_VIDEO) == nullptr) {
         context_->media.analyse();
     }
-    const AVStream* track = context_->firstTrack(AVMEDIA_TYPE_VIDEO);
-    if (track == nullptr) {
-        return std::nullopt;
-    }
-    std::size_t size = 0;
-    const auto* matrix = reinterpret_cast<const std::int32_t*>(
-        av_stream_get_side_data(track, AV_PKT_DATA_DISPLAYMATRIX, &size));
-    if (matrix == nullptr || size < 9 * sizeof(std::int32_t)) {
-        return AffineTransform{};
-    }
-    constexpr double fixedPointOne = 65536;
-    return AffineTransform{matrix[0] / fixedPointOne, matrix[1] / fixedPointOne, matrix[3] / fixedPointOne,
-                           matrix[4] / fixedPointOne};
+    return displayTransform(context_->format());
 }
 
 std::optional<VideoTrackFormat> AssetReader::firstVideoTrackFormat() {

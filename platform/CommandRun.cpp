@@ -54,14 +54,19 @@ bool isShortage(const std::error_code& error) {
 
 // A few threads of their own, so that a slow file holds up no other session's callbacks. The host's signal
 // handlers have no business on them.
-asio::thread_pool& probingThreads() {
-    static asio::thread_pool* const shared = [] {
-        const BlockedSignals blocked;
-        static NeverDestroyed<asio::thread_pool> threads(
-            std::clamp(std::thread::hardware_concurrency(), 1U, 4U));
-        return &*threads;
-    }();
-    return *shared;
+struct AnsweringThreads : asio::thread_pool {
+    AnsweringThreads() : AnsweringThreads(BlockedSignals()) {}
+
+  private:
+    explicit AnsweringThreads(const BlockedSignals&)
+        : asio::thread_pool(std::clamp(std::thread::hardware_concurrency(), 1U, 4U)) {}
+};
+
+// An hour of sound that is cleaned keeps nobody from being told how long a clip is.
+AnsweringThreads& threadsFor(CommandPlan::Answering answering) {
+    static NeverDestroyed<AnsweringThreads> brief;
+    static NeverDestroyed<AnsweringThreads> lasting;
+    return answering == CommandPlan::Answering::brief ? *brief : *lasting;
 }
 
 template <typename Number>
@@ -97,7 +102,7 @@ void CommandRun::begin() {
     }
     setRunning();
     try {
-        asio::post(probingThreads(), [self = shared_from_this(), answer] {
+        asio::post(threadsFor(plan_.answering), [self = shared_from_this(), answer] {
             asio::post(self->strand_, [self, output = answer(self->cancelled_.get_token())]() mutable {
                 self->answered(std::move(output));
             });

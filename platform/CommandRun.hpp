@@ -28,6 +28,8 @@ struct CommandPlan {
     /// What answers in the program's place, if it can; absent for most. Called on a thread where it may
     /// block, and must not throw. Without an answer the program runs.
     std::function<std::optional<std::string>(const std::stop_token&)> answer;
+    /// One that may take minutes holds up no brief one.
+    enum class Answering { brief, lasting } answering = Answering::brief;
     bool keepOutput = false;
     /// The program has been started, or its answer is being made.
     StartCallback onStart;

@@ -5,6 +5,7 @@
 #include <platform/InProcessProbe.hpp>
 #include <platform/MediaOpening.hpp>
 #include <platform/NeverDestroyed.hpp>
+#include <platform/ProbeAhead.hpp>
 #include <platform/SeekNearFrame.hpp>
 #include <platform/SessionRunner.hpp>
 
@@ -136,6 +137,10 @@ std::shared_ptr<Session> FFprobeKit::executeAsync(const std::string& command, Co
     }
     plan.onComplete = std::move(onComplete);
     return SessionRunner::shared().run(SessionRunner::Program::ffprobe, std::move(plan));
+}
+
+std::shared_ptr<void> FFprobeKit::prepare(std::vector<std::string> files) {
+    return isProbingInProcess() ? std::make_shared<ProbeAhead>(std::move(files)) : nullptr;
 }
 
 std::optional<std::string> FFmpegKitConfig::sessionStateToString(SessionState state) {

@@ -136,6 +136,10 @@ class FFprobeKit {
   public:
     /// The same for ffprobe.
     static std::shared_ptr<Session> executeAsync(const std::string& command, CompleteCallback onComplete);
+
+    /// Tells that the module's own question is about to be asked about these files, as the commands will name
+    /// them: as long as what it gives lives, they are read ahead where they are read in this process.
+    static std::shared_ptr<void> prepare(std::vector<std::string> files);
 };
 
 /// Process-wide settings. Safe from any thread; they count for sessions started afterwards.

@@ -2,6 +2,7 @@
 
 #include <platform/Errors.hpp>
 #include <platform/MediaOpening.hpp>
+#include <platform/MediaTracks.hpp>
 #include <platform/ProbeMemory.hpp>
 
 #include <nlohmann/json.hpp>
@@ -257,10 +258,15 @@ std::string pathOf(const std::string& file) {
     return file.starts_with("file:") ? file.substr(std::strlen("file:")) : file;
 }
 
-std::string answerFor(const std::string& file, const std::stop_token& stop) {
+ProbeAnswer answerFor(const std::string& file, const std::stop_token& stop) {
     OpenMedia media(pathOf(file), {.patience = patience, .stop = stop});
-    media.analyse();
     AVFormatContext& format = media.format();
+    ProbeAnswer answer;
+    answer.displayTransform = displayTransform(format);
+    media.analyse();
+    if (!answer.displayTransform) {
+        answer.displayTransform = displayTransform(format);
+    }
     if (std::ranges::any_of(streamsOf(format), isTooLarge)) {
         throw PlatformError("InProcessProbe", AVERROR(EFBIG));
     }
@@ -271,7 +277,8 @@ std::string answerFor(const std::string& file, const std::stop_token& stop) {
         root["streams"].push_back(described(format, *stream, codec.get()));
     }
     root["format"] = described(format, file);
-    return root.dump(4, ' ', false, Json::error_handler_t::replace);
+    answer.text = root.dump(4, ' ', false, Json::error_handler_t::replace);
+    return answer;
 }
 
 } // namespace
@@ -289,19 +296,39 @@ std::optional<std::string> fileOfPlainProbe(const std::vector<std::string>& word
 
 std::optional<std::string> probeInProcess(const std::string& file, const std::stop_token& stop) {
     const auto before = stop.stop_requested() ? std::nullopt : settledState(pathOf(file));
+    std::optional<ProbeMemory::Turn> turn;
+    if (before) {
+        turn.emplace(ProbeMemory::shared(), file, stop);
+    }
     if (auto known = before ? ProbeMemory::shared().find(file, *before) : std::nullopt) {
-        return known;
+        return std::move(known->text);
     }
     try {
-        std::string answer = answerFor(file, stop);
+        ProbeAnswer answer = answerFor(file, stop);
         if (before && settledState(pathOf(file)) == before) {
             ProbeMemory::shared().keep(file, *before, answer);
         }
-        return answer;
+        return std::move(answer.text);
     } catch (const std::exception&) {
         // ffprobe tells, in its own way, what is wrong with the file.
         return std::nullopt;
     }
+}
+
+void rememberProbe(const std::string& file, const std::stop_token& stop) {
+    if (settledState(pathOf(file))) {
+        probeInProcess(file, stop);
+    }
+}
+
+bool isProbeRemembered(const std::string& file) {
+    const auto state = settledState(pathOf(file));
+    return state && ProbeMemory::shared().find(file, *state);
+}
+
+std::optional<AffineTransform> probedDisplayTransform(const std::string& path) {
+    const auto state = settledState(path);
+    return state ? ProbeMemory::shared().findDisplayTransform(*state) : std::nullopt;
 }
 
 } // namespace corvanta

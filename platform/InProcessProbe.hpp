@@ -1,5 +1,7 @@
 #pragma once
 
+#include <platform/AffineTransform.hpp>
+
 #include <optional>
 #include <stop_token>
 #include <string>
@@ -15,8 +17,16 @@ std::optional<std::string> fileOfPlainProbe(const std::vector<std::string>& word
 
 /// What ffprobe would write for that command and file, but for some details of side data. Nothing if ffprobe
 /// would fail, if the file can't be read within bounds, or once `stop` is requested: ffprobe itself is to be
-/// asked then. A file that is the same as when it was asked about before isn't read again. Blocks; safe from
-/// any thread.
+/// asked then. A file that is the same as when it was asked about before isn't read again, and what another
+/// thread is reading is waited for. Blocks; safe from any thread.
 std::optional<std::string> probeInProcess(const std::string& file, const std::stop_token& stop);
+
+/// The same for later, of a file whose answer can be remembered.
+void rememberProbe(const std::string& file, const std::stop_token& stop);
+bool isProbeRemembered(const std::string& file);
+
+/// The display transform of the first video track of the file at `path`, if a probe has seen it and the file
+/// is the same since; else nothing. Safe from any thread.
+std::optional<AffineTransform> probedDisplayTransform(const std::string& path);
 
 } // namespace corvanta

@@ -38,26 +38,47 @@ ProbeMemory& ProbeMemory::shared() {
     return *memory;
 }
 
-std::optional<std::string> ProbeMemory::find(const std::string& file, const FileState& state) {
+std::optional<ProbeAnswer> ProbeMemory::find(const std::string& file, const FileState& state) {
     const std::lock_guard lock(mutex_);
-    const auto known = std::ranges::find(answers_, file, &Answer::file);
-    return known != answers_.end() && known->state == state ? std::optional(known->text) : std::nullopt;
+    const auto known = std::ranges::find(entries_, file, &Entry::file);
+    return known != entries_.end() && known->state == state ? std::optional(known->answer) : std::nullopt;
 }
 
-void ProbeMemory::keep(std::string file, const FileState& state, std::string answer) {
+std::optional<AffineTransform> ProbeMemory::findDisplayTransform(const FileState& state) {
     const std::lock_guard lock(mutex_);
-    const auto forget = [this](std::list<Answer>::iterator old) {
-        bytes_ -= old->text.size();
-        answers_.erase(old);
+    const auto known = std::ranges::find(entries_, state, &Entry::state);
+    return known != entries_.end() ? known->answer.displayTransform : std::nullopt;
+}
+
+void ProbeMemory::keep(std::string file, const FileState& state, ProbeAnswer answer) {
+    const std::lock_guard lock(mutex_);
+    const auto forget = [this](std::list<Entry>::iterator old) {
+        bytes_ -= old->answer.text.size();
+        entries_.erase(old);
     };
-    if (const auto known = std::ranges::find(answers_, file, &Answer::file); known != answers_.end()) {
+    if (const auto known = std::ranges::find(entries_, file, &Entry::file); known != entries_.end()) {
         forget(known);
     }
-    bytes_ += answer.size();
-    answers_.push_back({std::move(file), state, std::move(answer)});
+    bytes_ += answer.text.size();
+    entries_.push_back({std::move(file), state, std::move(answer)});
     while (bytes_ > mostBytes_) {
-        forget(answers_.begin());
+        forget(entries_.begin());
     }
+}
+
+ProbeMemory::Turn::Turn(ProbeMemory& memory, std::string file, const std::stop_token& stop)
+    : memory_(memory), file_(std::move(file)) {
+    std::unique_lock lock(memory_.mutex_);
+    memory_.hasBeenRead_.wait(lock, stop, [this] { return !memory_.beingRead_.contains(file_); });
+    memory_.beingRead_.insert(file_);
+}
+
+ProbeMemory::Turn::~Turn() {
+    {
+        const std::lock_guard lock(memory_.mutex_);
+        memory_.beingRead_.extract(file_);
+    }
+    memory_.hasBeenRead_.notify_all();
 }
 
 } // namespace corvanta

@@ -24,6 +24,7 @@ VideosInformationGenerator::getVideosInformation(std::vector<URL> videos) const 
 
 Task<std::vector<CorvantaSdkVideoInformation>>
 VideosInformationGenerator::generateAssetsMetadata(std::vector<URL> videos) const {
+    const auto prepared = commandExecutor_->prepareMediaInformation(videos);
     std::vector<CorvantaSdkVideoInformation> information;
     for (const URL& video : videos) {
         Logger::addLog(Event::getInfo, EventMessage::getInfo(video));

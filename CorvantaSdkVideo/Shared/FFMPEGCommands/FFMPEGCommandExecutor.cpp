@@ -12,6 +12,7 @@
 #include <platform/ConsoleSink.hpp>
 #include <platform/FFmpegKit.hpp>
 #include <platform/FileManager.hpp>
+#include <platform/InProcessProbe.hpp>
 #include <platform/SessionWait.hpp>
 
 #include <boost/asio/this_coro.hpp>
@@ -85,11 +86,13 @@ Display displayOf(const std::vector<CorvantaSdkVideoTrackInformation>& videos,
 }
 
 AffineTransform preferredTransformForStoredFile(const URL& url) {
-    std::optional<AffineTransform> transform;
-    try {
-        transform = AssetReader(url).firstVideoTrackTransform();
-    } catch (const PlatformError&) {
-        // A file that can't be loaded is told like one without the track.
+    std::optional<AffineTransform> transform = probedDisplayTransform(url.path());
+    if (!transform) {
+        try {
+            transform = AssetReader(url).firstVideoTrackTransform();
+        } catch (const PlatformError&) {
+            // A file that can't be loaded is told like one without the track.
+        }
     }
     if (!transform) {
         throw CorvantaSdkVideoError(CorvantaSdkVideoError::missingVideoTrackToMerge,
@@ -127,6 +130,10 @@ Task<> FFMPEGCommandExecutor::executeMeasured(std::string command, OnUpdateSessi
     if (meter) {
         meter->endPart();
     }
+}
+
+std::shared_ptr<void> FFMPEGCommandExecutor::prepareMediaInformation(const std::vector<URL>& /*urls*/) {
+    return nullptr;
 }
 
 void FFMPEGCommandExecutorImplementation::cancelCommandExecution(std::int64_t sessionId) {
@@ -173,6 +180,16 @@ Task<ExecutionResult> FFMPEGCommandExecutorImplementation::executeFFMPEGProbeCom
     const SessionPointer session = co_await run(std::move(start), "ffprobe", nullptr);
     ExecutionResult result{session->getOutput().value_or("")};
     co_return result;
+}
+
+std::shared_ptr<void>
+FFMPEGCommandExecutorImplementation::prepareMediaInformation(const std::vector<URL>& urls) {
+    std::vector<std::string> files;
+    for (const URL& url : urls) {
+        std::string text = url.absoluteString();
+        files.push_back(removingPercentEncoding(text).value_or(std::move(text)));
+    }
+    return FFprobeKit::prepare(std::move(files));
 }
 
 Task<CorvantaSdkVideoInformation> FFMPEGCommandExecutorImplementation::getMediaInformation(URL url) {

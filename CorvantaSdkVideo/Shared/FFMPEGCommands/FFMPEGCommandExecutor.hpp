@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace corvanta {
 
@@ -42,6 +43,10 @@ class FFMPEGCommandExecutor {
     /// can't be read although there is a video track.
     virtual Task<CorvantaSdkVideoInformation> getMediaInformation(URL url) = 0;
 
+    /// Tells that these files are about to be probed, in this order, which may then be faster as long as what
+    /// it gives lives. Asks nothing of an executor.
+    virtual std::shared_ptr<void> prepareMediaInformation(const std::vector<URL>& urls);
+
     /// For callers that don't need the session id.
     Task<> executeFFMPEGCommand(std::string command);
 
@@ -62,6 +67,7 @@ class FFMPEGCommandExecutorImplementation : public FFMPEGCommandExecutor {
     Task<> executeFFMPEGCommand(std::string command, OnUpdateSessionId onUpdateSessionId) override;
     Task<ExecutionResult> executeFFMPEGProbeCommand(std::string arguments) override;
     Task<CorvantaSdkVideoInformation> getMediaInformation(URL url) override;
+    std::shared_ptr<void> prepareMediaInformation(const std::vector<URL>& urls) override;
 };
 
 } // namespace corvanta

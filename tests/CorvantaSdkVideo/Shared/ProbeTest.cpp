@@ -282,7 +282,8 @@ TEST(ProbeTest, RemembersAFileForAsLongAsItIsTheSame) {
     EXPECT_FALSE(ProbeMemory::shared().find(file, *state));
     const auto answer = probeInProcess(file, {});
     ASSERT_TRUE(answer);
-    EXPECT_EQ(ProbeMemory::shared().find(file, *state), answer);
+    EXPECT_EQ(ProbeMemory::shared().find(file, *state)->text, answer);
+    EXPECT_EQ(probedDisplayTransform(file), AffineTransform{});
     FileState other = *state;
     other.changed += std::chrono::nanoseconds(1);
     EXPECT_FALSE(ProbeMemory::shared().find(file, other));
@@ -293,11 +294,14 @@ TEST(ProbeTest, RemembersAFileForAsLongAsItIsTheSame) {
     EXPECT_FALSE(settledState(directory.path()));
 
     ProbeMemory small(5);
-    small.keep("a", *state, "1234");
-    small.keep("a", other, "12");
-    small.keep("b", *state, "345");
-    EXPECT_EQ(small.find("a", other), "12");
-    small.keep("c", *state, "6");
+    const AffineTransform turned{0, 1, -1, 0};
+    small.keep("a", *state, {"1234", {}});
+    small.keep("a", other, {"12", turned});
+    small.keep("b", *state, {"345", {}});
+    EXPECT_EQ(small.find("a", other)->text, "12");
+    EXPECT_EQ(small.findDisplayTransform(other), turned);
+    EXPECT_FALSE(small.findDisplayTransform(*state));
+    small.keep("c", *state, {"6", {}});
     EXPECT_FALSE(small.find("a", other));
     EXPECT_TRUE(small.find("b", *state) && small.find("c", *state));
 }
