@@ -5,6 +5,7 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -43,6 +44,20 @@ inline double median(std::vector<Cost> costs, double Cost::*what) {
     return costs[costs.size() / 2].*what;
 }
 
+/// The median of what the pairs' ratios are, and the quartiles, by which the machine's own unrest is told.
+inline void countRatios(benchmark::State& state, const std::string& name, const std::vector<Cost>& ofBare,
+                        const std::vector<Cost>& ofModule, double Cost::*what) {
+    std::vector<double> ratios;
+    for (std::size_t pair = 0; pair < ofBare.size(); ++pair) {
+        ratios.push_back((ofModule[pair].*what) / (ofBare[pair].*what));
+    }
+    std::ranges::sort(ratios);
+    const std::size_t quarter = ratios.size() / 4;
+    state.counters[name + "_low"] = ratios[quarter];
+    state.counters[name] = ratios[ratios.size() / 2];
+    state.counters[name + "_high"] = ratios[ratios.size() - 1 - quarter];
+}
+
 /// Measures both in turn, each first in every other round, so that what else the machine does falls on both.
 template <typename Bare, typename Module>
 void compareInTurn(benchmark::State& state, Bare bare, Module module) {
@@ -68,6 +83,8 @@ void compareInTurn(benchmark::State& state, Bare bare, Module module) {
     state.counters["module_s"] = median(ofModule, &Cost::wall);
     state.counters["bare_processor_s"] = median(ofBare, &Cost::processor);
     state.counters["module_processor_s"] = median(ofModule, &Cost::processor);
+    countRatios(state, "ratio", ofBare, ofModule, &Cost::wall);
+    countRatios(state, "processor_ratio", ofBare, ofModule, &Cost::processor);
 }
 
 } // namespace corvanta

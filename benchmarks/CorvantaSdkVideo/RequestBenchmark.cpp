@@ -82,7 +82,7 @@ void concatOfTenLargeClips(benchmark::State& state) {
         },
         [&] { return CorvantaSdkVideo->ConcatBuilder(place.files(paths), place.output()).build(); });
 }
-BENCHMARK(concatOfTenLargeClips)->UseManualTime()->Iterations(5)->Unit(benchmark::kSecond);
+BENCHMARK(concatOfTenLargeClips)->UseManualTime()->Iterations(7)->Unit(benchmark::kSecond);
 
 // Goal of these: at most 1.03 times the bare command.
 void mergeOfTwoClips(benchmark::State& state) {
@@ -97,7 +97,7 @@ void mergeOfTwoClips(benchmark::State& state) {
         state, [&] { runBareScript(script.script); },
         [&] { return CorvantaSdkVideo->MergeBuilder(place.files(paths), place.output()).build(); });
 }
-BENCHMARK(mergeOfTwoClips)->UseManualTime()->Iterations(5)->Unit(benchmark::kSecond);
+BENCHMARK(mergeOfTwoClips)->UseManualTime()->Iterations(7)->Unit(benchmark::kSecond);
 
 void encodeOfOneClip(benchmark::State& state) {
     const Place place;
@@ -113,7 +113,7 @@ void encodeOfOneClip(benchmark::State& state) {
             return builder.build();
         });
 }
-BENCHMARK(encodeOfOneClip)->UseManualTime()->Iterations(5)->Unit(benchmark::kSecond);
+BENCHMARK(encodeOfOneClip)->UseManualTime()->Iterations(7)->Unit(benchmark::kSecond);
 
 void encodeWithAChosenEncoder(benchmark::State& state) {
     const Place place;
@@ -134,6 +134,6 @@ void encodeWithAChosenEncoder(benchmark::State& state) {
             return builder.build();
         });
 }
-BENCHMARK(encodeWithAChosenEncoder)->UseManualTime()->Iterations(5)->Unit(benchmark::kSecond);
+BENCHMARK(encodeWithAChosenEncoder)->UseManualTime()->Iterations(7)->Unit(benchmark::kSecond);
 
 } // namespace
