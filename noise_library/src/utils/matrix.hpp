@@ -1,6 +1,7 @@
 #pragma once
 
 #include "utils/assertion.hpp"
+#include "utils/bfloat16_rows.hpp"
 
 #include <algorithm>
 #include <bit>
@@ -44,9 +45,7 @@ class Matrix {
         auto const bits = [](float value) { return std::bit_cast<std::uint32_t>(value); };
         if (!std::ranges::all_of(data_, [&](float value) { return (bits(value) & 0xffffu) == 0; }))
             return;
-        bfloat16_.resize(data_.size());
-        std::ranges::transform(data_, bfloat16_.begin(),
-                               [&](float value) { return static_cast<std::uint16_t>(bits(value) >> 16); });
+        bfloat16_ = UTIL_FUNCTIONS::bfloat16Rows(data_, cols_);
     }
 
     std::uint64_t rowSize() const { return rows_; }
@@ -59,7 +58,7 @@ class Matrix {
         return data_;
     }
     std::vector<float> const& data() const { return data_; }
-    /// The copy, row by row; empty where there is none.
+    /// The copy, as bfloat16Rows() makes it; empty where there is none.
     std::vector<std::uint16_t> const& bfloat16() const { return bfloat16_; }
 
   private:

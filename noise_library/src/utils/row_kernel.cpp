@@ -1,7 +1,8 @@
 #include "utils/row_kernel.hpp"
 
+#include "utils/bfloat16_rows.hpp"
+
 #include <array>
-#include <bit>
 
 namespace TALVO::UTIL_FUNCTIONS {
 namespace {
@@ -11,21 +12,39 @@ namespace {
 constexpr std::size_t chunk = 64;
 constexpr std::size_t sweep = 4;
 
-[[gnu::always_inline]] inline float widened(float weight) { return weight; }
-[[gnu::always_inline]] inline float widened(std::uint16_t weight) {
-    return std::bit_cast<float>(std::uint32_t{weight} << 16);
-}
-
-template <class Weight>
-[[gnu::always_inline]] inline void addSweep(float const* v, Weight const* m, std::size_t cols,
-                                            std::size_t begin, std::size_t end, float* __restrict out) {
+/// Columns `begin` to `end` of some rows, one after the other for each output.
+template <std::size_t Rows>
+[[gnu::always_inline]] inline void addSome(float const* v, float const* m, std::size_t cols,
+                                           std::size_t begin, std::size_t end, float* __restrict out) {
     for (std::size_t c = begin; c < end; ++c) {
-        float sum = out[c] + v[0] * widened(m[c]);
-        sum += v[1] * widened(m[cols + c]);
-        sum += v[2] * widened(m[2 * cols + c]);
-        sum += v[3] * widened(m[3 * cols + c]);
+        float sum = out[c];
+        for (std::size_t r = 0; r < Rows; ++r)
+            sum += v[r] * m[r * cols + c];
         out[c] = sum;
     }
+}
+
+/// The same; `begin` is where a block begins.
+template <std::size_t Rows>
+[[gnu::always_inline]] inline void addSome(float const* v, std::uint16_t const* m, std::size_t cols,
+                                           std::size_t begin, std::size_t end, float* __restrict out) {
+    std::size_t c = begin;
+    for (; c + bfloat16Block <= end; c += bfloat16Block) {
+        for (std::size_t i = 0; i < wordsOfBlock; ++i) {
+            float lower = out[c + i];
+            float upper = out[c + wordsOfBlock + i];
+            for (std::size_t r = 0; r < Rows; ++r) {
+                std::uint32_t const pair = reinterpret_cast<Bfloat16Pair const*>(m + r * cols + c)[i];
+                lower += v[r] * lowerOf(pair);
+                upper += v[r] * upperOf(pair);
+            }
+            out[c + i] = lower;
+            out[c + wordsOfBlock + i] = upper;
+        }
+    }
+    for (; c < end; ++c)
+        for (std::size_t r = 0; r < Rows; ++r)
+            out[c] += v[r] * lowerOf(m[r * cols + c]);
 }
 
 /// Asks for a chunk's share of the rows two sweeps ahead. Weights outgrow the inner caches, and the
@@ -48,13 +67,12 @@ template <class Weight>
         for (; c + chunk <= cols; c += chunk) {
             if (r + 3 * sweep <= rows)
                 prefetchAhead(m, cols, c);
-            addSweep(v + r, m, cols, c, c + chunk, out);
+            addSome<sweep>(v + r, m, cols, c, c + chunk, out);
         }
-        addSweep(v + r, m, cols, c, cols, out);
+        addSome<sweep>(v + r, m, cols, c, cols, out);
     }
     for (; r < rows; ++r, m += cols)
-        for (std::size_t c = 0; c < cols; ++c)
-            out[c] += v[r] * widened(m[c]);
+        addSome<1>(v + r, m, cols, 0, cols, out);
 }
 
 template <class Weight>

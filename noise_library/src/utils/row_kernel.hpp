@@ -14,7 +14,7 @@ using RowKernel = void (*)(float const* v, std::size_t rows, Weight const* m, st
 struct RowKernelVariant {
     char const* name;
     RowKernel<float> run;
-    /// The same from bfloat16 weights, each widened to the float that it stands for.
+    /// The same from bfloat16Rows(), each number widened to the float that it stands for.
     RowKernel<std::uint16_t> runBfloat16;
 };
 
