@@ -1,6 +1,7 @@
 """The LADSPA plugin in the programs that load it: ladspa_hosts_test.py PLUGIN"""
 
 import os
+import re
 import shutil
 import subprocess
 import sys
@@ -13,6 +14,12 @@ import talvo_audio
 
 PLUGIN = Path(sys.argv.pop(1)).resolve()
 
+# The microphone as its page gives it, under names that it is found by.
+PAGE = Path(__file__).resolve().parents[2] / "docs/noise_library.md"
+MICROPHONE = re.search(r"^```pipewire\ncontext.modules = \[(.*)\]\n```$", PAGE.read_text(), re.MULTILINE | re.DOTALL)[1]
+for side, name in (("capture", "quiet_in"), ("playback", "quiet_out")):
+    MICROPHONE = MICROPHONE.replace(f"{side}.props = {{", f"{side}.props = {{ node.name = {name}")
+
 # A daemon with the filter chain and no device; the graph runs by a clock of its own.
 PIPEWIRE = """
 context.properties = { core.daemon = true core.name = pipewire-0 default.clock.rate = 48000 default.clock.allowed-rates = [ 48000 ]
@@ -23,12 +30,7 @@ context.modules = [
   { name = libpipewire-module-spa-node-factory } { name = libpipewire-module-client-node }
   { name = libpipewire-module-access } { name = libpipewire-module-adapter }
   { name = libpipewire-module-link-factory }
-  { name = libpipewire-module-filter-chain args = {
-      filter.graph = { nodes = [ { type = ladspa name = quiet plugin = "%s" label = talvo_noise
-                                   control = { "Strength" = %g } } ] }
-      audio.channels = 1 audio.position = [ MONO ]
-      capture.props = { node.name = quiet_in node.passive = true }
-      playback.props = { node.name = quiet_out media.class = Audio/Source } } }
+  %s
 ]
 context.objects = [
   { factory = spa-node-factory args = { factory.name = support.node.driver node.name = Dummy-Driver
@@ -105,12 +107,14 @@ class Hosts(unittest.TestCase):
         self.noisy(48000, 1)
         levels = {}
         for strength in (0.0, 1.0):
-            (self.folder / "pipewire.conf").write_text(PIPEWIRE % (PLUGIN, strength))
+            microphone = MICROPHONE.replace('"Strength" = 1.0', f'"Strength" = {strength:g}')
+            (self.folder / "pipewire.conf").write_text(PIPEWIRE % microphone)
             runtime = self.folder / f"run{strength:g}"
             runtime.mkdir(mode=0o700)
             environment = {
                 **{key: value for key, value in os.environ.items() if not key.startswith("DBUS_")},
                 **{"XDG_RUNTIME_DIR": str(runtime), "HOME": str(self.folder), "XDG_STATE_HOME": str(runtime)},
+                "LADSPA_PATH": str(PLUGIN.parent),
             }
             session = ["dbus-run-session", "--", "bash", "-c", SESSION, "bash", str(self.folder)]
             with open(self.folder / "log", "wb") as log:

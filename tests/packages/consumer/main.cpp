@@ -1,9 +1,9 @@
-// Compiles every installed header of the module and the README's examples, and frees a clip's sound from
-// noise: consumer NOISY CLEANED
+// Compiles every installed header of the module, and frees a clip's sound from noise: consumer NOISY CLEANED
 #include "all_headers.hpp"
-#include "readme.hpp"
 
 #include <iostream>
+
+using namespace corvanta;
 
 int main(int, char** arguments) {
     SharedCorvantaSdkCommonKt::sdk_common().setAuth(std::make_shared<SharedCorvantaSdkFixedAuth>(true));
