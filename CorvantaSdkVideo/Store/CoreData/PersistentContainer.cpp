@@ -1,9 +1,14 @@
 #include <CorvantaSdkVideo/Store/CoreData/PersistentContainer.hpp>
 
+#include <CorvantaSdkVideo/Store/CoreData/StoredColumns.hpp>
+
 #include <SQLiteCpp/Statement.h>
 #include <SQLiteCpp/Transaction.h>
 
 #include <sqlite3.h>
+
+#include <array>
+#include <string>
 
 namespace corvanta {
 
@@ -53,11 +58,10 @@ constexpr const char* addOwners = R"(
 )";
 
 // Can be prepared only where all tables and columns are there.
-constexpr auto modelChecks = {
-    "SELECT primaryKey, id, status, outputPath, outputBookmark, type, rawData, processId, error, createdAt, "
-    "updatedAt, owner FROM ManagedVideoRequest",
-    R"(SELECT request, "index", path, pathBookmark FROM ManagedVideoRequestInputFile)",
-};
+std::array<std::string, 2> modelChecks() {
+    return {"SELECT " + columnList<RequestColumn>() + ", owner FROM ManagedVideoRequest",
+            "SELECT " + columnList<InputFileColumn>() + " FROM ManagedVideoRequestInputFile"};
+}
 
 int versionOf(SQLite::Database& database) {
     const int version = database.execAndGet("PRAGMA user_version");
@@ -103,7 +107,7 @@ PersistentContainer::PersistentContainer(const std::string& path)
     // open the file at the same time.
     SQLite::Transaction transaction(database_, SQLite::TransactionBehavior::IMMEDIATE);
     bringUpToDate(database_);
-    for (const char* check : modelChecks) {
+    for (const std::string& check : modelChecks()) {
         SQLite::Statement(database_, check);
     }
     transaction.commit();
