@@ -2,6 +2,7 @@
 
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 
+#include <string>
 #include <utility>
 
 namespace corvanta {
@@ -12,7 +13,8 @@ URL parsed(std::string_view path) {
     if (auto url = URL::parse(path)) {
         return *std::move(url);
     }
-    throw CorvantaSdkVideoError(CorvantaSdkVideoError::invalidFile);
+    throw CorvantaSdkVideoError(CorvantaSdkVideoError::invalidFile,
+                                "\"" + std::string(path) + "\" can't be read as a URL");
 }
 
 } // namespace

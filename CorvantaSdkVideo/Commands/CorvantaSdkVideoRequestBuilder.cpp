@@ -1,5 +1,6 @@
 #include <CorvantaSdkVideo/Commands/CorvantaSdkVideoRequestBuilder.hpp>
 
+#include <CorvantaSdkVideo/CredentialsManager/LoginCheck.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 
 #include <utility>
@@ -123,7 +124,8 @@ void CorvantaSdkVideoRequestBuilder::deleteRequest(const UUID& id) const {
     validateAuthentication();
     const auto row = store_->getRequest(id);
     if (row && row->status == LocalVideoRequest::Status::processing) {
-        throw CorvantaSdkVideoError(CorvantaSdkVideoError::operationStillsInProgress);
+        throw CorvantaSdkVideoError(CorvantaSdkVideoError::operationStillsInProgress,
+                                    "the request is being processed");
     }
     store_->deleteRequest(id);
 }
@@ -142,10 +144,6 @@ Stream<RequestPointer> CorvantaSdkVideoRequestBuilder::streamVideoRequest(const 
             const LocalVideoRequest& localRequest) { return map(localRequest, engines); });
 }
 
-void CorvantaSdkVideoRequestBuilder::validateAuthentication() const {
-    if (!credentialsManager_->isUserAuthenticated()) {
-        throw CorvantaSdkVideoError(CorvantaSdkVideoError::userNotAuthenticated, "nobody is logged in");
-    }
-}
+void CorvantaSdkVideoRequestBuilder::validateAuthentication() const { requireLogin(*credentialsManager_); }
 
 } // namespace corvanta

@@ -1,6 +1,7 @@
 #include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorImplementation.hpp>
 
 #include <CorvantaSdkVideo/CorvantaSdkVideoFileDescriptor.hpp>
+#include <CorvantaSdkVideo/CredentialsManager/LoginCheck.hpp>
 #include <CorvantaSdkVideo/Editor/Cut/ExactCut.hpp>
 #include <CorvantaSdkVideo/Editor/WaveformCommand.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
@@ -68,9 +69,7 @@ CorvantaSdkVideoEditorImplementation::CorvantaSdkVideoEditorImplementation(
 Task<CorvantaSdkVideoEditorResult>
 CorvantaSdkVideoEditorImplementation::edit(CorvantaSdkVideoEditorInput video) {
     Logger::addLog(Event::editVideo, EventMessage::editVideo(video.videoURL));
-    if (!credentialsManager_->isUserAuthenticated()) {
-        throw Error(Error::userNotAuthenticated, "nobody is logged in");
-    }
+    requireLogin(*credentialsManager_);
     videoValidator_.validateFileAt(video.videoURL);
     auto ranges = rangesOf(video);
     co_await validateTrimRanges(video.videoURL, ranges);
@@ -134,9 +133,7 @@ Task<> CorvantaSdkVideoEditorImplementation::copy(CorvantaSdkVideoEditorInput vi
 
 Task<CorvantaSdkVideoCutInspection>
 CorvantaSdkVideoEditorImplementation::inspectCut(URL video, CorvantaSdkVideoTimeRange range) {
-    if (!credentialsManager_->isUserAuthenticated()) {
-        throw Error(Error::userNotAuthenticated);
-    }
+    requireLogin(*credentialsManager_);
     videoValidator_.validateFileAt(video);
     std::vector<CorvantaSdkVideoTimeRange> ranges(1, range);
     co_await validateTrimRanges(video, std::move(ranges));
@@ -146,9 +143,7 @@ CorvantaSdkVideoEditorImplementation::inspectCut(URL video, CorvantaSdkVideoTime
 Task<URL> CorvantaSdkVideoEditorImplementation::getThumbnailForVideo(URL at, double interval,
                                                                      std::optional<std::int64_t> width,
                                                                      std::optional<std::int64_t> height) {
-    if (!credentialsManager_->isUserAuthenticated()) {
-        throw Error(Error::userNotAuthenticated, "nobody is logged in");
-    }
+    requireLogin(*credentialsManager_);
     videoValidator_.validateFileAt(at);
     co_await validateThumbnailPosition(at, interval);
     const URL output = CorvantaSdkVideoUtils::outputURL(uuidString(makeUUID()),
@@ -171,9 +166,7 @@ Task<URL> CorvantaSdkVideoEditorImplementation::getThumbnailForVideo(URL at, dou
 
 Task<std::optional<URL>> CorvantaSdkVideoEditorImplementation::getWaveformForVideo(URL at, std::int64_t width,
                                                                                    std::int64_t height) {
-    if (!credentialsManager_->isUserAuthenticated()) {
-        throw Error(Error::userNotAuthenticated, "nobody is logged in");
-    }
+    requireLogin(*credentialsManager_);
     videoValidator_.validateFileAt(at);
     const URL output = CorvantaSdkVideoUtils::outputURL(uuidString(makeUUID()), "png");
     try {

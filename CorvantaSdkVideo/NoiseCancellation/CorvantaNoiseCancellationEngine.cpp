@@ -1,5 +1,6 @@
 #include <CorvantaSdkVideo/NoiseCancellation/CorvantaNoiseCancellationEngine.hpp>
 
+#include <CorvantaSdkVideo/CredentialsManager/LoginCheck.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/NoiseCancellation/CleaningProgress.hpp>
@@ -177,9 +178,7 @@ Task<> CorvantaNoiseCancellationEngine::clean(URL input, URL output,
                                               CorvantaSdkVideoNoiseCancellationOptions options,
                                               std::vector<URL>& processedFiles) {
     using namespace boost::asio::experimental::awaitable_operators;
-    if (!credentialsManager_->isUserAuthenticated()) {
-        throw Error(Error::userNotAuthenticated, "nobody is logged in");
-    }
+    requireLogin(*credentialsManager_);
     requireValid(options);
     videoValidator_.validateFileAt(input);
     const double seconds = statedSeconds(input);

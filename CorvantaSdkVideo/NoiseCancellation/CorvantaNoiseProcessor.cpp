@@ -74,11 +74,13 @@ bool CorvantaNoiseProcessor::loadModel(const std::string& modelName) {
 
 void CorvantaNoiseProcessor::startSession(bool modelIsLoaded) {
     if (!modelIsLoaded && !loadModel(modelName_)) {
-        throw CorvantaSdkVideoError(CorvantaSdkVideoError::configurationError);
+        throw CorvantaSdkVideoError(CorvantaSdkVideoError::configurationError,
+                                    "the noise model " + modelPath(modelName_) + " can't be loaded");
     }
     sessionId_ = createSession();
     if (sessionId_ == nullptr) {
-        throw CorvantaSdkVideoError(CorvantaSdkVideoError::configurationError);
+        throw CorvantaSdkVideoError(CorvantaSdkVideoError::configurationError,
+                                    "the noise library starts no session with " + modelPath(modelName_));
     }
 }
 
@@ -131,7 +133,8 @@ std::int64_t CorvantaNoiseProcessor::delay() const {
 void CorvantaNoiseProcessor::endSession() {
     closeSession();
     if (talvoAudioGlobalDestroy() != 0) {
-        throw CorvantaSdkVideoError(CorvantaSdkVideoError::configurationError);
+        throw CorvantaSdkVideoError(CorvantaSdkVideoError::configurationError,
+                                    "the noise library could not be ended");
     }
 }
 

@@ -1,5 +1,6 @@
 #include <CorvantaSdkVideo/Shared/VideosInformationGenerator.hpp>
 
+#include <CorvantaSdkVideo/CredentialsManager/LoginCheck.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 
@@ -15,9 +16,7 @@ VideosInformationGenerator::VideosInformationGenerator(
 
 Task<std::vector<CorvantaSdkVideoInformation>>
 VideosInformationGenerator::getVideosInformation(std::vector<URL> videos) const {
-    if (!credentialsManager_->isUserAuthenticated()) {
-        throw CorvantaSdkVideoError(CorvantaSdkVideoError::userNotAuthenticated, "nobody is logged in");
-    }
+    requireLogin(*credentialsManager_);
     videosValidator_.validateVideosExistence(videos);
     co_return co_await generateAssetsMetadata(std::move(videos));
 }

@@ -1,5 +1,6 @@
 #include <CorvantaSdkVideo/Thumbnail/ContactSheet.hpp>
 
+#include <CorvantaSdkVideo/CredentialsManager/LoginCheck.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/Shared/CorvantaSdkVideoUtils.hpp>
@@ -90,9 +91,7 @@ Task<CorvantaSdkVideoThumbnailResult> ContactSheet::write(CorvantaSdkVideoFile i
                                                           std::shared_ptr<ProgressMeter> meter) {
     const URL video = input.url();
     Logger::addLog(Event::createThumbnail, EventMessage::createThumbnail(video));
-    if (!credentialsManager_->isUserAuthenticated()) {
-        throw Error(Error::userNotAuthenticated, "nobody is logged in");
-    }
+    requireLogin(*credentialsManager_);
     if (!FileManager::fileExists(video.path())) {
         throw Error(Error::notFoundVideo, "there is no " + video.path());
     }

@@ -1,5 +1,6 @@
 #include <CorvantaSdkVideo/Thumbnail/CorvantaSdkVideoThumbnailGeneratorImplementation.hpp>
 
+#include <CorvantaSdkVideo/CredentialsManager/LoginCheck.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <CorvantaSdkVideo/Shared/FFMPEGCommands/CommandPaths.hpp>
@@ -66,9 +67,7 @@ CorvantaSdkVideoThumbnailGeneratorImplementation::generateThumbnail(CorvantaSdkV
                                                                     std::shared_ptr<ProgressMeter> meter) {
     const URL input = video.input().url();
     Logger::addLog(Event::createThumbnail, EventMessage::createThumbnail(input));
-    if (!credentialsManager_->isUserAuthenticated()) {
-        throw Error(Error::userNotAuthenticated, "nobody is logged in");
-    }
+    requireLogin(*credentialsManager_);
     if (!FileManager::fileExists(input.path())) {
         throw Error(Error::notFoundVideo, "there is no " + input.path());
     }

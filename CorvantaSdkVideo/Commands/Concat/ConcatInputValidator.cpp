@@ -1,6 +1,7 @@
 #include <CorvantaSdkVideo/Commands/Concat/ConcatInputValidator.hpp>
 
 #include <CorvantaSdkVideo/Commands/Concat/ConcatDifferences.hpp>
+#include <CorvantaSdkVideo/CredentialsManager/LoginCheck.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <platform/Cancellation.hpp>
@@ -59,9 +60,7 @@ Task<bool> ConcatInputValidator::canProcessConcatWith(std::vector<URL> videos) c
 
 Task<std::optional<CorvantaSdkVideoError>>
 ConcatInputValidator::obstacleToConcat(std::vector<URL> videos) const {
-    if (!credentialsManager_->isUserAuthenticated()) {
-        throw CorvantaSdkVideoError(CorvantaSdkVideoError::userNotAuthenticated, "nobody is logged in");
-    }
+    requireLogin(*credentialsManager_);
     videosValidator_.validateVideosExistence(videos, 2);
     std::optional<CorvantaSdkVideoError> obstacle;
     try {

@@ -1,6 +1,7 @@
 #include <CorvantaSdkVideo/Commands/Helpers/StoredRequestEngine.hpp>
 
 #include <CorvantaSdkVideo/Commands/Helpers/RequestProgress.hpp>
+#include <CorvantaSdkVideo/CredentialsManager/LoginCheck.hpp>
 #include <CorvantaSdkVideo/Error/CorvantaSdkVideoError.hpp>
 #include <CorvantaSdkVideo/Logger/Logger.hpp>
 #include <platform/Cancellation.hpp>
@@ -85,11 +86,7 @@ void StoredRequestEngine::cancel(const CorvantaSdkVideoRequest& request) {
     markCancelled(request.id);
 }
 
-void StoredRequestEngine::validateAuthentication() const {
-    if (!credentialsManager_->isUserAuthenticated()) {
-        throw Error(Error::userNotAuthenticated, "nobody is logged in");
-    }
-}
+void StoredRequestEngine::validateAuthentication() const { requireLogin(*credentialsManager_); }
 
 void StoredRequestEngine::validateRequestStatus(const CorvantaSdkVideoRequest& request) const {
     const auto stored = storedRequest(request.id);
