@@ -254,6 +254,25 @@ void writeLandscape(const Stage& stage, const char* name, const char* orientatio
         name, [](const Scene& scene, QTemporaryDir&) { trim(scene); }, &manager);
 }
 
+void showTools(const Stage& stage) {
+    stage.show("sound", [](const Scene& scene, QTemporaryDir&) {
+        scene.model().showSound();
+        scene.model().changeVolume(QPointF(24, 70), QSizeF(0, 0),
+                                   QRectF(0, 0, 48, Model::initialVolumeHeight));
+        scene.waitForSound();
+    });
+    stage.show("muted", [](const Scene& scene, QTemporaryDir&) {
+        scene.model().showSound();
+        scene.model().muteVideo();
+        scene.waitForSound();
+    });
+    stage.show("rotated", [](const Scene& scene, QTemporaryDir&) {
+        scene.model().showRotation();
+        scene.model().rotateRight();
+        scene.settle();
+    });
+}
+
 } // namespace
 
 void writeScreenshots(const QString& video, const QString& directory, QSize size) {
@@ -276,22 +295,7 @@ void writeScreenshots(const QString& video, const QString& directory, QSize size
         scene.model().handleAction();
         waitUntil([&hasPlayed] { return hasPlayed; });
     });
-    stage.show("sound", [](const Scene& scene, QTemporaryDir&) {
-        scene.model().showSound();
-        scene.model().changeVolume(QPointF(24, 70), QSizeF(0, 0),
-                                   QRectF(0, 0, 48, Model::initialVolumeHeight));
-        scene.waitForSound();
-    });
-    stage.show("muted", [](const Scene& scene, QTemporaryDir&) {
-        scene.model().showSound();
-        scene.model().muteVideo();
-        scene.waitForSound();
-    });
-    stage.show("rotated", [](const Scene& scene, QTemporaryDir&) {
-        scene.model().showRotation();
-        scene.model().rotateRight();
-        scene.settle();
-    });
+    showTools(stage);
     stage.show("exact-or-fast", [](const Scene& scene, QTemporaryDir&) {
         trim(scene);
         scene.press("trimVideo");

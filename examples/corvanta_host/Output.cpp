@@ -52,7 +52,7 @@ void claim(const std::string& path) {
     claims.emplace(name, descriptor);
 }
 
-// A place that nothing in the way of can be lost.
+// A place where nothing that is there can be lost.
 std::string checked(const fs::path& relative, const Files& files) {
     const fs::path path = fs::absolute(relative).lexically_normal();
     if (!fs::is_directory(path.parent_path())) {

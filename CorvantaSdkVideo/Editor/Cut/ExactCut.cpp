@@ -174,6 +174,59 @@ double workOf(const Plan& plan) {
     return work;
 }
 
+std::string named(const std::string& file, CommandPaths& paths) {
+    return paths.temporary(URL::fromFilePath(file), PathForm::quoted).path();
+}
+
+std::shared_ptr<CutParts> partsOf(const CorvantaSdkVideoEditorInput& input, const Ranges& ranges,
+                                  const std::string& pictures, CommandPaths& paths) {
+    auto parts = std::make_shared<CutParts>();
+    parts->source = paths.input(input.videoURL, PathForm::quoted).path();
+    parts->output = paths.output(input.outputURL, PathForm::quoted).path();
+    parts->pictures = named(pictures, paths);
+    parts->ranges = ranges;
+    parts->volume = input.volumen;
+    return parts;
+}
+
+struct PieceEncoding {
+    std::string command;
+    double seconds;
+    /// Of what is still to be done with it.
+    double share;
+};
+
+// Gives each run that isn't copied its file, and tells how to write those. `lastWork` comes after them.
+std::vector<PieceEncoding> encodingsOf(Plan& plan, const std::string& source, double lastWork,
+                                       Workspace& workspace, CommandPaths& paths) {
+    std::vector<PieceEncoding> encodings;
+    double workLeft = lastWork + workOf(plan);
+    for (PlannedRun& planned : plan.runs) {
+        if (!planned.run.isOriginal) {
+            planned.run.file = workspace.newFile("nut");
+            const double work = encodingWork * planned.seconds;
+            encodings.push_back(
+                {encodePieceCommand(source, plan.track, plan.format, plan.likeSource, planned.piece,
+                                    planned.decodeFromSeconds, named(planned.run.file, paths)),
+                 planned.seconds, work / workLeft});
+            workLeft -= work;
+        }
+    }
+    return encodings;
+}
+
+bool isStopped(const PlatformError& error) {
+    return error.code() == ReturnCode::cancelled || error.code() == ReturnCode::stalled;
+}
+
+std::vector<CorvantaSdkVideoCutWay> waysOf(const Plan& plan, std::size_t ranges) {
+    std::vector<CorvantaSdkVideoCutWay> ways;
+    for (std::size_t range = 0; range < ranges; ++range) {
+        ways.push_back(plan.way(range));
+    }
+    return ways;
+}
+
 // What there is beside the pictures.
 void describe(const std::string& source, CutParts& parts) {
     AssetReader reader(URL::fromFilePath(source));
@@ -244,17 +297,9 @@ Task<std::vector<CorvantaSdkVideoCutWay>> ExactCut::write(CorvantaSdkVideoEditor
     const auto executor = executor_;
     const std::string source = input.videoURL.path();
     CommandPaths paths;
-    const auto parts = std::make_shared<CutParts>();
-    parts->source = paths.input(input.videoURL, PathForm::quoted).path();
-    parts->output = paths.output(input.outputURL, PathForm::quoted).path();
-    parts->ranges = ranges;
-    parts->volume = input.volumen;
     Workspace workspace;
     const std::string pictures = workspace.newFile("mp4");
-    const auto named = [&paths](const std::string& file) {
-        return paths.temporary(URL::fromFilePath(file), PathForm::quoted).path();
-    };
-    parts->pictures = named(pictures);
+    const auto parts = partsOf(input, ranges, pictures, paths);
     auto plan = std::make_shared<Plan>();
     bool isJoined = false;
     for (const Attempt attempt : {Attempt::copying, Attempt::encoding, Attempt::reading}) {
@@ -266,20 +311,12 @@ Task<std::vector<CorvantaSdkVideoCutWay>> ExactCut::write(CorvantaSdkVideoEditor
                     requireSpace(*plan, source, ranges, {pictures, output});
                 };
             co_await runAside(std::move(makePlan));
-            double workLeft = secondsOf(ranges) + workOf(*plan);
-            for (PlannedRun& planned : plan->runs) {
-                if (!planned.run.isOriginal) {
-                    const double work = encodingWork * planned.seconds;
-                    if (meter) {
-                        meter->beginPart(work / workLeft, planned.seconds);
-                    }
-                    workLeft -= work;
-                    planned.run.file = workspace.newFile("nut");
-                    std::string command =
-                        encodePieceCommand(parts->source, plan->track, plan->format, plan->likeSource,
-                                           planned.piece, planned.decodeFromSeconds, named(planned.run.file));
-                    co_await executor->executeMeasured(std::move(command), nullptr, meter);
+            auto encodings = encodingsOf(*plan, parts->source, secondsOf(ranges), workspace, paths);
+            for (PieceEncoding& encoding : encodings) {
+                if (meter) {
+                    meter->beginPart(encoding.share, encoding.seconds);
                 }
+                co_await executor->executeMeasured(std::move(encoding.command), nullptr, meter);
             }
             std::function<void(std::stop_token)> join =
                 [plan, source, pictures, turn = rotateTag(input.rotationAngle)](std::stop_token stop) {
@@ -288,9 +325,7 @@ Task<std::vector<CorvantaSdkVideoCutWay>> ExactCut::write(CorvantaSdkVideoEditor
             co_await runAside(std::move(join));
             isJoined = true;
         } catch (const PlatformError& error) {
-            const bool isStopped =
-                error.code() == ReturnCode::cancelled || error.code() == ReturnCode::stalled;
-            if (attempt == Attempt::reading || isStopped) {
+            if (attempt == Attempt::reading || isStopped(error)) {
                 throw;
             }
         }
@@ -312,11 +347,7 @@ Task<std::vector<CorvantaSdkVideoCutWay>> ExactCut::write(CorvantaSdkVideoEditor
         meter->finish();
     }
     paths.finish();
-    std::vector<CorvantaSdkVideoCutWay> ways;
-    for (std::size_t range = 0; range < ranges.size(); ++range) {
-        ways.push_back(plan->way(range));
-    }
-    co_return ways;
+    co_return waysOf(*plan, ranges.size());
 }
 
 Task<CorvantaSdkVideoCutInspection> ExactCut::inspect(URL video, CorvantaSdkVideoTimeRange range) {
