@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <functional>
 #include <random>
@@ -19,31 +20,21 @@ TrimmerGeometry laidOut(double width, double duration) {
 }
 
 bool drag(TrimmerGeometry& geometry, double position) {
-    switch (geometry.getTrimEdge(position)) {
-    case TrimEdge::right:
-        return geometry.moveRightEdge(position);
-    case TrimEdge::left:
-        return geometry.moveLeftEdge(position);
-    case TrimEdge::center:
-        return geometry.moveTrimmerCenter(position);
-    case TrimEdge::none:
-        break;
-    }
-    return false;
+    constexpr std::array moves{&TrimmerGeometry::moveRightEdge, &TrimmerGeometry::moveLeftEdge,
+                               &TrimmerGeometry::moveTrimmerCenter};
+    const auto edge = static_cast<std::size_t>(geometry.getTrimEdge(position));
+    return edge < moves.size() && std::invoke(moves[edge], geometry, position);
 }
 
 // What must hold after any moves of a hand, whatever they were.
 void expectConsistent(const TrimmerGeometry& geometry, double width, double rounding = 0) {
     const double left = geometry.leftEdge();
     const double right = geometry.rightEdge();
-    ASSERT_EQ(geometry.leftSide(), left - 12);
-    ASSERT_EQ(geometry.rightSide(), right + 12);
+    ASSERT_TRUE(geometry.leftSide() == left - 12 && geometry.rightSide() == right + 12);
     ASSERT_NEAR(geometry.frameWidth(), right - left + 24, 1e-6);
-    ASSERT_GE(left, 12 - rounding);
-    ASSERT_LE(right + 12, width + rounding);
+    ASSERT_TRUE(left >= 12 - rounding && right + 12 <= width + rounding);
     ASSERT_GE(right - left, 64 - 1e-6);
-    ASSERT_LE(geometry.leftSpace(), 24);
-    ASSERT_LE(geometry.rightSpace(), 24);
+    ASSERT_LE(std::max(geometry.leftSpace(), geometry.rightSpace()), 24);
     const auto [start, end] = geometry.range();
     ASSERT_NEAR(start, geometry.duration() * (left - 12) / width, 1e-12);
     ASSERT_NEAR(end, geometry.duration() * (right + 12) / width, 1e-12);
@@ -51,14 +42,10 @@ void expectConsistent(const TrimmerGeometry& geometry, double width, double roun
 }
 
 TEST(TrimmerGeometryTest, FollowsADragOfEachPartOfTheFrame) {
-    struct Case {
-        double x;
-        bool moves;
-        double left, right, leftSpace, rightSpace;
-    };
-    // Each drag goes on from where the one before has left the frame.
+    // Each drag goes on from where the one before has left the frame: both edges and both spaces.
     TrimmerGeometry geometry = laidOut(343, 10);
-    for (const Case& c : std::vector<Case>{
+    for (const auto& [x, moves, left, right, leftSpace, rightSpace] :
+         std::vector<std::tuple<double, bool, double, double, double, double>>{
              {100, false, 12, 331, 0, 0},       // between the zones
              {12, false, 12, 331, 0, 0},        // the left edge stops short of the start
              {331, false, 12, 331, 0, 0},       // and the right one of the end
@@ -78,12 +65,10 @@ TEST(TrimmerGeometryTest, FollowsADragOfEachPartOfTheFrame) {
              {88, true, 88, 153, 24, 24},       //
              {130, true, 97.5, 162.5, 24, 24},  // in all three zones
          }) {
-        SCOPED_TRACE(c.x);
-        EXPECT_EQ(drag(geometry, c.x), c.moves);
-        EXPECT_EQ(geometry.leftEdge(), c.left);
-        EXPECT_EQ(geometry.rightEdge(), c.right);
-        EXPECT_EQ(geometry.leftSpace(), c.leftSpace);
-        EXPECT_EQ(geometry.rightSpace(), c.rightSpace);
+        EXPECT_EQ(drag(geometry, x), moves) << x;
+        const std::array frame{geometry.leftEdge(), geometry.rightEdge(), geometry.leftSpace(),
+                               geometry.rightSpace()};
+        EXPECT_EQ(frame, (std::array{left, right, leftSpace, rightSpace})) << x;
     }
 }
 
