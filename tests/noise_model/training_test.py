@@ -8,11 +8,18 @@ import unittest
 from pathlib import Path
 from unittest import mock
 
+import numpy as np
+import torch
+
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tools/noise_model"))
 
 import chain  # noqa: E402
 import development  # noqa: E402
+import mixing  # noqa: E402
+import objective  # noqa: E402
+import scenes  # noqa: E402
 import training  # noqa: E402
+from intelligibility import intelligibility  # noqa: E402
 from small_corpus import small_corpus  # noqa: E402
 
 class Training(unittest.TestCase):
@@ -31,6 +38,27 @@ class Training(unittest.TestCase):
                 self.assertGreater(last["step"], seen[1])
                 self.assertTrue(trainer.path("best.pt").exists())
                 seen = trainer.elapsed / 3600, last["step"]
+
+    def test_lowers_what_is_heard_as_worse(self):
+        with tempfile.TemporaryDirectory() as name:
+            small_corpus(Path(name))
+            mixer = mixing.Mixer(Path(name), "train", 1, seconds=2.0)
+            speech, noise = 3000 * mixer.speech_track(), 300 * mixer.noise_track()
+        speech[: speech.size // 3] = 0
+        shape = chain.Shape()
+        part, clean = (scenes.Scene(*(torch.from_numpy(x)[None] for x in scenes.describe(mix.astype(np.float32), target, shape)))
+                       for mix, target in ((speech + noise, speech), (speech, speech)))
+        whole = torch.ones_like(part.mix)
+        ideal = (part.target / part.mix).clamp(0, 1).sqrt()
+        third = whole.shape[1] // 3
+        in_pauses, in_words = whole.clone(), whole.clone()
+        in_pauses[:, : third - 2] = 0.3
+        in_words[:, third + 10 :: 3] = 0.3
+        self.assertGreater(intelligibility(whole, clean), 0.999)
+        self.assertGreater(intelligibility(ideal, part), intelligibility(whole, part))
+        self.assertGreater(intelligibility(whole, part), intelligibility(in_words, part))
+        for better, worse in ((ideal, whole), (in_pauses, whole), (whole, in_words)):
+            self.assertLess(objective.loss(better, part), objective.loss(worse, part))
 
 
 if __name__ == "__main__":

@@ -14,37 +14,15 @@ import chain
 import scenes
 from development import Development
 from network import Network
+from objective import loss
 
 BATCH, PART = 16, 125  # sequences of 8 s, and the frames after which the gradient is cut
 KEPT_BATCHES = 24  # batches that are trained on once more, later
 RATE_LOW, WARM_UP = 1e-5, 300
 CLIP, DECAY, AVERAGE = 0.5, 1e-4, 0.999
-SNR_WEIGHT, SNR_CEILING = 0.02, 1e-5
-CLEAN_SNR, CLEAN_WEIGHT = 1e-3, 2.0  # clips with less noise than this beside their speech, and what they count
 FEATURE_NOISE = 0.08
 STATISTICS_BATCHES = 5
 LONGEST_BATCH = 60.0  # seconds; what goes beyond was a machine that slept, or a process that was halted
-
-
-def loss(mask, part):
-    """Of a mask before squaring, and a Scene's tensors of the same frames.
-
-    The power 0.5 of a masked magnitude is that of the magnitude times the unsquared mask, so the
-    compressed terms are squares in the mask: magnitudes with speech that is missing counted twice,
-    and complex values. The third term is the error of the uncompressed spectrum in dB, clip by clip;
-    there clean clips count more, whose small errors the others hardly see.
-    """
-    s2 = mask * mask
-    magnitude = s2 * part.mix - 2 * mask * part.product + part.target
-    magnitude = torch.where(mask * part.mix < part.product, 2 * magnitude, magnitude)
-    compressed = s2 * part.mix - 2 * mask * part.aligned + part.target
-    error = (s2 * s2 * part.mix_energy - 2 * s2 * part.common + part.target_energy).clamp(min=0).sum(dim=(1, 2))
-    energy = part.target_energy.sum(dim=(1, 2))
-    decibels = 10 * torch.log10((error + SNR_CEILING * energy + 1e-4) / (energy + 1e-4))
-    given = (part.mix_energy - 2 * part.common + part.target_energy).sum(dim=(1, 2))
-    decibels = torch.where(given < CLEAN_SNR * energy, CLEAN_WEIGHT * decibels, decibels)
-    bins = mask.shape[0] * mask.shape[1] * chain.Shape().bins
-    return (magnitude.sum() + compressed.sum()) / bins + SNR_WEIGHT * decibels.mean()
 
 
 def _statistics(source):
