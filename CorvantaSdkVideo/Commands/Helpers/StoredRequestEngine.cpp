@@ -8,11 +8,14 @@
 #include <platform/ConsoleSink.hpp>
 #include <platform/Errors.hpp>
 #include <platform/FFmpegKit.hpp>
+#include <platform/NeverDestroyed.hpp>
 
 #include <atomic>
 #include <charconv>
 #include <exception>
 #include <iterator>
+#include <mutex>
+#include <set>
 #include <utility>
 
 namespace corvanta {
@@ -32,6 +35,42 @@ std::optional<std::int64_t> sessionIdFrom(const std::optional<std::string>& proc
     const auto [last, error] = std::from_chars(processId->data(), end, id);
     return error == std::errc() && last == end ? std::optional(id) : std::nullopt;
 }
+
+// The cancellations under way in this process. A cancelled run fails before its row says why, and must not
+// call that a failure in the moment between.
+class Cancellations {
+  public:
+    void begin(const UUID& id) {
+        const std::lock_guard lock(mutex_);
+        ids_.insert(id);
+    }
+    void end(const UUID& id) {
+        const std::lock_guard lock(mutex_);
+        ids_.extract(id);
+    }
+    bool contain(const UUID& id) {
+        const std::lock_guard lock(mutex_);
+        return ids_.contains(id);
+    }
+
+  private:
+    std::mutex mutex_;
+    std::multiset<UUID> ids_;
+};
+
+Cancellations& cancellations() {
+    static NeverDestroyed<Cancellations> shared;
+    return *shared;
+}
+
+struct Cancelling {
+    explicit Cancelling(const UUID& request) : id(request) { cancellations().begin(id); }
+    Cancelling(const Cancelling&) = delete;
+    Cancelling& operator=(const Cancelling&) = delete;
+    ~Cancelling() { cancellations().end(id); }
+
+    const UUID id;
+};
 
 } // namespace
 
@@ -79,6 +118,7 @@ void StoredRequestEngine::cancel(const CorvantaSdkVideoRequest& request) {
     if (stored->status != Status::processing) {
         throw Error(Error::operationMustBeProcessingToBeCancelled, "the request doesn't run");
     }
+    const Cancelling underWay(request.id);
     // The session of another process is ended by that process, once it sees the row.
     if (!store_->isRunElsewhere(request.id)) {
         commandExecutor_->cancelCommandExecution(*sessionId);
@@ -172,7 +212,7 @@ void StoredRequestEngine::markComplete(const UUID& id) const {
 void StoredRequestEngine::markFailed(const UUID& id, const std::exception& error) const {
     if (isCancellation(error)) {
         markCancelled(id);
-    } else if (!isRequestCancelled(id)) {
+    } else if (!cancellations().contain(id) && !isRequestCancelled(id)) {
         updateRequestRequest(id, {Field::status(Status::error), Field::processId(std::nullopt)});
     }
 }
