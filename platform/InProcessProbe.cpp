@@ -123,7 +123,7 @@ void putPicture(Json& object, AVFormatContext& format, AVStream& stream, const A
     if (const AVRational pixel = av_guess_sample_aspect_ratio(&format, &stream, nullptr); pixel.num != 0) {
         AVRational display;
         av_reduce(&display.num, &display.den, std::int64_t{coded.width} * pixel.num,
-                  std::int64_t{coded.height} * pixel.den, 1024 * 1024);
+                  std::int64_t{coded.height} * pixel.den, std::int64_t{1024} * 1024);
         object["sample_aspect_ratio"] = fraction(pixel, ':');
         object["display_aspect_ratio"] = fraction(display, ':');
     }
