@@ -240,6 +240,7 @@ int rotateTag(std::int64_t degrees) { return std::stoi(ffmpegFormatted(degrees))
 
 std::vector<PictureRun> runsOf(const Plan& plan) {
     std::vector<PictureRun> runs;
+    runs.reserve(plan.runs.size());
     for (const PlannedRun& planned : plan.runs) {
         runs.push_back(planned.run);
     }
@@ -279,6 +280,7 @@ void requireSpace(const Plan& plan, const std::string& source, const Ranges& ran
     }
     const std::int64_t bytes = leastCopiedBytes(URL::fromFilePath(source), copied);
     std::vector<NeededSpace> needed;
+    needed.reserve(targets.size());
     for (const std::string& target : targets) {
         needed.push_back({target, bytes});
     }

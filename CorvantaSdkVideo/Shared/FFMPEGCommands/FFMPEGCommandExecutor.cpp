@@ -158,8 +158,7 @@ Task<> FFMPEGCommandExecutorImplementation::executeFFMPEGCommand(std::string com
             tail->add(log.getMessage());
             printToConsole(log.getMessage());
         };
-        const auto session =
-            FFmpegKit::executeAsync(command, std::move(onComplete), onLog, onStatistics, onStart);
+        auto session = FFmpegKit::executeAsync(command, std::move(onComplete), onLog, onStatistics, onStart);
         if (onUpdateSessionId) {
             onUpdateSessionId(session->getSessionId());
         }
