@@ -64,9 +64,13 @@ struct AnsweringThreads : asio::thread_pool {
 
 // An hour of sound that is cleaned keeps nobody from being told how long a clip is.
 AnsweringThreads& threadsFor(CommandPlan::Answering answering) {
-    static NeverDestroyed<AnsweringThreads> brief;
+    if (answering == CommandPlan::Answering::brief) {
+        static NeverDestroyed<AnsweringThreads> brief;
+        return *brief;
+    }
+    // Not started before they are needed.
     static NeverDestroyed<AnsweringThreads> lasting;
-    return answering == CommandPlan::Answering::brief ? *brief : *lasting;
+    return *lasting;
 }
 
 template <typename Number>

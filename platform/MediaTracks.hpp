@@ -7,7 +7,7 @@
 struct AVFormatContext;
 struct AVStream;
 
-/// Which of an open file's tracks ffmpeg takes.
+/// Which of an open file's tracks ffmpeg takes, and how its picture is turned.
 namespace corvanta {
 
 /// A picture that stands for the file, such as a song's cover: no video track.

@@ -32,12 +32,12 @@ void probeRow(Row& row, const std::stop_token& stop) {
 } // namespace
 
 ProbeAhead::ProbeAhead(std::vector<std::string> files) {
-    std::erase_if(files, isProbeRemembered);
-    // One by one is as fast on a single processor.
+    // One by one is as fast for a single file, and on a single processor.
     const std::size_t processors = std::thread::hardware_concurrency();
     if (files.size() < 2 || processors < 2) {
         return;
     }
+    std::erase_if(files, isProbeRemembered);
     constexpr std::size_t enough = 4;
     const std::size_t readers = std::min({files.size(), processors, enough});
     const auto row = std::make_shared<Row>(std::move(files));
