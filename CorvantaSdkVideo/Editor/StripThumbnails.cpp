@@ -64,7 +64,7 @@ Task<> StripThumbnails::makeAll(QPointer<StripThumbnails> strip,
         const auto stop = std::make_shared<boost::asio::cancellation_signal>();
         strip->stop_ = [stop] { stop->emit(boost::asio::cancellation_type::terminal); };
         Task<QImage> making = thumbnail(editor, video, position, strip->pixels_, strip->colors_);
-        const QImage image = co_await onEditorWorker(std::move(making), stop);
+        const QImage image = co_await onEditorWorker(std::move(making), stop->slot());
         if (!strip) {
             co_return;
         }
