@@ -20,6 +20,10 @@ set(hardened $<CONFIG:Release,RelWithDebInfo,MinSizeRel>)
 add_compile_options("$<${hardened}:-D_FORTIFY_SOURCE=2;-fstack-protector-strong>")
 add_link_options("$<${hardened}:LINKER:-z,relro,-z,now>")
 
+if(CMAKE_CXX_FLAGS MATCHES "fsanitize")
+    set(CORVANTA_SANITIZED ON)
+endif()
+
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM)
     set(CMAKE_C_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
