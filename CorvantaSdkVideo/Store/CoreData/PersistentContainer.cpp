@@ -8,6 +8,7 @@
 #include <sqlite3.h>
 
 #include <array>
+#include <chrono>
 #include <string>
 
 namespace corvanta {
@@ -17,7 +18,7 @@ namespace {
 constexpr int modelVersion = 2;
 
 // Another process, or a person's shell, may hold the file for a moment.
-constexpr int busyTimeoutInMilliseconds = 5000;
+constexpr std::chrono::milliseconds busyTimeout{5000};
 
 // The spill is off so that nothing is written before the commit: a read that sees pending changes then never
 // fails for want of space.
@@ -75,6 +76,25 @@ int versionOf(SQLite::Database& database) {
     return version;
 }
 
+// Where several processes ask for it at once, SQLite refuses it to some without waiting.
+void turnOnWriteAheadLog(SQLite::Database& database) {
+    const auto deadline = std::chrono::steady_clock::now() + busyTimeout;
+    for (;;) {
+        try {
+            if (database.execAndGet("PRAGMA journal_mode = WAL").getString() != "wal") {
+                throw SQLite::Exception("The file can't keep a write-ahead log.");
+            }
+            return;
+        } catch (const SQLite::Exception& error) {
+            if (error.getErrorCode() != SQLITE_BUSY || std::chrono::steady_clock::now() > deadline) {
+                throw;
+            }
+        }
+        // Waits for whoever has it.
+        SQLite::Transaction(database, SQLite::TransactionBehavior::IMMEDIATE).commit();
+    }
+}
+
 // A new file grows through all versions, so that it comes out as an old one does.
 void bringUpToDate(SQLite::Database& database) {
     switch (versionOf(database)) {
@@ -93,15 +113,17 @@ void bringUpToDate(SQLite::Database& database) {
 
 PersistentContainer::PersistentContainer(const std::string& path)
     : database_(path, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE | SQLite::OPEN_NOMUTEX,
-                busyTimeoutInMilliseconds) {
-    // Looked at before anything is changed: a file of somebody else's must stay as it is.
-    versionOf(database_);
+                static_cast<int>(busyTimeout.count())) {
+    {
+        // Looked at before anything is changed: a file of somebody else's must stay as it is. At one moment,
+        // since another process may be making it.
+        const SQLite::Transaction look(database_);
+        versionOf(database_);
+    }
     if (sqlite3_db_readonly(database_.getHandle(), "main") != 0) {
         throw SQLite::Exception("The file can't be written.", SQLITE_READONLY);
     }
-    if (database_.execAndGet("PRAGMA journal_mode = WAL").getString() != "wal") {
-        throw SQLite::Exception("The file can't keep a write-ahead log.");
-    }
+    turnOnWriteAheadLog(database_);
     database_.exec(settings);
     // Also in a file that is up to date: the write lock shows whether its folder can be written. Others may
     // open the file at the same time.

@@ -8,7 +8,9 @@
 #include <support/FailingVFS.hpp>
 #include <support/UserFolders.hpp>
 
+#include <barrier>
 #include <condition_variable>
+#include <future>
 
 namespace corvanta::test {
 namespace {
@@ -90,6 +92,28 @@ TEST_F(SharedStoreTest, EachSeesAndHearsWhatTheOthersCommit) {
     ASSERT_EQ(told.size(), 2U) << "The changes of other rows, and the deletion, are not told.";
     EXPECT_EQ(told.front(), second);
     EXPECT_EQ(told.back().status, Status::error);
+}
+
+TEST_F(SharedStoreTest, IsMadeByAllWhoOpenItAtOnce) {
+    constexpr int openers = 6;
+    for (int round = 0; round < 40; ++round) {
+        const URL file = URL::fromFilePath(folders_.file("new" + std::to_string(round)));
+        std::barrier start(openers);
+        std::vector<std::future<std::size_t>> opened;
+        for (int opener = 0; opener < openers; ++opener) {
+            opened.push_back(std::async(std::launch::async, [&] {
+                start.arrive_and_wait();
+                CoreDataCorvantaStore store(file, Others::unheard);
+                store.insert(makeRecord());
+                return store.getRequests(Status::idle).size();
+            }));
+        }
+        std::size_t seen = 0;
+        for (auto& one : opened) {
+            EXPECT_NO_THROW(seen = std::max(seen, one.get())) << round;
+        }
+        EXPECT_EQ(seen, openers);
+    }
 }
 
 TEST_F(SharedStoreTest, RunningRowsBelongToWhoRunsThem) {
