@@ -15,7 +15,7 @@ std::string valueOf(const char* variable) {
 }
 
 std::string programFor(const char* variable, const char* name) {
-    std::string chosen = valueOf(variable);
+    const std::string chosen = valueOf(variable);
     return chosen.empty() ? name : chosen;
 }
 

@@ -28,7 +28,8 @@ std::int64_t firstId() {
 std::size_t bearableRuns() {
     constexpr std::size_t fewest = 4;
     constexpr std::size_t descriptorsForEach = 32;
-    const std::size_t byProcessors = std::max<std::size_t>(fewest, 2 * std::thread::hardware_concurrency());
+    const std::size_t byProcessors =
+        std::max<std::size_t>(fewest, 2 * std::size_t{std::thread::hardware_concurrency()});
     rlimit descriptors{};
     getrlimit(RLIMIT_NOFILE, &descriptors);
     return std::clamp<std::size_t>(descriptors.rlim_cur / descriptorsForEach, 1, byProcessors);
@@ -65,7 +66,7 @@ SessionRunner::SessionRunner()
 std::shared_ptr<Session> SessionRunner::run(Program program, CommandPlan plan) {
     const std::lock_guard lock(mutex_);
     const std::int64_t id = ++lastId_;
-    const auto session = std::make_shared<Session>(id);
+    auto session = std::make_shared<Session>(id);
     CommandRun::Line line{[this, program, id] { leave(program, id); },
                           [this, program, id] { return putBack(program, id); }};
     lineOf(program).enter(id,

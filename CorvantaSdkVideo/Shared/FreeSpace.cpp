@@ -16,7 +16,7 @@ namespace corvanta {
 
 namespace {
 
-constexpr std::int64_t megabyte = 1000 * 1000;
+constexpr std::int64_t megabyte = 1'000'000;
 
 // Of the files' own size: containers are not alike in what they add, and transport streams may hold as much
 // stuffing as media.

@@ -89,7 +89,7 @@ Task<CorvantaSdkVideoThumbnailResult> ContactSheet::write(CorvantaSdkVideoFile i
                                                           CorvantaSdkVideoFileDescriptor output,
                                                           ContactSheetForm form,
                                                           std::shared_ptr<ProgressMeter> meter) {
-    const URL video = input.url();
+    const URL& video = input.url();
     Logger::addLog(Event::createThumbnail, EventMessage::createThumbnail(video));
     requireLogin(*credentialsManager_);
     if (!FileManager::fileExists(video.path())) {

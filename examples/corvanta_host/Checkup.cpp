@@ -40,7 +40,7 @@ std::string placeOf(const std::string& program) {
     const char* path = std::getenv("PATH");
     std::istringstream folders(path != nullptr ? path : "");
     for (std::string folder; std::getline(folders, folder, ':');) {
-        const std::string place = folder + '/' + program;
+        std::string place = folder + '/' + program;
         if (access(place.c_str(), X_OK) == 0) {
             return place;
         }
@@ -98,7 +98,7 @@ Finding neededFinding(const char* name, const Names& present, std::initializer_l
 }
 
 Finding encoderFinding(const Names& encoders) {
-    const Finding needed = neededFinding("encoders", encoders, {"mpeg4", "libx264", "aac", "mjpeg", "png"});
+    Finding needed = neededFinding("encoders", encoders, {"mpeg4", "libx264", "aac", "mjpeg", "png"});
     if (needed.state != State::ok) {
         return needed;
     }

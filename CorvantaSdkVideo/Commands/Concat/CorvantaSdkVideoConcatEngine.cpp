@@ -58,7 +58,7 @@ CorvantaSdkVideoConcatEngine::carryOut(std::shared_ptr<CorvantaSdkVideoRequest> 
     auto information = co_await videosInformationGenerator_.generateAssetsMetadata(videos);
     std::vector<JoinFile> files;
     if (joinExtension) {
-        files = co_await joinFiles(std::move(information));
+        files = co_await joinFiles(information);
         requireAlike(files);
     } else {
         co_await inputValidator_.validateVideosForConcat(videos);

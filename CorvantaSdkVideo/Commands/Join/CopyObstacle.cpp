@@ -100,7 +100,7 @@ std::string difference(const JoinFile& reference, const JoinFile& file) {
     if (other.audios != first.audios) {
         return audioTracksDifference(first, other);
     }
-    std::string order = orderDifference(reference, file);
+    const std::string order = orderDifference(reference, file);
     return order.empty() ? codingDifference(reference, file) : order;
 }
 

@@ -137,7 +137,7 @@ std::string finishCutCommand(const CutParts& parts) {
     if (parts.soundTrack) {
         command += " -filter_complex \"" + graph + joined + "concat=n=" + std::to_string(count) +
                    ":v=0:a=1,volume=" + shortestDecimal(parts.volume) +
-                   "[sound]\" -map \"[sound]\" -c:a aac -map_metadata:s:a:0 1:s:" +
+                   R"([sound]" -map "[sound]" -c:a aac -map_metadata:s:a:0 1:s:)" +
                    std::to_string(*parts.soundTrack);
     }
     if (isMP4 && parts.hasApplicationTags) {

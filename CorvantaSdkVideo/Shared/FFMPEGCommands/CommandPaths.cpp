@@ -77,7 +77,7 @@ bool canHold(PathForm form, const URL& file, const std::string& path) {
 bool isPlain(std::string_view path) {
     return std::ranges::all_of(path, [](unsigned char character) {
         return std::isalnum(character) != 0 ||
-               std::string_view("/._-").find(character) != std::string_view::npos;
+               std::string_view("/._-").find(static_cast<char>(character)) != std::string_view::npos;
     });
 }
 

@@ -113,7 +113,7 @@ std::vector<std::int64_t> coverIndexes(const nlohmann::json& streams) {
 
 CorvantaSdkVideoPictureColor color(const nlohmann::json& stream) {
     const auto told = [&stream](const char* key) {
-        std::string value = text(stream, key);
+        const std::string value = text(stream, key);
         return value == "unknown" ? "" : value;
     };
     return {told("color_range"), told("color_primaries"), told("color_transfer"), told("color_space")};
