@@ -289,7 +289,7 @@ void writeScreenshots(const QString& video, const QString& directory, QSize size
     stage.show("playing", [](const Scene& scene, QTemporaryDir&) {
         bool hasPlayed = false;
         const auto notice = [&hasPlayed] { hasPlayed = true; };
-        QObject context;
+        const QObject context;
         QObject::connect(&scene.model().videoPlayer(), &MediaPlayer::timeObserved, &context, notice);
         QObject::connect(&scene.model().videoPlayer(), &MediaPlayer::didPlayToEndTime, &context, notice);
         scene.model().handleAction();
