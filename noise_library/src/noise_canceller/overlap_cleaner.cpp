@@ -17,7 +17,7 @@ OverlapCleaner::OverlapCleaner(WEIGHTS::ModelPtr model, CleanerParams params, Fi
 void OverlapCleaner::startStream() {
     inputData_ = CONTAINERS::CyclicBlockData(10 * params_.step);
     outputData_ = CONTAINERS::CyclicBlockData(10 * params_.step);
-    outputData_.push_backNULL(latency());
+    outputData_.push_backNULL(OverlapCleaner::latency());
     inputData_.push_backNULL(params_.step);
 }
 
