@@ -1,5 +1,7 @@
 #include "support/Processes.hpp"
 
+#include "support/Patience.hpp"
+
 #include <algorithm>
 #include <cctype>
 #include <chrono>
@@ -21,7 +23,7 @@ namespace corvanta::test {
 namespace fs = std::filesystem;
 
 bool eventually(const std::function<bool()>& condition) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(2);
+    const auto deadline = std::chrono::steady_clock::now() + patience;
     while (!condition()) {
         if (std::chrono::steady_clock::now() > deadline) {
             return false;

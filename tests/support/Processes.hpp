@@ -12,7 +12,7 @@
 /// Programs that tests run, programs that stand in for ffmpeg, and what the kernel tells of processes.
 namespace corvanta::test {
 
-/// Waits until `condition` holds; false if it doesn't within two minutes.
+/// Waits until `condition` holds; false if it doesn't for all `patience`.
 bool eventually(const std::function<bool()>& condition);
 
 std::string readFile(const std::string& path);

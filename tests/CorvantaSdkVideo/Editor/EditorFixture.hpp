@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/MediaFixtures.hpp"
+#include "support/Patience.hpp"
 #include "support/RecordedLog.hpp"
 
 #include <CorvantaSdkVideo/Editor/CorvantaSdkVideoEditorImplementation.hpp>
@@ -130,7 +131,7 @@ class EditorFixture : public testing::Test {
 
     /// Runs the event loop until `condition` holds; false if it never does.
     static bool eventually(const std::function<bool()>& condition) {
-        return QTest::qWaitFor(condition, 60'000);
+        return QTest::qWaitFor(condition, static_cast<int>(patience.count()));
     }
     /// Runs what is in the event loop now, on both of the editor's threads.
     static void settle() {

@@ -1,3 +1,5 @@
+#include "support/Patience.hpp"
+
 #include <CorvantaSdkVideo/Editor/EditorTasks.hpp>
 
 #include <QTest>
@@ -54,7 +56,7 @@ TEST(EditorTasksTest, ACancelMayComeWhenWhoeverAskedForItHasGone) {
     stop.reset();
     beforeTheEnd.end();
     beforeTheCancel.waitUntilBegun();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return kept.expired(); }, 60'000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return kept.expired(); }, static_cast<int>(test::patience.count())));
     beforeTheCancel.end();
     // What the cancel queues runs behind what is queued before it.
     for (int round = 0; round < 3; ++round) {

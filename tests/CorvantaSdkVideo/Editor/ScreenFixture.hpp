@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/MediaFixtures.hpp"
+#include "support/Patience.hpp"
 #include "support/RecordedLog.hpp"
 #include "support/UserFolders.hpp"
 
@@ -142,7 +143,7 @@ class ScreenFixture : public testing::Test {
     }
 
     static bool eventually(const std::function<bool()>& condition) {
-        return QTest::qWaitFor(condition, 20'000);
+        return QTest::qWaitFor(condition, static_cast<int>(patience.count()));
     }
 
     QQuickItem* findShown(const char* label) const {

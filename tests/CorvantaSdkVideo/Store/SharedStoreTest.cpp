@@ -6,6 +6,7 @@
 #include <sqlite3.h>
 
 #include <support/FailingVFS.hpp>
+#include <support/Patience.hpp>
 #include <support/UserFolders.hpp>
 
 #include <barrier>
@@ -31,8 +32,7 @@ class Heard {
 
     std::vector<Value> waitFor(std::size_t count) {
         std::unique_lock lock(mutex_);
-        EXPECT_TRUE(
-            changed_.wait_for(lock, std::chrono::minutes(2), [&] { return values_.size() >= count; }));
+        EXPECT_TRUE(changed_.wait_for(lock, test::patience, [&] { return values_.size() >= count; }));
         return values_;
     }
 

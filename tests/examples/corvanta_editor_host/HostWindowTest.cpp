@@ -2,6 +2,7 @@
 #include "RecentVideos.hpp"
 #include "VideoFiles.hpp"
 #include "support/MediaFixtures.hpp"
+#include "support/Patience.hpp"
 #include "support/Processes.hpp"
 #include "support/UserFolders.hpp"
 
@@ -44,14 +45,16 @@ class HostApplication : public testing::Environment {
 const auto* const environment =
     testing::AddGlobalTestEnvironment(std::make_unique<HostApplication>().release());
 
-bool comes(const std::function<bool()>& condition) { return QTest::qWaitFor(condition, 60000); }
+constexpr int patience = static_cast<int>(test::patience.count());
+
+bool comes(const std::function<bool()>& condition) { return QTest::qWaitFor(condition, patience); }
 
 class HostWindowTest : public testing::Test {
   protected:
     void SetUp() override {
         host_.resize(390, 844);
         host_.show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&host_));
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&host_, patience));
         fs::copy_file(test::makeClip({.seconds = 1}), folders_.file("clip.mp4"));
     }
 
