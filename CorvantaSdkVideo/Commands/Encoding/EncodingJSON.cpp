@@ -22,7 +22,7 @@ void put(json& object, const char* key, std::optional<std::int64_t> value) {
     }
 }
 
-void read(const json& value, std::int64_t& number) {
+void readSetting(const json& value, std::int64_t& number) {
     const bool isTooLarge =
         value.is_number_unsigned() && !std::in_range<std::int64_t>(value.get<std::uint64_t>());
     if (!value.is_number_integer() || isTooLarge) {
@@ -31,16 +31,16 @@ void read(const json& value, std::int64_t& number) {
     number = value.get<std::int64_t>();
 }
 
-void read(const json& value, bool& flag) { flag = value.get<bool>(); }
+void readSetting(const json& value, bool& flag) { flag = value.get<bool>(); }
 
-void read(const json& value, std::vector<std::string>& texts) {
+void readSetting(const json& value, std::vector<std::string>& texts) {
     for (const json& text : value.get_ref<const json::array_t&>()) {
         texts.push_back(text.get<std::string>());
     }
 }
 
 template <typename Choice>
-void read(const json& value, Choice& choice) {
+void readSetting(const json& value, Choice& choice) {
     const auto named = choiceNamed<Choice>(value.get_ref<const std::string&>());
     if (!named) {
         throw json::other_error::create(501, "an unknown name", &value);
@@ -49,14 +49,14 @@ void read(const json& value, Choice& choice) {
 }
 
 template <typename Value>
-void read(const json& value, std::optional<Value>& optional) {
-    read(value, optional.emplace());
+void readSetting(const json& value, std::optional<Value>& optional) {
+    readSetting(value, optional.emplace());
 }
 
 template <typename Value>
 void readIfThere(const json& object, const char* key, Value& value) {
     if (const auto found = object.find(key); found != object.end() && !found->is_null()) {
-        read(*found, value);
+        readSetting(*found, value);
     }
 }
 

@@ -36,6 +36,11 @@ List foundAfterDeath(const UserFolders& folders) {
 struct Failure {
     int resultCode;
     FailingVFS::Length length;
+
+    /// Names the case in the list of tests.
+    friend void PrintTo(const Failure& failure, std::ostream* out) {
+        *out << failure.resultCode << (failure.length == FailingVFS::Length::once ? " once" : " lasting");
+    }
 };
 
 class FailingStorageTest : public ::testing::TestWithParam<Failure> {};
