@@ -11,6 +11,8 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdlib>
+
 namespace corvanta {
 namespace {
 
@@ -111,8 +113,12 @@ TEST(PlaybackEngineTest, OpensAndSeeksWithoutTheQtThread) {
         QMetaObject::invokeMethod(engine, [=] { engine->seek(position, number); });
     }
     EXPECT_TRUE(test::eventually([&] { return sought == 50; }));
-    frame = engine->takeFrame().frame;
-    EXPECT_NEAR(static_cast<double>(frame.startTime()) / 1e6, 2, 0.04) << "the last one";
+    // A frame that takes too long is no longer waited for, but shown when it comes.
+    EXPECT_TRUE(test::eventually([&] {
+        const QVideoFrame shown = engine->takeFrame().frame;
+        frame = shown.isValid() ? shown : frame;
+        return std::abs(frame.startTime() - 2'000'000) < 40'000;
+    })) << "the last one";
     thread.quit();
     thread.wait();
 }
