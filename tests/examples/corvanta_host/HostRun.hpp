@@ -2,12 +2,15 @@
 
 #include "support/Processes.hpp"
 
+#include <regex>
+
 namespace corvanta::test {
 
 /// A run of the terminal host that has ended.
 struct HostRun {
     int status;
     std::string output;
+    /// Without the lines of progress that a run prints every five seconds, on a slow machine.
     std::string errors;
 
     /// The request that was told of: on standard error, in JSON with the failure.
@@ -20,7 +23,9 @@ struct HostRun {
 inline HostRun runHost(const std::vector<std::string>& arguments, const Program::Options& options = {}) {
     Program host(CORVANTA_HOST, arguments, options);
     const int status = host.wait();
-    return {status, host.output(), host.errors()};
+    const std::regex progress(
+        "[a-z]+:?( \\[.{30}\\])? +([0-9]+:[0-9]{2}|[0-9]+ %.{0,30}|reading file [0-9]+ of [0-9]+)\n");
+    return {status, host.output(), std::regex_replace(host.errors(), progress, "")};
 }
 
 } // namespace corvanta::test
