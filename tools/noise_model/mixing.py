@@ -5,8 +5,6 @@ speech and noise, and some have a jump of the level in the middle or noise that 
 come through a microphone that colours, or that clips.
 """
 
-from collections import deque
-
 import numpy as np
 
 import corpus
@@ -15,6 +13,7 @@ from audio_files import RATE
 from metrics import active_level
 
 KEPT_NOISE = 0.04  # the part of the noise that stays in the target: the chain has no floor of its own
+MUSIC, SELDOM = {"recorded_music", "recorded_font", "recorded_instruments", "music"}, 0.35  # in training
 RECORDED, NATURAL, COMPUTED = 0.6, 0.3, 0.1  # shares of recordings and of synthetic voices, where all are there
 
 
@@ -75,16 +74,13 @@ def _microphone(random, count):
 class Mixer:
     """Draws scenes from one split of a corpus. The same seed gives the same scenes."""
 
-    def __init__(self, folder, split, seed, seconds=8.0, reuse=0.0, recorded=None):
-        """`reuse` is the share of scenes that take a speech track and a noise track that are there
-        already, in another combination and at other levels; this saves time. `recorded` takes only
-        recordings, or only what was generated."""
+    def __init__(self, folder, split, seed, seconds=8.0, recorded=None):
+        """`recorded` takes only recordings, or only what was generated."""
         self.random = np.random.default_rng(seed)
         self.voices, self.noises = (corpus.load(folder, what, split, recorded) for what in ("speech", "noise"))
         self.count = int(seconds * RATE) // 1280 * 1280
         self.voice_weights = self._voice_weights()
-        self.noise_weights = self._noise_weights()
-        self.reuse, self.tracks = reuse, (deque(maxlen=128), deque(maxlen=128))
+        self.noise_weights = self._noise_weights(SELDOM if split == "train" else 1.0)
 
     def _voice_weights(self):
         """Longer voices come more often than shorter ones."""
@@ -93,9 +89,10 @@ class Mixer:
         computed = np.array([v.name.startswith("espeak-ng") for v in self.voices])
         return _shared(size, (recorded, RECORDED), (~recorded & ~computed, NATURAL), (computed, COMPUTED))
 
-    def _noise_weights(self):
+    def _noise_weights(self, music):
         shares = {kind.__name__: share for kind, share in noises.SHARES.items()}
         weights = np.array([n.samples.size**0.5 if n.recorded else shares.get(n.name, 1.0) for n in self.noises])
+        weights *= [music if n.name in MUSIC else 1.0 for n in self.noises]
         recorded = np.array([n.recorded for n in self.noises])
         return _shared(weights, (recorded, RECORDED), (~recorded, 1 - RECORDED))
 
@@ -139,13 +136,6 @@ class Mixer:
             out += one * gain(random.uniform(-12, 0)) / (np.sqrt(np.mean(one**2)) + 1e-12)
         return out / np.sqrt(np.mean(out**2) + 1e-12)
 
-    def _track(self, which):
-        held = self.tracks[which]
-        if len(held) == held.maxlen and self.random.random() < self.reuse:
-            return np.roll(held[self.random.integers(len(held))], self.random.integers(self.count) if which else 0)
-        held.append((self.speech_track, self.noise_track)[which]())
-        return held[-1]
-
     def _steps(self, spread_db):
         """A gain that jumps once or twice, within 40 ms."""
         random, jumps = self.random, self.random.integers(1, 3)
@@ -157,7 +147,7 @@ class Mixer:
     def scene(self):
         """(what a microphone hears, what should be left of it), on the 16-bit scale."""
         random = self.random
-        speech, noise = self._track(0), self._track(1)
+        speech, noise = self.speech_track(), self.noise_track()
         kind = random.random()
         distance = random.uniform(-6, 22) if kind < 0.78 else random.uniform(22, 55) if kind < 0.88 else 90.0
         place = random.random()
@@ -170,6 +160,10 @@ class Mixer:
             begin, end = np.sort(random.integers(0, self.count, 2))
             noise = noise.copy()
             noise[begin:end] *= gain(-random.uniform(10, 60))
+        if random.random() < 0.15:
+            # A microphone that was muted.
+            heard = np.arange(self.count) >= random.uniform(0.1, 0.7) * self.count
+            speech, noise = speech * heard, noise * heard
         if random.random() < 0.03:
             speech, distance = speech * 0, min(distance, 30.0)
         speech = speech * (32768 * gain(level))
@@ -181,5 +175,7 @@ class Mixer:
         if random.random() < 0.05:
             most = np.abs(mix).max() * random.uniform(0.3, 1)
             mix = np.clip(mix, -most, most)
+        if random.random() < 0.35:
+            mix = mix + random.random(self.count) - random.random(self.count)  # dither, as many converters add it
         mix = np.clip(np.rint(mix), -32768, 32767)
         return mix.astype(np.float32), (speech + KEPT_NOISE * noise).astype(np.float32)

@@ -81,9 +81,9 @@ def _product(x, weight, bias, fast):
 class Network(nn.Module):
     """`mean` and `deviation` normalise the bands; they are no parameters, but belong to the model."""
 
-    def __init__(self, shape, mean, deviation, dropout=0.1):
+    def __init__(self, shape, mean, deviation):
         super().__init__()
-        self.shape, self.dropout = shape, dropout
+        self.shape = shape
         self.register_buffer("mean", torch.as_tensor(mean, dtype=torch.float32))
         self.register_buffer("deviation", torch.as_tensor(deviation, dtype=torch.float32))
         size, inputs = shape.state, shape.bands * shape.preview
@@ -117,10 +117,10 @@ class Network(nn.Module):
         flat = inputs.transpose(0, 1).reshape(-1, width)
         u = _product(flat, self.first_input, self.first_bias, fast).view(count, batch, -1)
         x, state = _Recurrence.apply(u, state, self.first_state)
-        x = nn.functional.dropout(x.view(-1, size), self.dropout, self.training)
+        x = x.view(-1, size)
         for weight, bias in zip(self.layers[0::2], self.layers[1::2]):
             u = _product(x, weight, bias, fast)
-            x = nn.functional.dropout(u[:, :size].relu() + u[:, size:], self.dropout, self.training)
+            x = u[:, :size].relu() + u[:, size:]
         mask = torch.sigmoid(_product(x, self.last, self.last_bias, fast))
         return mask.view(count, batch, -1).transpose(0, 1), state
 

@@ -9,9 +9,9 @@ import chain
 from intelligibility import intelligibility
 
 SNR_WEIGHT, SNR_CEILING = 0.02, 1e-5
-CLEAN_SNR, CLEAN_WEIGHT = 1e-3, 2.0  # clips with less noise than this beside their speech, and what they count
+CLEAN_SNR, CLEAN_WEIGHT = 1e-3, 1.2  # clips with less noise than this beside their speech, and what they count
 PAUSE, HEARD, QUIET_ENOUGH_DB = 0.004, 1e-2, -30  # of its energy a pause keeps no more; that it has before; that is left
-PAUSE_WEIGHT, INTELLIGIBILITY_WEIGHT = 0.003, 1.0
+PAUSE_WEIGHT, INTELLIGIBILITY_WEIGHT = 0.004, 3.0
 
 
 def _distortion(mask, part):

@@ -53,8 +53,8 @@ def batch(mixer, shape, size):
     return Scene(*(np.stack(part) for part in zip(*scenes)))
 
 
-def _produce(queue, folder, seed, shape, size, reuse):
-    mixer = Mixer(folder, "train", seed, reuse=reuse)
+def _produce(queue, folder, seed, shape, size):
+    mixer = Mixer(folder, "train", seed)
     while True:
         made = batch(mixer, shape, size)
         while True:
@@ -71,11 +71,11 @@ def _produce(queue, folder, seed, shape, size, reuse):
 class Source:
     """Batches from processes of their own, never the same twice."""
 
-    def __init__(self, folder, seed, shape, size, workers, reuse):
+    def __init__(self, folder, seed, shape, size, workers):
         context = get_context("spawn")
         self.queue = context.Queue(3 * workers)
         self.workers = [
-            context.Process(target=_produce, args=(self.queue, folder, [seed, i], shape, size, reuse), daemon=True)
+            context.Process(target=_produce, args=(self.queue, folder, [seed, i], shape, size), daemon=True)
             for i in range(workers)
         ]
         for worker in self.workers:

@@ -17,10 +17,9 @@ from network import Network
 from objective import loss
 
 BATCH, PART = 16, 125  # sequences of 8 s, and the frames after which the gradient is cut
-KEPT_BATCHES = 24  # batches that are trained on once more, later
 RATE_LOW, WARM_UP = 1e-5, 300
 CLIP, DECAY, AVERAGE = 0.5, 1e-4, 0.999
-FEATURE_NOISE = 0.08
+FEATURE_NOISE = 0.03
 STATISTICS_BATCHES = 5
 LONGEST_BATCH = 60.0  # seconds; what goes beyond was a machine that slept, or a process that was halted
 
@@ -42,7 +41,7 @@ def _learning_rate(highest, step, progress):
 
 
 class Trainer:
-    def __init__(self, folder, hours, rate, parameters=None, workers=1, reuse=0.5, device="cpu", shape=chain.Shape(), seed=1):
+    def __init__(self, folder, hours, rate, parameters=None, workers=1, device="cpu", shape=chain.Shape(), seed=1):
         """`parameters` are those of a trained network to begin with; a checkpoint in `folder` goes before them."""
         self.folder, self.hours, self.rate, self.shape, self.device = Path(folder), hours, rate, shape, torch.device(device)
         self.path("").mkdir(parents=True, exist_ok=True)
@@ -53,7 +52,7 @@ class Trainer:
             if saved["shape"] != asdict(shape):
                 raise SystemExit("the checkpoint is of a network of another shape; move it away to start anew")
             seed += saved["step"]
-        self.source = scenes.Source(folder, seed, shape, BATCH, workers, reuse)
+        self.source = scenes.Source(folder, seed, shape, BATCH, workers)
         if saved:
             parameters = saved["network"]
         elif parameters:
@@ -101,15 +100,6 @@ class Trainer:
             for mean, value in zip(self.average.parameters(), self.network.parameters()):
                 mean.lerp_(value, 1 - keep)
 
-    def _batches(self):
-        """New batches, and each a second time after some others, since mixing takes as long as training."""
-        kept = []
-        while True:
-            kept.append(self.source.next())
-            yield kept[-1]
-            if len(kept) > KEPT_BATCHES:
-                yield kept.pop(0)
-
     def _train_on(self, batch):
         tensors = scenes.Scene(*(torch.from_numpy(part).to(self.device) for part in batch))
         state, before, losses = self.network.start(BATCH), None, []
@@ -150,10 +140,9 @@ class Trainer:
     def run(self, report_minutes=6.0):
         losses, reported, last = [], self.elapsed, time.time()
         try:
-            for batch in self._batches():
-                if self.elapsed >= self.hours * 3600:
-                    break
-                losses.append(self._train_on(batch))
+            while self.elapsed < self.hours * 3600:
+                # Each batch once: scenes that come again are learnt by heart within minutes.
+                losses.append(self._train_on(self.source.next()))
                 now = time.time()
                 self.elapsed, last = self.elapsed + min(now - last, LONGEST_BATCH), now
                 if len(losses) % 10 == 0:
