@@ -228,7 +228,7 @@ TEST(FFmpegKitTest, ProgressThatIsNoNumberIsTakenAsNotKnown) {
 
 TEST(FFmpegKitTest, EndlessOutputIsDrainedAndNotKept) {
     constexpr std::size_t megabyte = 1U << 20U;
-    // Sanitizers take a second for each megabyte, and hide what it occupies.
+    // Sanitizers take minutes for as much, and hide what it occupies.
     const std::size_t size = memoryIsOurs ? 100 : 10;
     const auto bytes = [&](std::size_t count) { return "head -c " + std::to_string(count) + "M /dev/zero"; };
     const std::string script =

@@ -13,7 +13,8 @@ from audio_files import RATE
 from metrics import active_level
 
 KEPT_NOISE = 0.04  # the part of the noise that stays in the target: the chain has no floor of its own
-MUSIC, SELDOM = {"recorded_music", "recorded_font", "recorded_instruments", "music"}, 0.35  # in training
+# Little of it can be told from speech, so training mixes it this much less often.
+MUSIC, SELDOM = {"recorded_music", "recorded_font", "recorded_instruments", "music"}, 0.35
 RECORDED, NATURAL, COMPUTED = 0.6, 0.3, 0.1  # shares of recordings and of synthetic voices, where all are there
 
 
