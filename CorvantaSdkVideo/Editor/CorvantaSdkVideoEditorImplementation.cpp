@@ -157,6 +157,8 @@ Task<URL> CorvantaSdkVideoEditorImplementation::getThumbnailForVideo(URL at, dou
         co_await commandExecutor_->executeFFMPEGCommand(std::move(command.script));
     } catch (const std::exception& error) {
         if (isCancellation(error)) {
+            // Nobody hears of a picture that ffmpeg wrote just before it was stopped.
+            CorvantaSdkVideoUtils::deleteFileIfExists(output);
             throw;
         }
         throw Error(Error::trimFailed, detailsOf(error));

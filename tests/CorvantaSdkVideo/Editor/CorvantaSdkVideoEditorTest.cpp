@@ -7,7 +7,10 @@
 #include <platform/AssetReader.hpp>
 #include <platform/Directories.hpp>
 
+#include <boost/asio/error.hpp>
 #include <gmock/gmock.h>
+
+#include <algorithm>
 
 namespace corvanta {
 namespace {
@@ -24,11 +27,15 @@ class RecordingExecutor : public FFMPEGCommandExecutorImplementation {
   public:
     Task<> executeFFMPEGCommand(std::string command, OnUpdateSessionId onUpdateSessionId) override {
         commands.push_back(command);
-        return FFMPEGCommandExecutorImplementation::executeFFMPEGCommand(std::move(command),
-                                                                         std::move(onUpdateSessionId));
+        co_await FFMPEGCommandExecutorImplementation::executeFFMPEGCommand(std::move(command),
+                                                                           std::move(onUpdateSessionId));
+        if (stopsAfterRun) {
+            throw boost::system::system_error(boost::asio::error::operation_aborted);
+        }
     }
 
     std::vector<std::string> commands;
+    bool stopsAfterRun = false;
 };
 
 class CorvantaSdkVideoEditorTest : public testing::Test {
@@ -214,6 +221,15 @@ TEST_F(CorvantaSdkVideoEditorTest, WritesTheFrameAtADistanceFromTheEnd) {
     }
     ASSERT_EQ(thumbnail(URL::fromFilePath(clip), 1, std::nullopt), "");
     EXPECT_EQ(test::frameAt(image_, 0).height, 34);
+
+    // A run that is stopped when it has just written leaves nothing that nobody would know of.
+    const auto written = [] {
+        return std::ranges::distance(fs::directory_iterator(Directories::documents().path()));
+    };
+    const auto before = written();
+    executor_->stopsAfterRun = true;
+    EXPECT_THAT(thumbnail(URL::fromFilePath(clip), 1), StartsWith("Operation canceled"));
+    EXPECT_EQ(written(), before);
 }
 
 } // namespace
