@@ -131,7 +131,7 @@ class EditorFixture : public testing::Test {
 
     /// Runs the event loop until `condition` holds; false if it never does.
     static bool eventually(const std::function<bool()>& condition) {
-        return QTest::qWaitFor(condition, static_cast<int>(patience.count()));
+        return QTest::qWaitFor(condition, patienceInMilliseconds);
     }
     /// Runs what is in the event loop now, on both of the editor's threads.
     static void settle() {

@@ -56,7 +56,7 @@ TEST(EditorTasksTest, ACancelMayComeWhenWhoeverAskedForItHasGone) {
     stop.reset();
     beforeTheEnd.end();
     beforeTheCancel.waitUntilBegun();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return kept.expired(); }, static_cast<int>(test::patience.count())));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return kept.expired(); }, test::patienceInMilliseconds));
     beforeTheCancel.end();
     // What the cancel queues runs behind what is queued before it.
     for (int round = 0; round < 3; ++round) {

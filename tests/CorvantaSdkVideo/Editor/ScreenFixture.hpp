@@ -143,7 +143,7 @@ class ScreenFixture : public testing::Test {
     }
 
     static bool eventually(const std::function<bool()>& condition) {
-        return QTest::qWaitFor(condition, static_cast<int>(patience.count()));
+        return QTest::qWaitFor(condition, patienceInMilliseconds);
     }
 
     QQuickItem* findShown(const char* label) const {

@@ -45,16 +45,16 @@ class HostApplication : public testing::Environment {
 const auto* const environment =
     testing::AddGlobalTestEnvironment(std::make_unique<HostApplication>().release());
 
-constexpr int patience = static_cast<int>(test::patience.count());
-
-bool comes(const std::function<bool()>& condition) { return QTest::qWaitFor(condition, patience); }
+bool comes(const std::function<bool()>& condition) {
+    return QTest::qWaitFor(condition, test::patienceInMilliseconds);
+}
 
 class HostWindowTest : public testing::Test {
   protected:
     void SetUp() override {
         host_.resize(390, 844);
         host_.show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&host_, patience));
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&host_, test::patienceInMilliseconds));
         fs::copy_file(test::makeClip({.seconds = 1}), folders_.file("clip.mp4"));
     }
 
