@@ -21,11 +21,13 @@ constexpr int modelVersion = 2;
 constexpr std::chrono::milliseconds busyTimeout{5000};
 
 // The spill is off so that nothing is written before the commit: a read that sees pending changes then never
-// fails for want of space.
+// fails for want of space. Every process that opens the file reads the whole log first, so that is kept
+// shorter than SQLite's default of 1000 pages.
 constexpr const char* settings = R"(
     PRAGMA synchronous = FULL;
     PRAGMA foreign_keys = ON;
     PRAGMA cache_spill = OFF;
+    PRAGMA wal_autocheckpoint = 100;
 )";
 
 constexpr const char* firstModel = R"(
