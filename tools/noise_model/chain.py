@@ -10,7 +10,7 @@ import numpy as np
 
 RATE = 16000
 LOG_FLOOR = np.float32(1000)
-MASK_THRESHOLD = 1e-6
+MASK_THRESHOLD = 0.3
 
 
 @dataclass(frozen=True)
@@ -106,9 +106,13 @@ def stacked(normalised, mean, deviation, shape):
 
 
 def full_mask(bands, shape):
-    """From the network's output, [frame, band], to the gain of every bin."""
-    mask = np.repeat(bands.astype(np.float32) ** 2, shape.band_widths, axis=1)
-    return np.pad(mask, ((0, 0), (0, 1)))
+    """From the network's output, [frame, band], to the gain of every bin.
+
+    What is below the threshold is pressed down: pauses get quieter for it, speech hardly changes.
+    """
+    gains = bands.astype(np.float32) ** 2
+    gains = np.where(gains < MASK_THRESHOLD, gains * gains / MASK_THRESHOLD, gains)
+    return np.pad(np.repeat(gains, shape.band_widths, axis=1), ((0, 0), (0, 1)))
 
 
 def resynthesise(spectrum, mask, shape):

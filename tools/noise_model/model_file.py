@@ -22,7 +22,7 @@ def in_bfloat16(parameters):
 
 
 def _settings(shape):
-    """The library takes the references only where the mask's threshold is on; this one is too low to be heard."""
+    """The library takes the references only where the mask's threshold is on."""
     values = {
         "ENABLE_RM_THRESHOLD": Record(Kind.STRING, "t"),
         "RM_THRESHOLD": Record(Kind.FLOAT, chain.MASK_THRESHOLD),

@@ -1,6 +1,6 @@
 """What training lowers: distortion, what is left in pauses, and what speech loses of its intelligibility.
 
-All of it from a mask before squaring, [clip, frame, band], and a Scene's tensors of the same frames.
+All of it from the network's mask, before squaring, [clip, frame, band], and a Scene's tensors of the same frames.
 """
 
 import torch
@@ -8,10 +8,10 @@ import torch
 import chain
 from intelligibility import intelligibility
 
-SNR_WEIGHT, SNR_CEILING = 0.02, 1e-5
+SNR_WEIGHT, SNR_CEILING = 0.012, 3e-5
 CLEAN_SNR, CLEAN_WEIGHT = 1e-3, 1.2  # clips with less noise than this beside their speech, and what they count
 PAUSE, HEARD, QUIET_ENOUGH_DB = 0.004, 1e-2, -30  # of its energy a pause keeps no more; that it has before; that is left
-PAUSE_WEIGHT, INTELLIGIBILITY_WEIGHT = 0.004, 3.0
+PAUSE_WEIGHT, INTELLIGIBILITY_WEIGHT = 0.003, 3.0
 
 
 def _distortion(mask, part):
@@ -42,6 +42,13 @@ def _left_in_pauses(mask, part):
     return (pause * decibels).sum() / (pause.sum() + 0.1 * pause.numel())
 
 
+def _pressed(mask):
+    """What the chain's threshold, which is one of the gain, makes of the mask."""
+    root = chain.MASK_THRESHOLD**0.5
+    return torch.where(mask < root, mask * mask / root, mask)
+
+
 def loss(mask, part):
+    mask = _pressed(mask)
     return (_distortion(mask, part) + PAUSE_WEIGHT * _left_in_pauses(mask, part)
             + INTELLIGIBILITY_WEIGHT * (1 - intelligibility(mask, part)))
