@@ -68,7 +68,8 @@ class BareDatabase {
     explicit BareDatabase(const std::string& path) {
         check(sqlite3_open_v2(path.c_str(), &database_,
                               SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr));
-        run("PRAGMA synchronous = FULL; PRAGMA foreign_keys = ON; PRAGMA cache_spill = OFF;");
+        run("PRAGMA synchronous = FULL; PRAGMA foreign_keys = ON; PRAGMA cache_spill = OFF;"
+            "PRAGMA wal_autocheckpoint = 100;");
     }
     BareDatabase(const BareDatabase&) = delete;
     BareDatabase& operator=(const BareDatabase&) = delete;
